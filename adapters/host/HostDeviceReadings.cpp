@@ -1,0 +1,27 @@
+#include "adapters/host/HostDeviceReadings.h"
+
+#include <sys/utsname.h>
+
+namespace orvane {
+namespace {
+
+/// Zeros, and so empty texts, where the system call fails.
+utsname systemNames() {
+  utsname names{};
+  uname(&names);
+  return names;
+}
+
+}  // namespace
+
+std::string HostDeviceReadings::machine() const {
+  return systemNames().machine;
+}
+std::string HostDeviceReadings::systemVersion() const {
+  return systemNames().release;
+}
+std::string HostDeviceReadings::model() const {
+  return systemNames().sysname;
+}
+
+}  // namespace orvane

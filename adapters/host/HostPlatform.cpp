@@ -1,0 +1,37 @@
+#include <thread>
+
+#include "adapters/host/HostDeviceReadings.h"
+#include "adapters/host/HostSession.h"
+#include "adapters/host/HostTextRules.h"
+#include "adapters/host/MainQueue.h"
+#include "orvane/platform/Platform.h"
+
+namespace orvane {
+namespace {
+
+/// Concurrent: a thread for each task.
+class GlobalQueue final : public DispatchQueue {
+ public:
+  void async(Task task) override { std::thread(std::move(task)).detach(); }
+};
+
+const std::shared_ptr<MainQueue>& sharedMainQueue() {
+  static const auto* const queue = new std::shared_ptr<MainQueue>(std::make_shared<MainQueue>());
+  return *queue;
+}
+
+}  // namespace
+
+MainQueue& hostMainQueue() {
+  return *sharedMainQueue();
+}
+
+Platform makeDefaultPlatform() {
+  return {.sharedSession = std::make_shared<HostSession>(),
+          .mainQueue = sharedMainQueue(),
+          .globalQueue = std::make_shared<GlobalQueue>(),
+          .textRules = std::make_shared<HostTextRules>(),
+          .deviceReadings = std::make_shared<HostDeviceReadings>()};
+}
+
+}  // namespace orvane

@@ -1,0 +1,37 @@
+#include "adapters/host/HostSession.h"
+
+#include <algorithm>
+
+#include "adapters/host/TransferEngine.h"
+
+namespace orvane {
+namespace {
+
+HostSessionConfiguration withinBounds(HostSessionConfiguration configuration) {
+  using std::chrono::milliseconds;
+  constexpr milliseconds longest = std::chrono::years(10);
+  for (milliseconds* timeout : {&configuration.idleTimeout, &configuration.totalTimeout})
+    *timeout = std::clamp(*timeout, milliseconds(1), longest);
+  configuration.connectionsPerHost = std::max<std::size_t>(configuration.connectionsPerHost, 1);
+  return configuration;
+}
+
+}  // namespace
+
+HostSession::HostSession(HostSessionConfiguration configuration)
+    : engine_(std::make_shared<TransferEngine>(withinBounds(std::move(configuration)))) {}
+
+HostSession::~HostSession() {
+  engine_->close();
+}
+
+void HostSession::startDataTask(URLRequest request, DataTaskHandler handler) {
+  if (!handler) handler = [](const auto&) {};
+  engine_->start(std::move(request), std::move(handler));
+}
+
+void HostSession::cancelAllOperations() {
+  engine_->cancelHandlers();
+}
+
+}  // namespace orvane

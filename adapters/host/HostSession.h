@@ -1,0 +1,58 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "orvane/base/Export.h"
+#include "orvane/platform/URLSession.h"
+
+namespace orvane {
+
+/// Sends what is meant for one address to another. The request stays as it is, its Host field too.
+struct Reroute {
+  std::string host;         ///< The host name in the URL.
+  std::uint16_t port = 80;  ///< The port in the URL, or its scheme's.
+  std::string toHost;       ///< A name, an IPv4 address, or an IPv6 address without brackets.
+  std::uint16_t toPort = 80;
+};
+
+struct HostSessionConfiguration {
+  /// How long a transfer may pass without a byte, connecting included; then error -1001. Must be positive.
+  std::chrono::milliseconds idleTimeout = std::chrono::seconds(60);
+  /// How long a task may take in all, from its start; then error -1001. Must be positive.
+  std::chrono::milliseconds totalTimeout = std::chrono::hours(7 * 24);
+  /// The greatest reply body, after decompression, in bytes; beyond it error -1103.
+  std::size_t maximumBodySize = 64U << 20;
+  /// How many connections to one host at a time; further requests wait. At least one.
+  std::size_t connectionsPerHost = 6;
+  /// A proxy's URL; empty for none. The environment is not read.
+  std::string proxy;
+  std::vector<Reroute> reroutes;
+};
+
+class TransferEngine;
+
+/// HTTP on ordinary machines. Requests with the schemes http and https are carried out, on two threads of the
+/// session's own, which start with the first task: one for the transfers, one for the handlers. Cookies and
+/// kept-alive connections live as long as the session, nothing is stored.
+///
+/// A status is never an error. Errors have the domain "NSURLErrorDomain" and the codes known from there, with
+/// a description under "NSLocalizedDescription" and the URL under "NSErrorFailingURLStringKey".
+class ORVANE_API HostSession final : public URLSession {
+ public:
+  explicit HostSession(HostSessionConfiguration configuration = {});
+  /// Returns at once. Tasks under way go on and call their handlers.
+  ~HostSession() override;
+
+  void startDataTask(URLRequest request, DataTaskHandler handler) override;
+  void cancelAllOperations() override;
+
+ private:
+  std::shared_ptr<TransferEngine> engine_;
+};
+
+}  // namespace orvane

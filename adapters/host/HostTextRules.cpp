@@ -1,0 +1,75 @@
+#include "adapters/host/HostTextRules.h"
+
+#include <algorithm>
+#include <utf8proc.h>
+
+#include "adapters/host/URLParts.h"
+
+namespace orvane {
+namespace {
+
+bool isHexDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+bool isForbidden(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte <= 0x20 || byte == 0x7F || std::string_view("\"<>\\^`{|}").find(c) != std::string_view::npos;
+}
+
+bool hasWholeEscapes(std::string_view text) {
+  for (std::size_t at = text.find('%'); at != text.npos; at = text.find('%', at + 1)) {
+    if (text.size() - at < 3 || !isHexDigit(text[at + 1]) || !isHexDigit(text[at + 2])) return false;
+  }
+  return true;
+}
+
+/// Brackets stand in a host alone, around the whole of it.
+bool isHost(std::string_view host) {
+  if (host.starts_with('[')) return host.ends_with(']') && host.find_first_of("[]", 1) == host.size() - 1;
+  return host.find_first_of("[]") == host.npos;
+}
+
+bool isPort(std::string_view port) {
+  if (port.find_first_not_of("0123456789") != port.npos) return false;
+  port.remove_prefix(std::min(port.find_first_not_of('0'), port.size()));
+  return port.size() < 5 || (port.size() == 5 && port <= "65535");
+}
+
+}  // namespace
+
+bool HostTextRules::isURL(std::string_view text) const {
+  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+  const auto size = static_cast<utf8proc_ssize_t>(text.size());
+  for (utf8proc_ssize_t at = 0; at < size;) {
+    utf8proc_int32_t codePoint = 0;
+    const utf8proc_ssize_t length = utf8proc_iterate(bytes + at, size - at, &codePoint);
+    if (length <= 0) return false;
+    at += length;
+  }
+  if (std::any_of(text.begin(), text.end(), isForbidden) || !hasWholeEscapes(text)) return false;
+  if (std::count(text.begin(), text.end(), '#') > 1) return false;
+  const URLParts parts = splitURL(text);
+  return isHost(parts.host) && isPort(parts.port);
+}
+
+bool HostTextRules::isAlphanumeric(char32_t codePoint) const {
+  switch (utf8proc_category(static_cast<utf8proc_int32_t>(codePoint))) {
+    case UTF8PROC_CATEGORY_LU:
+    case UTF8PROC_CATEGORY_LL:
+    case UTF8PROC_CATEGORY_LT:
+    case UTF8PROC_CATEGORY_LM:
+    case UTF8PROC_CATEGORY_LO:
+    case UTF8PROC_CATEGORY_MN:
+    case UTF8PROC_CATEGORY_MC:
+    case UTF8PROC_CATEGORY_ME:
+    case UTF8PROC_CATEGORY_ND:
+    case UTF8PROC_CATEGORY_NL:
+    case UTF8PROC_CATEGORY_NO:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace orvane

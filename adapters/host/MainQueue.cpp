@@ -1,0 +1,63 @@
+#include "adapters/host/MainQueue.h"
+
+#include <utility>
+
+namespace orvane {
+
+void MainQueue::async(Task task) {
+  {
+    const std::lock_guard lock(mutex_);
+    tasks_.push_back(std::move(task));
+  }
+  changed_.notify_one();
+}
+
+void MainQueue::run() {
+  runUntil(nullptr);
+}
+
+bool MainQueue::run(std::chrono::milliseconds limit) {
+  const auto end = std::chrono::steady_clock::now() + limit;
+  return runUntil(&end);
+}
+
+/// Runs tasks, each without the lock. Whether stop() ended it, and not the limit.
+bool MainQueue::runUntil(const std::chrono::steady_clock::time_point* limit) {
+  const auto isDue = [this] { return stopped_ || !tasks_.empty(); };
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    if (!limit) {
+      changed_.wait(lock, isDue);
+    } else if (!changed_.wait_until(lock, *limit, isDue)) {
+      return false;
+    }
+    if (std::exchange(stopped_, false)) return true;
+    {
+      const Task task = std::move(tasks_.front());
+      tasks_.pop_front();
+      lock.unlock();
+      task();
+    }
+    lock.lock();
+  }
+}
+
+std::size_t MainQueue::runPending() {
+  std::deque<Task> pending;
+  {
+    const std::lock_guard lock(mutex_);
+    pending.swap(tasks_);
+  }
+  for (Task& task : pending) std::exchange(task, nullptr)();
+  return pending.size();
+}
+
+void MainQueue::stop() {
+  {
+    const std::lock_guard lock(mutex_);
+    stopped_ = true;
+  }
+  changed_.notify_one();
+}
+
+}  // namespace orvane

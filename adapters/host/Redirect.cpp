@@ -1,0 +1,60 @@
+#include "adapters/host/Redirect.h"
+
+#include "adapters/host/URLParts.h"
+
+namespace orvane {
+namespace {
+
+bool keepsMethod(const URLRequest& request, int statusCode) {
+  if (statusCode == 307 || statusCode == 308) return true;
+  return statusCode != 303 && request.method() != "POST";
+}
+
+bool isSameOrigin(const URLParts& a, const URLParts& b) {
+  return equalIgnoringCase(a.scheme, b.scheme) && equalIgnoringCase(a.host, b.host) &&
+         a.portOrDefault() == b.portOrDefault();
+}
+
+}  // namespace
+
+bool isSupportedScheme(std::string_view scheme) noexcept {
+  return equalIgnoringCase(scheme, "http") || equalIgnoringCase(scheme, "https");
+}
+
+bool isRedirect(int statusCode) noexcept {
+  switch (statusCode) {
+    case 301:
+    case 302:
+    case 303:
+    case 307:
+    case 308:
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::variant<URLRequest, SessionErrorCode> redirect(const URLRequest& request, int statusCode,
+                                                    std::string_view location) {
+  const URLParts from = splitURL(request.url());
+  const URLParts to = splitURL(location);
+  const bool losesSecurity = equalIgnoringCase(from.scheme, "https") && equalIgnoringCase(to.scheme, "http");
+  if (!isSupportedScheme(to.scheme) || losesSecurity) return SessionErrorCode::unsupportedURL;
+
+  URLRequest next{std::string(location)};
+  const bool keepsBody = keepsMethod(request, statusCode);
+  if (keepsBody) {
+    next.setMethod(request.method());
+    if (request.body()) next.setBody(*request.body());
+  }
+  const bool keepsCredentials = isSameOrigin(from, to);
+  for (const auto& [name, value] : request.headers()) {
+    const bool isCredential = equalIgnoringCase(name, "Authorization") || equalIgnoringCase(name, "Cookie");
+    if (isCredential && !keepsCredentials) continue;
+    if (equalIgnoringCase(name, "Content-Type") && !keepsBody) continue;
+    next.addValue(value, name);
+  }
+  return next;
+}
+
+}  // namespace orvane

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <curl/curl.h>
+#include <string_view>
+
+#include "orvane/base/Error.h"
+
+namespace orvane {
+
+/// Codes of the domain "NSURLErrorDomain".
+enum class SessionErrorCode {
+  unknown = -1,
+  badURL = -1000,
+  timedOut = -1001,
+  unsupportedURL = -1002,
+  cannotFindHost = -1003,
+  cannotConnectToHost = -1004,
+  connectionLost = -1005,
+  tooManyRedirects = -1007,
+  undecodableContent = -1015,
+  cannotParseReply = -1017,
+  dataTooLarge = -1103,
+  secureConnectionFailed = -1200,
+  serverCertificateUntrusted = -1202,
+  clientCertificateRequired = -1206,
+};
+
+SessionErrorCode sessionErrorCode(CURLcode result) noexcept;
+
+ErrorPtr makeSessionError(SessionErrorCode code, std::string_view url, std::string_view description);
+
+}  // namespace orvane

@@ -1,0 +1,193 @@
+#include "adapters/host/Transfer.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+
+#include "adapters/host/Redirect.h"
+#include "adapters/host/SessionError.h"
+#include "adapters/host/URLParts.h"
+
+namespace orvane {
+namespace {
+
+constexpr const char* userAgent = "Orvane/1.0";
+
+/// Sends bytes beyond ASCII percent-encoded, but in the host, whose name curl encodes as the name system
+/// wants it.
+std::string wireURL(const std::string& url) {
+  constexpr std::string_view hex = "0123456789ABCDEF";
+  const auto isPlain = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  if (std::all_of(url.begin(), url.end(), isPlain)) return url;
+  const std::string_view host = splitURL(url).host;
+  std::string encoded;
+  for (const char& c : url) {
+    if (isPlain(c) || (&c >= host.data() && &c < host.data() + host.size())) {
+      encoded.push_back(c);
+    } else {
+      const auto byte = static_cast<unsigned char>(c);
+      encoded.append({'%', hex[byte >> 4], hex[byte & 15]});
+    }
+  }
+  return encoded;
+}
+
+/// The field as curl wants it: an empty value behind a semicolon, since a colon alone would remove the field.
+std::string headerLine(const HeaderField& field) {
+  const bool isBlank = field.value.find_first_not_of(" \t\v\f") == field.value.npos;
+  return isBlank ? field.name + ";" : field.name + ": " + field.value;
+}
+
+}  // namespace
+
+Transfer::Transfer(const TransferSettings& settings)
+    : settings_(settings), handle_(curl_easy_init()), task_{URLRequest(""), nullptr, {}} {
+  if (!handle_) throw std::bad_alloc();
+  const HostSessionConfiguration& configuration = settings.configuration;
+  const auto set = [this](auto option, auto value) { curl_easy_setopt(handle(), option, value); };
+  set(CURLOPT_NOSIGNAL, 1L);
+  set(CURLOPT_QUICK_EXIT, 1L);
+  set(CURLOPT_PROTOCOLS_STR, "http,https");
+  set(CURLOPT_PATH_AS_IS, 1L);
+  set(CURLOPT_USERAGENT, userAgent);
+  set(CURLOPT_ACCEPT_ENCODING, "");
+  set(CURLOPT_COOKIEFILE, "");
+  set(CURLOPT_SHARE, settings.cookies);
+  set(CURLOPT_CONNECT_TO, settings.reroutes.get());
+  set(CURLOPT_PROXY, configuration.proxy.c_str());
+  set(CURLOPT_NOPROXY, "");
+  // Time-outs are this adapter's own, to the millisecond and across redirects.
+  set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(std::numeric_limits<int>::max()));
+  set(CURLOPT_ERRORBUFFER, errorText_.data());
+  set(CURLOPT_PRIVATE, this);
+
+  using Self = Transfer;
+  set(CURLOPT_WRITEDATA, this);
+  set(
+      CURLOPT_WRITEFUNCTION, +[](char* bytes, std::size_t one, std::size_t size, void* self) {
+        return static_cast<Self*>(self)->take(bytes, one * size);
+      });
+  set(CURLOPT_HEADERDATA, this);
+  set(
+      CURLOPT_HEADERFUNCTION, +[](char*, std::size_t one, std::size_t size, void* self) {
+        static_cast<Self*>(self)->lastActivity_ = *static_cast<Self*>(self)->now_;
+        return one * size;
+      });
+  set(CURLOPT_NOPROGRESS, 0L);
+  set(CURLOPT_XFERINFODATA, this);
+  set(
+      CURLOPT_XFERINFOFUNCTION,
+      +[](void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) {
+        static_cast<Self*>(self)->noteProgress(received + sent);
+        return 0;
+      });
+  // Called before each sending: curl sends again by itself what a kept-alive connection lost. What is no mere
+  // question must not be asked twice.
+  set(CURLOPT_PREREQDATA, this);
+  set(
+      CURLOPT_PREREQFUNCTION, +[](void* self, char*, char*, int, int) {
+        auto& transfer = *static_cast<Self*>(self);
+        const bool mayRepeat =
+            transfer.task_.request.method() == "GET" || transfer.task_.request.method() == "HEAD";
+        return transfer.attempts_++ == 0 || mayRepeat ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
+      });
+}
+
+void Transfer::prepare(DataTask task, const Clock::time_point& now) {
+  task_ = std::move(task);
+  now_ = &now;
+  lastActivity_ = now;
+  progress_ = 0;
+  attempts_ = 0;
+  isTooLarge_ = false;
+  body_.clear();
+  errorText_[0] = '\0';
+  curl_easy_setopt(handle(), CURLOPT_URL, wireURL(task_.request.url()).c_str());
+  setMethodAndBody();
+  setHeaders();
+}
+
+void Transfer::setMethodAndBody() {
+  const std::string& method = task_.request.method();
+  const std::optional<Bytes>& body = task_.request.body();
+  if (body || method == "POST") {
+    static constexpr char nothing[] = "";
+    const bool isEmpty = !body || body->empty();
+    curl_easy_setopt(handle(), CURLOPT_POST, 1L);
+    curl_easy_setopt(handle(), CURLOPT_POSTFIELDSIZE_LARGE,
+                     static_cast<curl_off_t>(isEmpty ? 0 : body->size()));
+    curl_easy_setopt(handle(), CURLOPT_POSTFIELDS,
+                     isEmpty ? static_cast<const void*>(nothing) : body->data());
+  } else {
+    curl_easy_setopt(handle(), CURLOPT_HTTPGET, 1L);
+    if (method == "HEAD") curl_easy_setopt(handle(), CURLOPT_NOBODY, 1L);
+  }
+  const bool isImplied = method == (body ? "POST" : "GET") || method == "POST" || method == "HEAD";
+  curl_easy_setopt(handle(), CURLOPT_CUSTOMREQUEST, isImplied ? nullptr : method.c_str());
+}
+
+void Transfer::setHeaders() {
+  headers_.clear();
+  headers_.append("Expect:");  // No pause before a large body.
+  const std::optional<Bytes>& body = task_.request.body();
+  const bool isEmpty = !body || body->empty();
+  if (isEmpty && !task_.request.value("Content-Type")) headers_.append("Content-Type:");
+  for (const HeaderField& field : task_.request.headers()) headers_.append(headerLine(field));
+  curl_easy_setopt(handle(), CURLOPT_HTTPHEADER, headers_.get());
+}
+
+std::size_t Transfer::take(const char* bytes, std::size_t size) {
+  lastActivity_ = *now_;
+  if (size > settings_.configuration.maximumBodySize - body_.size()) {
+    isTooLarge_ = true;
+    return CURL_WRITEFUNC_ERROR;
+  }
+  if (body_.empty()) {
+    // A hint, and only so far to be trusted.
+    constexpr curl_off_t greatestReservation = 1 << 20;
+    curl_off_t announced = 0;
+    curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
+    body_.reserve(static_cast<std::size_t>(std::clamp<curl_off_t>(announced, 0, greatestReservation)));
+  }
+  body_.insert(body_.end(), bytes, bytes + size);
+  return size;
+}
+
+void Transfer::noteProgress(curl_off_t bytes) noexcept {
+  if (bytes == progress_) return;
+  progress_ = bytes;
+  lastActivity_ = *now_;
+}
+
+Clock::time_point Transfer::end() const noexcept {
+  return std::min(lastActivity_ + settings_.configuration.idleTimeout, task_.end);
+}
+
+DataTaskResult Transfer::finish(CURLcode result) {
+  if (result == CURLE_OK) return {std::move(body_), HTTPResponse{statusCode()}, nullptr};
+  const SessionErrorCode code = isTooLarge_ ? SessionErrorCode::dataTooLarge : sessionErrorCode(result);
+  const char* description = curl_easy_strerror(result);
+  if (isTooLarge_) {
+    description = "The reply is larger than allowed";
+  } else if (result == CURLE_ABORTED_BY_CALLBACK) {
+    description = "The connection was lost before a reply came";
+  } else if (errorText_[0] != '\0') {
+    description = errorText_.data();
+  }
+  return {std::nullopt, std::nullopt, makeSessionError(code, task_.request.url(), description)};
+}
+
+std::string_view Transfer::redirectLocation() const {
+  if (!isRedirect(statusCode())) return {};
+  const char* location = nullptr;
+  curl_easy_getinfo(handle(), CURLINFO_REDIRECT_URL, &location);
+  return location ? location : "";
+}
+
+int Transfer::statusCode() const {
+  long status = 0;
+  curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
+  return static_cast<int>(status);
+}
+
+}  // namespace orvane

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <curl/curl.h>
+#include <memory>
+#include <string>
+
+#include "adapters/host/HostSession.h"
+#include "adapters/host/Slist.h"
+
+namespace orvane {
+
+using Clock = std::chrono::steady_clock;
+
+/// A request, and whom to tell what became of it.
+struct DataTask {
+  URLRequest request;
+  DataTaskHandler handler;
+  Clock::time_point end;  ///< When it is over, whatever its state.
+  int redirects = 0;
+};
+
+/// What all transfers of a session have in common.
+struct TransferSettings {
+  HostSessionConfiguration configuration;
+  CURLSH* cookies = nullptr;
+  Slist reroutes = {};
+};
+
+/// One HTTP exchange on an easy handle. The handle and its buffers serve one task after another. Used on the
+/// session's transfer thread alone.
+class Transfer {
+ public:
+  explicit Transfer(const TransferSettings& settings);
+  Transfer(const Transfer&) = delete;
+  Transfer& operator=(const Transfer&) = delete;
+
+  CURL* handle() const noexcept { return handle_.get(); }
+  DataTask takeTask() noexcept { return std::move(task_); }
+
+  /// Prepares the handle for `task`. `now` is the clock by which activity is dated; it outlives the transfer.
+  void prepare(DataTask task, const Clock::time_point& now);
+
+  /// When the transfer has to be given up, unless a byte comes or goes before.
+  Clock::time_point end() const noexcept;
+
+  /// What the exchange came to, when curl has said `result`. Takes the body.
+  DataTaskResult finish(CURLcode result);
+
+  /// The absolute URL to which the reply redirects; empty if it does not.
+  std::string_view redirectLocation() const;
+  int statusCode() const;
+
+ private:
+  struct HandleDeleter {
+    void operator()(CURL* handle) const noexcept { curl_easy_cleanup(handle); }
+  };
+
+  void setMethodAndBody();
+  void setHeaders();
+  std::size_t take(const char* bytes, std::size_t size);
+  void noteProgress(curl_off_t bytes) noexcept;
+
+  const TransferSettings& settings_;
+  std::unique_ptr<CURL, HandleDeleter> handle_;
+  std::array<char, CURL_ERROR_SIZE> errorText_{};
+  DataTask task_;
+  Slist headers_;
+  Bytes body_;
+  const Clock::time_point* now_ = nullptr;
+  Clock::time_point lastActivity_;
+  curl_off_t progress_ = 0;
+  int attempts_ = 0;
+  bool isTooLarge_ = false;
+};
+
+}  // namespace orvane

@@ -1,0 +1,233 @@
+#include "adapters/host/TransferEngine.h"
+
+#include <algorithm>
+#include <new>
+
+#include "adapters/host/Redirect.h"
+#include "adapters/host/SessionError.h"
+#include "adapters/host/URLParts.h"
+#include "adapters/host/backgroundThread.h"
+
+namespace orvane {
+namespace {
+
+void initialiseCurl() {
+  static const CURLcode result = curl_global_init(CURL_GLOBAL_DEFAULT);
+  if (result != CURLE_OK) throw std::bad_alloc();
+}
+
+CURLSH* makeCookieShare() {
+  initialiseCurl();
+  CURLSH* share = curl_share_init();
+  if (!share) throw std::bad_alloc();
+  // One thread alone uses it: no locking functions.
+  curl_share_setopt(share, CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
+  return share;
+}
+
+CURLM* makeMulti() {
+  CURLM* multi = curl_multi_init();
+  if (!multi) throw std::bad_alloc();
+  constexpr long keptAlive = 64;
+  curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, keptAlive);
+  return multi;
+}
+
+Slist makeReroutes(const std::vector<Reroute>& reroutes) {
+  const auto bracketed = [](const std::string& host) {
+    return host.find(':') == host.npos || host.starts_with('[') ? host : "[" + host + "]";
+  };
+  Slist list;
+  for (const Reroute& reroute : reroutes) {
+    list.append(bracketed(reroute.host) + ":" + std::to_string(reroute.port) + ":" +
+                bracketed(reroute.toHost) + ":" + std::to_string(reroute.toPort));
+  }
+  return list;
+}
+
+std::string destinationKey(const URLParts& parts) {
+  std::string key(parts.scheme);
+  key.append("://").append(parts.host).append(":").append(parts.portOrDefault());
+  std::transform(key.begin(), key.end(), key.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  return key;
+}
+
+}  // namespace
+
+TransferEngine::TransferEngine(HostSessionConfiguration configuration)
+    : cookies_(makeCookieShare()),
+      settings_{std::move(configuration), cookies_.get()},
+      multi_(makeMulti()),
+      handlers_(std::make_shared<HandlerQueue>()) {
+  settings_.reroutes = makeReroutes(settings_.configuration.reroutes);
+}
+
+void TransferEngine::start(URLRequest request, DataTaskHandler handler) {
+  bool isFirst = false;
+  {
+    const std::lock_guard lock(mutex_);
+    isFirst = inbox_.empty();
+    inbox_.push_back(
+        {std::move(request), std::move(handler), Clock::now() + settings_.configuration.totalTimeout});
+    if (!std::exchange(started_, true)) startThreads();
+  }
+  if (isFirst) curl_multi_wakeup(multi_.get());
+}
+
+void TransferEngine::close() {
+  {
+    const std::lock_guard lock(mutex_);
+    closed_ = true;
+  }
+  curl_multi_wakeup(multi_.get());
+}
+
+void TransferEngine::startThreads() {
+  startBackgroundThread([handlers = handlers_] { handlers->run(); });
+  startBackgroundThread([engine = shared_from_this()] { engine->run(); });
+}
+
+void TransferEngine::run() {
+  for (;;) {
+    now_ = Clock::now();
+    if (!takeInbox()) break;
+    admitWaiting();
+    int running = 0;
+    curl_multi_perform(multi_.get(), &running);
+    const bool finishedSome = collectFinished();
+    const bool gaveUpSome = giveUpOverdue();
+    handlers_->post(due_);
+    // Whatever has gone has made room for what waits.
+    if (!finishedSome && !gaveUpSome) curl_multi_poll(multi_.get(), nullptr, 0, untilNextEnd(), nullptr);
+  }
+  handlers_->close();
+}
+
+/// Whether there is, or may come, anything to do.
+bool TransferEngine::takeInbox() {
+  std::vector<DataTask> arrived;
+  {
+    const std::lock_guard lock(mutex_);
+    arrived.swap(inbox_);
+    if (closed_ && arrived.empty() && destinations_.empty()) return false;
+  }
+  for (DataTask& task : arrived) enqueue(std::move(task));
+  return true;
+}
+
+void TransferEngine::enqueue(DataTask task) {
+  const URLParts parts = splitURL(task.request.url());
+  if (!isSupportedScheme(parts.scheme)) {
+    fail(std::move(task), SessionErrorCode::unsupportedURL, "The URL's scheme is not supported");
+  } else if (parts.host.empty()) {
+    fail(std::move(task), SessionErrorCode::badURL, "The URL names no host");
+  } else {
+    destinations_[destinationKey(parts)].waiting.push_back(std::move(task));
+  }
+}
+
+void TransferEngine::admitWaiting() {
+  for (auto place = destinations_.begin(); place != destinations_.end(); ++place) {
+    Destination& destination = place->second;
+    while (!destination.waiting.empty() && destination.running < settings_.configuration.connectionsPerHost) {
+      if (idle_.empty()) idle_.push_back(std::make_unique<Transfer>(settings_));
+      Transfer& transfer = *idle_.back();
+      running_.push_back({std::move(idle_.back()), place});
+      idle_.pop_back();
+      transfer.prepare(std::move(destination.waiting.front()), now_);
+      destination.waiting.pop_front();
+      ++destination.running;
+      curl_multi_add_handle(multi_.get(), transfer.handle());
+    }
+  }
+}
+
+bool TransferEngine::collectFinished() {
+  bool finishedSome = false;
+  int left = 0;
+  while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
+    Transfer* transfer = nullptr;
+    curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
+    finish(*transfer, message->data.result);
+    finishedSome = true;
+  }
+  return finishedSome;
+}
+
+bool TransferEngine::giveUpOverdue() {
+  std::vector<Transfer*> overdue;
+  for (const Running& running : running_) {
+    if (running.transfer->end() <= now_) overdue.push_back(running.transfer.get());
+  }
+  for (Transfer* transfer : overdue) finish(*transfer, CURLE_OPERATION_TIMEDOUT);
+  for (auto& [key, destination] : destinations_) {
+    // In the order of their ends, but for redirected ones, which were started earlier.
+    while (!destination.waiting.empty() && destination.waiting.front().end <= now_) {
+      fail(std::move(destination.waiting.front()), SessionErrorCode::timedOut,
+           "No connection was free in time");
+      destination.waiting.pop_front();
+    }
+  }
+  return !overdue.empty();
+}
+
+/// In milliseconds, rounded up.
+int TransferEngine::untilNextEnd() const {
+  Clock::time_point next = now_ + std::chrono::hours(1);
+  for (const Running& running : running_) next = std::min(next, running.transfer->end());
+  for (const auto& [key, destination] : destinations_) {
+    if (!destination.waiting.empty()) next = std::min(next, destination.waiting.front().end);
+  }
+  return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(std::max(next, now_) - now_).count());
+}
+
+void TransferEngine::finish(Transfer& transfer, CURLcode curlResult) {
+  const int statusCode = transfer.statusCode();
+  const std::string location(curlResult == CURLE_OK ? transfer.redirectLocation() : "");
+  DataTaskResult result = transfer.finish(curlResult);
+  DataTask task = transfer.takeTask();
+  release(transfer);
+  if (location.empty()) {
+    report(std::move(task), std::move(result));
+  } else {
+    follow(std::move(task), statusCode, location);
+  }
+}
+
+/// Keeps the transfer for a later task.
+void TransferEngine::release(const Transfer& transfer) {
+  const auto place = std::find_if(running_.begin(), running_.end(), [&](const Running& running) {
+    return running.transfer.get() == &transfer;
+  });
+  curl_multi_remove_handle(multi_.get(), transfer.handle());
+  Destination& destination = place->destination->second;
+  if (--destination.running == 0 && destination.waiting.empty()) destinations_.erase(place->destination);
+  idle_.push_back(std::move(place->transfer));
+  running_.erase(place);
+}
+
+void TransferEngine::follow(DataTask task, int statusCode, const std::string& location) {
+  if (++task.redirects > maximumRedirects) {
+    fail(std::move(task), SessionErrorCode::tooManyRedirects, "There were too many redirects");
+    return;
+  }
+  auto next = redirect(task.request, statusCode, location);
+  if (const auto* code = std::get_if<SessionErrorCode>(&next)) {
+    fail(std::move(task), *code, "The redirect leads to a URL that is not supported");
+    return;
+  }
+  task.request = std::get<URLRequest>(std::move(next));
+  enqueue(std::move(task));
+}
+
+void TransferEngine::report(DataTask task, DataTaskResult result) {
+  due_.push_back({std::move(task.handler), std::move(result)});
+}
+
+void TransferEngine::fail(DataTask task, SessionErrorCode code, std::string_view description) {
+  ErrorPtr error = makeSessionError(code, task.request.url(), description);
+  report(std::move(task), {std::nullopt, std::nullopt, std::move(error)});
+}
+
+}  // namespace orvane

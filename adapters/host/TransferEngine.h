@@ -1,0 +1,89 @@
+#pragma once
+
+#include <curl/curl.h>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "adapters/host/HandlerQueue.h"
+#include "adapters/host/HostSession.h"
+#include "adapters/host/SessionError.h"
+#include "adapters/host/Transfer.h"
+
+namespace orvane {
+
+/// Carries out a session's tasks: one multi handle on a thread of its own, and a second thread for the
+/// handlers. Both start with the first task and keep the engine alive until it is closed and its last handler
+/// has returned.
+///
+/// curl slows down with the number of transfers it holds, and each takes much memory: so it is only given
+/// those which have a connection to use, and the others wait here as plain records.
+class TransferEngine : public std::enable_shared_from_this<TransferEngine> {
+ public:
+  explicit TransferEngine(HostSessionConfiguration configuration);
+  TransferEngine(const TransferEngine&) = delete;
+  TransferEngine& operator=(const TransferEngine&) = delete;
+
+  // From any thread.
+  void start(URLRequest request, DataTaskHandler handler);
+  void cancelHandlers() { handlers_->cancelAll(); }
+  /// No task comes any more.
+  void close();
+
+ private:
+  struct MultiDeleter {
+    void operator()(CURLM* multi) const noexcept { curl_multi_cleanup(multi); }
+  };
+  struct ShareDeleter {
+    void operator()(CURLSH* share) const noexcept { curl_share_cleanup(share); }
+  };
+
+  /// The tasks for one scheme, host and port.
+  struct Destination {
+    std::size_t running = 0;
+    std::deque<DataTask> waiting;
+  };
+  using Destinations = std::map<std::string, Destination, std::less<>>;
+
+  struct Running {
+    std::unique_ptr<Transfer> transfer;
+    Destinations::iterator destination;
+  };
+
+  void startThreads();
+
+  // On the transfer thread.
+  void run();
+  bool takeInbox();
+  void enqueue(DataTask task);
+  void admitWaiting();
+  bool collectFinished();
+  bool giveUpOverdue();
+  int untilNextEnd() const;
+  void finish(Transfer& transfer, CURLcode result);
+  void release(const Transfer& transfer);
+  void follow(DataTask task, int statusCode, const std::string& location);
+  void report(DataTask task, DataTaskResult result);
+  void fail(DataTask task, SessionErrorCode code, std::string_view description);
+
+  const std::unique_ptr<CURLSH, ShareDeleter> cookies_;
+  TransferSettings settings_;
+  const std::unique_ptr<CURLM, MultiDeleter> multi_;
+  const std::shared_ptr<HandlerQueue> handlers_;
+
+  std::mutex mutex_;
+  std::vector<DataTask> inbox_;
+  bool started_ = false;
+  bool closed_ = false;
+
+  Clock::time_point now_;
+  Destinations destinations_;
+  std::vector<Running> running_;
+  std::vector<std::unique_ptr<Transfer>> idle_;
+  std::vector<HandlerCall> due_;
+};
+
+}  // namespace orvane

@@ -1,0 +1,48 @@
+#include "adapters/host/URLParts.h"
+
+#include <algorithm>
+
+#include "orvane/platform/URLRequest.h"
+
+namespace orvane {
+namespace {
+
+bool isLetter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+bool isScheme(std::string_view text) {
+  const auto isSchemeCharacter = [](char c) {
+    return isLetter(c) || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
+  };
+  return !text.empty() && isLetter(text[0]) && std::all_of(text.begin(), text.end(), isSchemeCharacter);
+}
+
+}  // namespace
+
+std::string_view URLParts::portOrDefault() const noexcept {
+  if (!port.empty()) return port;
+  return equalIgnoringCase(scheme, "https") ? "443" : "80";
+}
+
+URLParts splitURL(std::string_view url) noexcept {
+  URLParts parts;
+  const std::size_t colon = url.find_first_of(":/?#");
+  if (colon != url.npos && url[colon] == ':' && isScheme(url.substr(0, colon))) {
+    parts.scheme = url.substr(0, colon);
+    url.remove_prefix(colon + 1);
+  }
+  if (!url.starts_with("//")) return parts;
+  parts.hasAuthority = true;
+  url.remove_prefix(2);
+  std::string_view authority = url.substr(0, url.find_first_of("/?#"));
+  if (const std::size_t at = authority.rfind('@'); at != authority.npos) authority.remove_prefix(at + 1);
+
+  const std::size_t bracket = authority.starts_with('[') ? authority.find(']') : 0;
+  const std::size_t portColon = bracket == authority.npos ? authority.npos : authority.find(':', bracket);
+  parts.host = authority.substr(0, portColon);
+  if (portColon != authority.npos) parts.port = authority.substr(portColon + 1);
+  return parts;
+}
+
+}  // namespace orvane

@@ -1,0 +1,9 @@
+#include "orvane/base/Error.h"
+
+namespace orvane {
+
+std::string description(const Error& error) {
+  return error.domain + " (" + std::to_string(error.code) + ")";
+}
+
+}  // namespace orvane

@@ -1,0 +1,180 @@
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <limits>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "orvane/base/Export.h"
+
+namespace orvane {
+
+class Value;
+
+using Bytes = std::vector<std::uint8_t>;
+using Map = std::map<std::string, Value, std::less<>>;
+
+/// A sequence of values. As long as all elements are integers from 0 to 255 they take one byte each, so that
+/// a picture travels through the library without being unfolded.
+class ORVANE_API Array {
+ public:
+  class Iterator;
+
+  Array() noexcept;
+  Array(std::initializer_list<Value> values);
+  explicit Array(Bytes bytes) noexcept;
+
+  std::size_t size() const noexcept;
+  bool empty() const noexcept { return size() == 0; }
+
+  /// The element at `index`, which is below size().
+  const Value& operator[](std::size_t index) const noexcept;
+
+  Iterator begin() const noexcept;
+  Iterator end() const noexcept;
+
+  /// The elements, where all of them are integers from 0 to 255 (as in an empty array); else nothing.
+  const Bytes* bytes() const noexcept;
+  Bytes* bytes() noexcept;
+
+  void push_back(Value value);
+
+  /// Appends an array or a map and answers it in its place, where it stays until the next addition.
+  Value& pushContainer(Value container);
+
+ private:
+  friend class Value;
+
+  void unpack();
+
+  Bytes bytes_;                // all elements, or none of them
+  std::vector<Value> values_;  // the elements, once one of them is no byte
+};
+
+/// What JSON can say: nothing, a boolean, an integer, a real, a text, an array or a map. A value type: copies
+/// are deep. Nesting may be of any depth; copying and destroying do not recurse.
+class ORVANE_API Value {
+ public:
+  Value() noexcept = default;
+  Value(std::nullptr_t) noexcept {}
+  template <std::same_as<bool> T>
+  Value(T boolean) noexcept : data_(boolean) {}
+  /// An integer beyond 64 signed bits becomes a real.
+  template <std::integral T>
+  requires(!std::same_as<T, bool>) Value(T integer)
+  noexcept {
+    if (std::in_range<std::int64_t>(integer)) {
+      data_ = static_cast<std::int64_t>(integer);
+    } else {
+      data_ = static_cast<double>(integer);
+    }
+  }
+  template <std::floating_point T>
+  Value(T real) noexcept : data_(static_cast<double>(real)) {}
+  Value(std::string text) noexcept : data_(std::move(text)) {}
+  Value(std::string_view text) : data_(std::string(text)) {}
+  Value(const char* text) : data_(text ? Data(std::string(text)) : Data()) {}
+  Value(Array array) : data_(std::make_unique<Array>(std::move(array))) {}
+  Value(Map map) : data_(std::make_unique<Map>(std::move(map))) {}
+
+  Value(const Value& other);
+  Value(Value&& other) noexcept : data_(std::exchange(other.data_, Data())) {}
+  Value& operator=(Value other) noexcept {
+    data_.swap(other.data_);
+    return *this;
+  }
+  ~Value();
+
+  bool isNothing() const noexcept { return std::holds_alternative<std::monostate>(data_); }
+
+  // Each answers a pointer to the content where the value is of that kind, else null.
+  const bool* boolean() const noexcept { return std::get_if<bool>(&data_); }
+  const std::int64_t* integer() const noexcept { return std::get_if<std::int64_t>(&data_); }
+  const double* real() const noexcept { return std::get_if<double>(&data_); }
+  const std::string* text() const noexcept { return std::get_if<std::string>(&data_); }
+  const Array* array() const noexcept { return content<Array>(); }
+  const Map* map() const noexcept { return content<Map>(); }
+  std::string* text() noexcept { return std::get_if<std::string>(&data_); }
+  Array* array() noexcept { return content<Array>(); }
+  Map* map() noexcept { return content<Map>(); }
+
+  /// A number as an integer; a real is truncated toward zero and clamped to the range (not-a-number gives 0).
+  /// Nothing for any other kind: true is not a number.
+  std::optional<std::int64_t> asInteger() const noexcept;
+
+  /// A number in decimal: an integer as it is, a real with up to 16 significant digits and no trailing zeros
+  /// (137.0 is "137", 12.5 is "12.5"). Nothing for any other kind.
+  std::optional<std::string> decimalText() const;
+
+ private:
+  using Data = std::variant<std::monostate, bool, std::int64_t, double, std::string, std::unique_ptr<Array>,
+                            std::unique_ptr<Map>>;
+
+  template <class Container>
+  Container* content() const noexcept {
+    auto* box = std::get_if<std::unique_ptr<Container>>(&data_);
+    return box ? box->get() : nullptr;
+  }
+  bool isContainer() const noexcept { return array() || map(); }
+  void copyShallow(const Value& other, std::vector<std::pair<const Value*, Value*>>& deeper);
+  void moveContainersTo(std::vector<Value>& pending);
+
+  Data data_;
+};
+
+/// Visits the elements of an array in order.
+class Array::Iterator {
+ public:
+  using value_type = Value;
+  using difference_type = std::ptrdiff_t;
+
+  Iterator() noexcept = default;
+  Iterator(const Array& array, std::size_t index) noexcept : array_(&array), index_(index) {}
+
+  const Value& operator*() const noexcept { return (*array_)[index_]; }
+  Iterator& operator++() noexcept {
+    ++index_;
+    return *this;
+  }
+  Iterator operator++(int) noexcept {
+    Iterator before = *this;
+    ++index_;
+    return before;
+  }
+  bool operator==(const Iterator&) const noexcept = default;
+
+ private:
+  const Array* array_ = nullptr;
+  std::size_t index_ = 0;
+};
+
+inline Array::Array() noexcept = default;
+inline Array::Array(Bytes bytes) noexcept : bytes_(std::move(bytes)) {}
+inline const Bytes* Array::bytes() const noexcept {
+  return values_.empty() ? &bytes_ : nullptr;
+}
+inline Bytes* Array::bytes() noexcept {
+  return values_.empty() ? &bytes_ : nullptr;
+}
+inline std::size_t Array::size() const noexcept {
+  return values_.empty() ? bytes_.size() : values_.size();
+}
+inline Array::Iterator Array::begin() const noexcept {
+  return {*this, 0};
+}
+inline Array::Iterator Array::end() const noexcept {
+  return {*this, size()};
+}
+
+}  // namespace orvane

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace orvane {
+
+/// Reads the code point that starts at `position` and moves `position` behind it. Nothing, and `position`
+/// unmoved, where the bytes there are not well-formed UTF-8 (cut short, overlong, a surrogate, above
+/// U+10FFFF) or the text has ended.
+std::optional<char32_t> decodeUTF8(std::string_view text, std::size_t& position) noexcept;
+
+/// Appends `codePoint`, which is not a surrogate and at most U+10FFFF.
+void appendUTF8(std::string& text, char32_t codePoint);
+
+}  // namespace orvane

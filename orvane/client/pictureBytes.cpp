@@ -1,0 +1,40 @@
+#include "orvane/client/pictureBytes.h"
+
+#include <charconv>
+#include <string_view>
+
+namespace orvane {
+namespace {
+
+/// Reads an optional sign and decimal digits whose value is at most 255; a minus only before zero.
+std::optional<std::uint8_t> byteInText(std::string_view text) {
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) text.remove_prefix(1);
+  std::uint8_t byte = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), byte);
+  if (error != std::errc() || end != text.data() + text.size() || (negative && byte != 0))
+    return std::nullopt;
+  return byte;
+}
+
+std::optional<std::uint8_t> byteInElement(const Value& element) {
+  if (const std::string* text = element.text()) return byteInText(*text);
+  const std::optional<std::string> decimal = element.decimalText();
+  return decimal ? byteInText(*decimal) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<Bytes> pictureBytes(Array& elements) {
+  if (Bytes* ready = elements.bytes()) return std::move(*ready);
+  Bytes bytes;
+  bytes.reserve(elements.size());
+  for (const Value& element : elements) {
+    const std::optional<std::uint8_t> byte = byteInElement(element);
+    if (!byte) return std::nullopt;
+    bytes.push_back(*byte);
+  }
+  return bytes;
+}
+
+}  // namespace orvane

@@ -1,0 +1,264 @@
+#include "orvane/json/JSONReader.h"
+
+#include <charconv>
+#include <deque>
+
+#include "orvane/base/utf8.h"
+#include "orvane/json/readReal.h"
+
+namespace orvane {
+namespace {
+
+constexpr std::size_t maximumDepth = 512;
+
+constexpr bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+class Reader {
+ public:
+  explicit Reader(std::string_view text) noexcept : text_(text) {}
+
+  std::optional<Value> document();
+
+ private:
+  /// A container whose end has not come yet; one of the two is set. It stays where it is: nothing is added to
+  /// it while a container inside it is open.
+  struct Open {
+    Array* array;
+    Map* map;
+  };
+
+  char peek() const noexcept { return at_ < text_.size() ? text_[at_] : '\0'; }
+  bool accept(char c) noexcept;
+  bool accept(std::string_view word) noexcept;
+  void skipSpace() noexcept;
+
+  bool contents();
+  bool element(Array& array);
+  bool member(Map& map);
+  bool isContainer() const noexcept { return peek() == '[' || peek() == '{'; }
+  Value emptyContainer() const { return peek() == '[' ? Value(Array()) : Value(Map()); }
+  bool open(Value& value);
+  bool scalar(Value& value);
+  void byteRun(Bytes& bytes);
+  bool digits() noexcept;
+  bool number(Value& value);
+  bool string(std::string& string);
+  bool escape(std::string& string);
+  std::optional<char32_t> fourHexDigits() noexcept;
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+  std::vector<Open> open_;
+  std::deque<Value> duplicates_;  // the values of keys that came before
+};
+
+bool Reader::accept(char c) noexcept {
+  if (at_ == text_.size() || text_[at_] != c) return false;
+  ++at_;
+  return true;
+}
+
+bool Reader::accept(std::string_view word) noexcept {
+  if (!text_.substr(at_).starts_with(word)) return false;
+  at_ += word.size();
+  return true;
+}
+
+void Reader::skipSpace() noexcept {
+  while (at_ < text_.size() &&
+         (text_[at_] == ' ' || text_[at_] == '\n' || text_[at_] == '\r' || text_[at_] == '\t'))
+    ++at_;
+}
+
+std::optional<Value> Reader::document() {
+  accept("\xEF\xBB\xBF");
+  skipSpace();
+  if (!isContainer()) return std::nullopt;
+  Value root = emptyContainer();
+  if (!open(root) || !contents()) return std::nullopt;
+  skipSpace();
+  if (at_ != text_.size()) return std::nullopt;
+  return root;
+}
+
+/// Reads until no container is open.
+bool Reader::contents() {
+  bool first = true;
+  while (!open_.empty()) {
+    const auto [array, map] = open_.back();
+    skipSpace();
+    if (accept(array ? ']' : '}')) {
+      open_.pop_back();
+      first = false;
+      continue;
+    }
+    if (!first && !accept(',')) return false;
+    skipSpace();
+    const std::size_t depth = open_.size();
+    if (!(array ? element(*array) : member(*map))) return false;
+    first = open_.size() > depth;
+  }
+  return true;
+}
+
+bool Reader::element(Array& array) {
+  if (Bytes* bytes = array.bytes()) byteRun(*bytes);
+  Value value;
+  if (!isContainer()) {
+    if (!scalar(value)) return false;
+    array.push_back(std::move(value));
+    return true;
+  }
+  return open(array.pushContainer(emptyContainer()));
+}
+
+bool Reader::member(Map& map) {
+  std::string key;
+  if (!string(key)) return false;
+  skipSpace();
+  if (!accept(':')) return false;
+  skipSpace();
+  const auto [place, isNew] = map.try_emplace(std::move(key));
+  Value& value = isNew ? place->second : duplicates_.emplace_back();
+  if (!isContainer()) return scalar(value);
+  value = emptyContainer();
+  return open(value);
+}
+
+bool Reader::open(Value& value) {
+  if (open_.size() == maximumDepth) return false;
+  ++at_;
+  open_.push_back({value.array(), value.map()});
+  return true;
+}
+
+bool Reader::scalar(Value& value) {
+  switch (peek()) {
+    case '"':
+      return string(*(value = std::string()).text());
+    case 't':
+      value = true;
+      return accept("true");
+    case 'f':
+      value = false;
+      return accept("false");
+    case 'n':
+      return accept("null");
+    default:
+      return number(value);
+  }
+}
+
+/// The fast way through the byte values of a picture: takes numbers from 0 to 255 as long as each is followed
+/// by a comma, and stops before whatever else comes.
+void Reader::byteRun(Bytes& bytes) {
+  const char* at = text_.data() + at_;
+  const char* const end = text_.data() + text_.size();
+  while (end - at >= 4) {
+    if (!isDigit(at[0])) break;
+    int byte = at[0] - '0';
+    int length = 1;
+    while (length < 3 && byte != 0 && isDigit(at[length])) byte = byte * 10 + (at[length++] - '0');
+    if (byte > 255 || at[length] != ',') break;
+    bytes.push_back(static_cast<std::uint8_t>(byte));
+    at += length + 1;
+    while (at != end && *at == ' ') ++at;
+  }
+  at_ = static_cast<std::size_t>(at - text_.data());
+}
+
+bool Reader::digits() noexcept {
+  const std::size_t start = at_;
+  while (isDigit(peek())) ++at_;
+  return at_ != start;
+}
+
+bool Reader::number(Value& value) {
+  const std::size_t start = at_;
+  accept('-');
+  if (!accept('0') && !digits()) return false;
+  const std::size_t integerEnd = at_;
+  if (accept('.') && !digits()) return false;
+  if (accept('e') || accept('E')) {
+    if (!accept('+')) accept('-');
+    if (!digits()) return false;
+  }
+  const std::string_view number = text_.substr(start, at_ - start);
+  if (at_ == integerEnd) {
+    std::int64_t integer = 0;
+    if (std::from_chars(number.data(), number.data() + number.size(), integer).ec == std::errc()) {
+      value = integer;
+      return true;
+    }
+  }
+  const std::optional<double> real = readReal(number);
+  if (!real) return false;
+  value = *real;
+  return true;
+}
+
+bool Reader::string(std::string& string) {
+  if (!accept('"')) return false;
+  std::size_t run = at_;
+  while (at_ < text_.size()) {
+    const auto c = static_cast<unsigned char>(text_[at_]);
+    if (c >= 0x80) {
+      if (!decodeUTF8(text_, at_)) return false;
+    } else if (c < 0x20) {
+      return false;
+    } else if (c != '"' && c != '\\') {
+      ++at_;
+    } else {
+      string.append(text_, run, at_ - run);
+      ++at_;
+      if (c == '"') return true;
+      if (!escape(string)) return false;
+      run = at_;
+    }
+  }
+  return false;
+}
+
+/// What follows a backslash.
+bool Reader::escape(std::string& string) {
+  constexpr std::string_view letters = "\"\\/bfnrt";
+  constexpr std::string_view meanings = "\"\\/\b\f\n\r\t";
+  if (at_ == text_.size()) return false;
+  const char letter = text_[at_++];
+  if (const std::size_t which = letters.find(letter); which != letters.npos) {
+    string.push_back(meanings[which]);
+    return true;
+  }
+  if (letter != 'u') return false;
+  const std::optional<char32_t> unit = fourHexDigits();
+  if (!unit || (*unit >= 0xDC00 && *unit <= 0xDFFF)) return false;
+  if (*unit < 0xD800 || *unit > 0xDBFF) {
+    appendUTF8(string, *unit);
+    return true;
+  }
+  if (!accept("\\u")) return false;
+  const std::optional<char32_t> low = fourHexDigits();
+  if (!low || *low < 0xDC00 || *low > 0xDFFF) return false;
+  appendUTF8(string, 0x10000 + ((*unit - 0xD800) << 10 | (*low - 0xDC00)));
+  return true;
+}
+
+std::optional<char32_t> Reader::fourHexDigits() noexcept {
+  std::uint32_t unit = 0;
+  const char* const start = text_.data() + at_;
+  if (text_.size() - at_ < 4) return std::nullopt;
+  const auto [end, error] = std::from_chars(start, start + 4, unit, 16);
+  if (error != std::errc() || end != start + 4) return std::nullopt;
+  at_ += 4;
+  return unit;
+}
+
+}  // namespace
+
+std::optional<Value> readJSON(std::string_view text) {
+  return Reader(text).document();
+}
+
+}  // namespace orvane

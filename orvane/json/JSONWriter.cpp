@@ -1,0 +1,156 @@
+#include "orvane/json/JSONWriter.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <string_view>
+
+#include "orvane/base/utf8.h"
+
+namespace orvane {
+namespace {
+
+class Writer {
+ public:
+  bool value(const Value& value) { return begin(value) && contents(); }
+  bool map(const Map& map) {
+    open(map);
+    return contents();
+  }
+  Bytes take() { return std::move(out_); }
+
+ private:
+  /// A container of which something is still to be written; one of the two is set.
+  struct Open {
+    const Array* array;
+    const Map* map;
+    std::size_t nextElement;
+    Map::const_iterator nextMember;
+
+    bool isDone() const { return array ? nextElement == array->size() : nextMember == map->end(); }
+    bool isFresh() const { return array ? nextElement == 0 : nextMember == map->begin(); }
+  };
+
+  void append(char c) { out_.push_back(static_cast<std::uint8_t>(c)); }
+  void append(std::string_view text) { out_.insert(out_.end(), text.begin(), text.end()); }
+  void open(const Array& array);
+  void open(const Map& map);
+  bool contents();
+  bool begin(const Value& value);
+  template <class Number>
+  void number(Number number);
+  bool string(std::string_view text);
+  void escape(char c);
+
+  Bytes out_;
+  std::vector<Open> open_;
+};
+
+void Writer::open(const Array& array) {
+  append('[');
+  open_.push_back({&array, nullptr, 0, {}});
+}
+
+void Writer::open(const Map& map) {
+  append('{');
+  open_.push_back({nullptr, &map, 0, map.begin()});
+}
+
+/// Writes until no container is open.
+bool Writer::contents() {
+  while (!open_.empty()) {
+    Open& innermost = open_.back();
+    if (innermost.isDone()) {
+      append(innermost.array ? ']' : '}');
+      open_.pop_back();
+      continue;
+    }
+    if (!innermost.isFresh()) append(',');
+    const Value* next = nullptr;
+    if (innermost.array) {
+      next = &(*innermost.array)[innermost.nextElement++];
+    } else {
+      if (!string(innermost.nextMember->first)) return false;
+      append(':');
+      next = &(innermost.nextMember++)->second;
+    }
+    if (!begin(*next)) return false;
+  }
+  return true;
+}
+
+/// Writes a scalar whole, of a container its beginning.
+bool Writer::begin(const Value& value) {
+  if (const Array* array = value.array()) {
+    open(*array);
+  } else if (const Map* map = value.map()) {
+    open(*map);
+  } else if (const std::string* text = value.text()) {
+    return string(*text);
+  } else if (const bool* boolean = value.boolean()) {
+    append(*boolean ? "true" : "false");
+  } else if (const std::int64_t* integer = value.integer()) {
+    number(*integer);
+  } else if (const double* real = value.real()) {
+    if (!std::isfinite(*real)) return false;
+    number(*real);
+  } else {
+    append("null");
+  }
+  return true;
+}
+
+/// In the fewest digits that read back as the same number.
+template <class Number>
+void Writer::number(Number number) {
+  std::array<char, 32> text;
+  const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
+  append(std::string_view(text.data(), end));
+}
+
+bool Writer::string(std::string_view text) {
+  append('"');
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t start = at;
+    if (!decodeUTF8(text, at)) return false;
+    const char c = text[start];
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || c == '"' || c == '\\') {
+      escape(c);
+    } else {
+      append(text.substr(start, at - start));
+    }
+  }
+  append('"');
+  return true;
+}
+
+void Writer::escape(char c) {
+  constexpr std::string_view meanings = "\"\\\b\f\n\r\t";
+  constexpr std::string_view letters = "\"\\bfnrt";
+  constexpr std::string_view hex = "0123456789abcdef";
+  append('\\');
+  if (const std::size_t which = meanings.find(c); which != meanings.npos) {
+    append(letters[which]);
+  } else {
+    append("u00");
+    append(hex[static_cast<unsigned char>(c) >> 4]);
+    append(hex[static_cast<unsigned char>(c) & 15]);
+  }
+}
+
+}  // namespace
+
+std::optional<Bytes> writeJSON(const Map& map) {
+  Writer writer;
+  if (!writer.map(map)) return std::nullopt;
+  return writer.take();
+}
+
+std::optional<Bytes> writeJSON(const Value& value) {
+  Writer writer;
+  if (!writer.value(value)) return std::nullopt;
+  return writer.take();
+}
+
+}  // namespace orvane

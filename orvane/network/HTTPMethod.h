@@ -1,0 +1,17 @@
+#pragma once
+
+#include <array>
+
+#include "orvane/base/Enumeration.h"
+
+namespace orvane {
+
+/// The kinds of request. JSON_POST sends the verb POST with a JSON body.
+enum class HTTPMethod { GET, POST, JSON_POST };
+
+inline constexpr std::array<std::string_view, 3> httpMethodNames = {"GET", "POST", "JSON_POST"};
+
+template <>
+inline constexpr std::span<const std::string_view> rawValues<HTTPMethod> = httpMethodNames;
+
+}  // namespace orvane

@@ -1,0 +1,139 @@
+#include "orvane/network/NetworkTool.h"
+
+#include "orvane/base/fatal.h"
+#include "orvane/json/JSONReader.h"
+#include "orvane/json/JSONWriter.h"
+#include "orvane/network/percentEncoding.h"
+#include "orvane/platform/Platform.h"
+
+namespace orvane {
+namespace {
+
+ErrorPtr transportError(std::string_view message) {
+  return std::make_shared<const Error>(
+      Error{std::string(NetworkTool::errorDomain), -1, {{"error", message}}});
+}
+
+URLRequest makeRequest(std::string url) {
+  if (!platform().textRules->isURL(url)) fatal("request: the text given as URL is not a URL");
+  return URLRequest(std::move(url));
+}
+
+URLRequest makeJSONPost(std::string_view url, const std::optional<Parameters>& parameters) {
+  URLRequest request = makeRequest(std::string(url));
+  request.setMethod("POST");
+  if (!parameters || parameters->empty()) return request;
+  std::optional<Bytes> body = writeJSON(*parameters);
+  if (!body) fatal("request: the parameters cannot be represented in JSON");
+  request.setBody(*std::move(body));
+  return request;
+}
+
+/// Decodes a reply on the session's queue, so that nothing but the completion runs on the main queue.
+void deliver(DataTaskResult reply, NetworkTool::Completion completion) {
+  if (reply.error) {
+    completion(std::nullopt, std::move(reply.error));
+    return;
+  }
+  if (!reply.body) fatal("requestJSON: the session reported neither a body nor an error");
+  std::optional<Value> result = readJSON(*reply.body);
+  if (!result) {
+    completion(std::nullopt, transportError("反序列化失败"));
+    return;
+  }
+  platform().mainQueue->async([completion = std::move(completion), result = std::move(result)]() mutable {
+    completion(std::move(result), nullptr);
+  });
+}
+
+}  // namespace
+
+NetworkTool::NetworkTool() = default;
+NetworkTool::~NetworkTool() = default;
+
+void NetworkTool::demoGCDGroup() {
+  // The group has one task: the notification follows it.
+  platform().globalQueue->async([] { platform().mainQueue->async([] {}); });
+}
+
+void NetworkTool::addHeader(Headers headers) {
+  if (headers.empty()) return;
+  headers_.store(std::make_shared<const Headers>(std::move(headers)));
+}
+
+void NetworkTool::requestJSON(HTTPMethod method, std::string_view url,
+                              const std::optional<Parameters>& parameters, Completion completion) {
+  if (!completion) completion = [](const auto&...) {};
+  std::optional<URLRequest> request = this->request(method, url, parameters);
+  if (!request) {
+    completion(std::nullopt, transportError("请求建立失败"));
+    return;
+  }
+  const std::shared_ptr<URLSession> session = this->session();
+  if (!session) fatal("requestJSON: the tool has no session");
+  session->startDataTask(*std::move(request),
+                         [completion = std::move(completion)](DataTaskResult reply) mutable {
+                           deliver(std::move(reply), std::move(completion));
+                         });
+}
+
+std::optional<URLRequest> NetworkTool::request(HTTPMethod method, std::string_view url,
+                                               const std::optional<Parameters>& parameters) {
+  if (url.empty()) return std::nullopt;
+  std::optional<URLRequest> request;
+  switch (method) {
+    case HTTPMethod::JSON_POST:
+      request = makeJSONPost(url, parameters);
+      break;
+    case HTTPMethod::POST:
+      if (const std::optional<std::string> query = queryString(parameters)) {
+        request = makeRequest(std::string(url));
+        request->setMethod("POST");
+        request->setBody(Bytes(query->begin(), query->end()));
+      }
+      break;
+    case HTTPMethod::GET: {
+      std::string whole(url);
+      // Also behind a URL that holds a query already: intended.
+      if (const std::optional<std::string> query = queryString(parameters)) whole.append("?").append(*query);
+      request = makeRequest(std::move(whole));
+      break;
+    }
+  }
+
+  const std::optional<std::shared_ptr<const Headers>> headers = headers_.load();
+  if (!headers) return request;
+  if (!request) fatal("request: a POST without parameters has no request to put the headers into");
+  for (const auto& [name, value] : **headers) request->addValue(value, name);
+  return request;
+}
+
+std::optional<std::string> NetworkTool::queryString(const std::optional<Parameters>& parameters) {
+  if (!parameters) return std::nullopt;
+  std::string query;
+  for (const auto& [key, value] : *parameters) {
+    const std::string* text = value.text();
+    if (!text) fatal("queryString: the value of \"" + key + "\" is not a text");
+    const std::optional<std::string> encoded = percentEncode(*text, *platform().textRules);
+    if (!encoded) fatal("queryString: the value of \"" + key + "\" is not UTF-8");
+    if (!query.empty()) query.push_back('&');
+    query.append(key).append("=").append(*encoded);
+  }
+  return query;
+}
+
+void NetworkTool::cancleAllNetwork() {
+  if (const std::shared_ptr<URLSession> session = this->session()) session->cancelAllOperations();
+}
+
+std::shared_ptr<URLSession> NetworkTool::session() {
+  if (std::optional<std::shared_ptr<URLSession>> session = session_.load()) return *std::move(session);
+  session_.storeIfEmpty(platform().sharedSession);
+  return session_.load().value();
+}
+
+void NetworkTool::setSession(std::shared_ptr<URLSession> session) {
+  session_.store(std::move(session));
+}
+
+}  // namespace orvane

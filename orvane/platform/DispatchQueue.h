@@ -1,0 +1,23 @@
+#pragma once
+
+#include <functional>
+
+#include "orvane/base/Export.h"
+
+namespace orvane {
+
+using Task = std::function<void()>;
+
+/// Runs tasks later. May be used from any thread.
+class ORVANE_API DispatchQueue {
+ public:
+  DispatchQueue() = default;
+  DispatchQueue(const DispatchQueue&) = delete;
+  DispatchQueue& operator=(const DispatchQueue&) = delete;
+  virtual ~DispatchQueue();
+
+  /// Takes a task and returns; the task is called once, later, never inside this call.
+  virtual void async(Task task) = 0;
+};
+
+}  // namespace orvane

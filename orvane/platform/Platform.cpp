@@ -1,0 +1,47 @@
+#include "orvane/platform/Platform.h"
+
+#include <atomic>
+
+#include "orvane/base/fatal.h"
+
+namespace orvane {
+namespace {
+
+std::atomic<const Platform*> platformInUse = nullptr;
+
+/// Puts `candidate`, completed, in use for ever, unless a platform is in use already.
+bool putInUse(Platform candidate) {
+  const Platform defaults = makeDefaultPlatform();
+  const auto complete = [&](auto member) {
+    if (!(candidate.*member)) candidate.*member = defaults.*member;
+  };
+  complete(&Platform::sharedSession);
+  complete(&Platform::mainQueue);
+  complete(&Platform::globalQueue);
+  complete(&Platform::textRules);
+  complete(&Platform::deviceReadings);
+
+  auto completed = std::make_unique<const Platform>(std::move(candidate));
+  const Platform* none = nullptr;
+  if (!platformInUse.compare_exchange_strong(none, completed.get())) return false;
+  completed.release();
+  return true;
+}
+
+}  // namespace
+
+URLSession::~URLSession() = default;
+DispatchQueue::~DispatchQueue() = default;
+TextRules::~TextRules() = default;
+DeviceReadings::~DeviceReadings() = default;
+
+void installPlatform(Platform platform) {
+  if (!putInUse(std::move(platform))) fatal("installPlatform: the platform is in use already");
+}
+
+const Platform& platform() {
+  if (!platformInUse.load()) putInUse({});
+  return *platformInUse.load();
+}
+
+}  // namespace orvane

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string_view>
+
+#include "orvane/base/Export.h"
+
+namespace orvane {
+
+/// What only a platform knows about text. May be used from any thread.
+class ORVANE_API TextRules {
+ public:
+  TextRules() = default;
+  TextRules(const TextRules&) = delete;
+  TextRules& operator=(const TextRules&) = delete;
+  virtual ~TextRules();
+
+  /// Whether the text parses as a URL, absolute or relative.
+  virtual bool isURL(std::string_view text) const = 0;
+
+  /// Whether the code point is in one of Unicode's categories letter, mark and number.
+  virtual bool isAlphanumeric(char32_t codePoint) const = 0;
+};
+
+}  // namespace orvane

@@ -1,0 +1,59 @@
+#include "orvane/platform/URLRequest.h"
+
+#include <algorithm>
+#include <array>
+
+namespace orvane {
+namespace {
+
+constexpr char lowerCase(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool isToken(std::string_view text) {
+  const auto isTokenCharacter = [](char c) {
+    const char lower = lowerCase(c);
+    return (lower >= 'a' && lower <= 'z') || (c >= '0' && c <= '9') ||
+           std::string_view("!#$%&'*+-.^_`|~").find(c) != std::string_view::npos;
+  };
+  return !text.empty() && std::all_of(text.begin(), text.end(), isTokenCharacter);
+}
+
+bool belongsToTransport(std::string_view name) {
+  constexpr std::array<std::string_view, 4> names = {"Content-Length", "Host", "Connection",
+                                                     "Transfer-Encoding"};
+  const auto isName = [name](std::string_view own) { return equalIgnoringCase(own, name); };
+  return std::any_of(names.begin(), names.end(), isName);
+}
+
+}  // namespace
+
+bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char inA, char inB) { return lowerCase(inA) == lowerCase(inB); });
+}
+
+void URLRequest::setMethod(std::string_view method) {
+  if (isToken(method)) method_ = method;
+}
+
+void URLRequest::addValue(std::string_view value, std::string_view name) {
+  constexpr std::string_view lineEnders("\0\r\n", 3);
+  if (!isToken(name) || value.find_first_of(lineEnders) != value.npos || belongsToTransport(name)) return;
+  for (HeaderField& field : headers_) {
+    if (equalIgnoringCase(field.name, name)) {
+      field.value.append(",").append(value);
+      return;
+    }
+  }
+  headers_.push_back({std::string(name), std::string(value)});
+}
+
+const std::string* URLRequest::value(std::string_view name) const noexcept {
+  for (const HeaderField& field : headers_) {
+    if (equalIgnoringCase(field.name, name)) return &field.value;
+  }
+  return nullptr;
+}
+
+}  // namespace orvane
