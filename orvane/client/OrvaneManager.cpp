@@ -57,7 +57,8 @@ void OrvaneManager::requestCode(std::string mobile, std::string codeNumber, Code
 void OrvaneManager::requestLogin(std::string mobile, std::string code, LoginFinished finished) {
   if (!finished) finished = nobody;
   NetworkManager& transport = preparedTransport(*this);
-  send(transport, loginCall, {{"mobile", mobile}, {"verificationCode", std::move(code)}},
+  Map body = {{"mobile", mobile}, {"verificationCode", std::move(code)}};
+  send(transport, loginCall, std::move(body),
        [finished = std::move(finished), mobile = std::move(mobile), &transport](std::optional<Value> result,
                                                                                 ErrorPtr error) {
          finishLogin(std::move(result), std::move(error), transport, mobile, finished);

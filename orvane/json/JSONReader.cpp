@@ -104,7 +104,10 @@ bool Reader::contents() {
 }
 
 bool Reader::element(Array& array) {
-  if (Bytes* bytes = array.bytes()) byteRun(*bytes);
+  if (Bytes* bytes = array.bytes()) {
+    byteRun(*bytes);
+    skipSpace();
+  }
   Value value;
   if (!isContainer()) {
     if (!scalar(value)) return false;

@@ -1,0 +1,130 @@
+#include <cmath>
+#include <gtest/gtest.h>
+
+#include "orvane/device/OVDeviceInfoTool.h"
+#include "orvane/version/Orvane_vers.h"
+#include "tests/support/TestPlatform.h"
+
+namespace orvane {
+namespace {
+
+using test::fakeReadings;
+using test::TestReadings;
+
+class Device : public testing::Test {
+ protected:
+  void TearDown() override {
+    TestReadings& readings = fakeReadings();
+    const TestReadings fresh;
+    readings.machineField = fresh.machineField;
+    readings.version = fresh.version;
+    readings.vendor = fresh.vendor;
+    readings.carrier = fresh.carrier;
+    readings.bounds = fresh.bounds;
+    readings.scale = fresh.scale;
+  }
+};
+
+TEST_F(Device, MachineIdentifiersNameModels) {
+  using enum DeviceName;
+  // One row for each model, as "first..last" numbers behind a family's prefix.
+  struct Row {
+    const char* prefix;
+    int first;
+    int last;
+    DeviceName name;
+  };
+  const std::vector<Row> rows = {
+      {"iPhone3,", 1, 3, iPhone4},     {"iPhone4,", 1, 3, iPhone4S},    {"iPhone5,", 1, 2, iPhone5},
+      {"iPhone5,", 3, 4, iPhone5C},    {"iPhone6,", 1, 2, iPhone5S},    {"iPhone7,", 2, 2, iPhone6},
+      {"iPhone7,", 1, 1, iPhone6Plus}, {"iPhone8,", 1, 1, iPhone6S},    {"iPhone8,", 2, 2, iPhone6SPlus},
+      {"iPad1,", 1, 1, iPad1},         {"iPad2,", 1, 4, iPad2},         {"iPad2,", 5, 7, iPadMini},
+      {"iPad3,", 1, 3, iPad3},         {"iPad3,", 4, 6, iPad4},         {"iPad4,", 1, 3, iPadAir},
+      {"iPad4,", 4, 6, iPadMini2},     {"iPad4,", 7, 9, iPadMini3},     {"iPad5,", 3, 4, iPadAir2},
+      {"iPad5,", 1, 2, iPadMini4},     {"iPad6,", 8, 8, iPadPro},       {"iPod1,", 1, 1, iPodTouch1Gen},
+      {"iPod2,", 1, 1, iPodTouch2Gen}, {"iPod3,", 1, 1, iPodTouch3Gen}, {"iPod4,", 1, 1, iPodTouch4Gen},
+      {"iPod5,", 1, 1, iPodTouch5Gen}, {"iPod7,", 1, 1, iPodTouch6Gen}, {"i38", 6, 6, Simulator},
+      {"x86_6", 4, 4, Simulator},
+  };
+  std::size_t known = 0;
+  for (const auto& [prefix, first, last, name] : rows) {
+    for (int number = first; number <= last; ++number, ++known)
+      EXPECT_EQ(deviceNameForMachine(prefix + std::to_string(number)), name) << prefix << number;
+  }
+  EXPECT_EQ(known, 52U);
+  for (const char* other :
+       {"", "iPad6,7", "iPad6,3", "iPhone8,4", "iPhone9,1", "iPod6,1", "iPhone3,4", "iPad5,5", "iphone8,1",
+        "iPhone8,1 ", "iPhone8", "iPhone8,12", "X86_64", "aarch64"}) {
+    EXPECT_EQ(deviceNameForMachine(other), Unknown) << other;
+  }
+}
+
+TEST_F(Device, NamesAndNumbersOfModels) {
+  EXPECT_EQ(hashValue(DeviceName::iPadMini), 11U);
+  EXPECT_EQ(hashValue(DeviceName::iPadMini2), 15U);
+  EXPECT_EQ(hashValue(DeviceName::Unknown), 27U);
+  EXPECT_EQ(rawValue(DeviceName::iPodTouch6Gen), "iPodTouch6Gen");
+  EXPECT_EQ(rawValue(DeviceName::Unknown), "Unknown");
+  for (const std::string_view name : deviceNames) EXPECT_EQ(rawValue(*fromRawValue<DeviceName>(name)), name);
+  for (const char* other : {"", "ipadmini2", "iPhone", "Unknown "})
+    EXPECT_FALSE(fromRawValue<DeviceName>(other));
+}
+
+TEST_F(Device, ReadsTheMachineFieldUpToItsPadding) {
+  using namespace std::string_literals;
+  fakeReadings().machineField = "iPad6,8" + std::string(249, '\0');
+  EXPECT_EQ(OVDeviceInfoTool::getDeviceName(), DeviceName::iPadPro);
+  fakeReadings().machineField = "";
+  EXPECT_EQ(OVDeviceInfoTool::getDeviceName(), DeviceName::Unknown);
+  fakeReadings().machineField = "iPad6,8\0\xFF"s;
+  EXPECT_DEATH(OVDeviceInfoTool::getDeviceName(),
+               "orvane: getDeviceName: the machine identifier is not ASCII\n");
+}
+
+TEST_F(Device, FactsAsTexts) {
+  EXPECT_EQ(OVDeviceInfoTool::getSystemName(), "word");
+  EXPECT_EQ(OVDeviceInfoTool::getSystemVersion(), "iOS 9.3.1");
+  EXPECT_EQ(OVDeviceInfoTool::getcarrierName(), "nil");
+  EXPECT_DEATH(OVDeviceInfoTool::getMEIDCode(),
+               "orvane: getMEIDCode: the device gives no vendor identifier\n");
+  fakeReadings().version = "";
+  fakeReadings().carrier = "";
+  fakeReadings().vendor = "AB-1";
+  EXPECT_EQ(OVDeviceInfoTool::getSystemVersion(), "iOS ");
+  EXPECT_EQ(OVDeviceInfoTool::getcarrierName(), "");
+  EXPECT_EQ(OVDeviceInfoTool::getMEIDCode(), "AB-1");
+}
+
+TEST_F(Device, ClassifiesScreens) {
+  using enum ScreenSize;
+  struct Row {
+    double width;
+    double height;
+    double scale;
+    ScreenSize size;
+  };
+  const double nan = std::nan("");
+  const std::vector<Row> rows = {
+      {320, 480, 2, Screen3_5Inch},    {480, 320, 1, Screen3_5Inch},   {480, 480, 2, Screen3_5Inch},
+      {320, 568, 2, Screen3_5Inch},    {375, 667, 2, Screen4_7Inch},   {375, 667, 3, Screen5_5Inch},
+      {667, 375, 2.9, Screen4_7Inch},  {375, 667, nan, Screen4_7Inch}, {414, 736, 3, Screen5_5Inch},
+      {736, 414, 1, Screen5_5Inch},    {768, 1024, 2, UnknownSize},    {375, 667.5, 3, UnknownSize},
+      {414, 736.0001, 3, UnknownSize}, {0, 0, 1, UnknownSize},         {320, nan, 2, UnknownSize},
+  };
+  for (const auto& [width, height, scale, size] : rows) {
+    fakeReadings().bounds = {width, height};
+    fakeReadings().scale = scale;
+    const int readsBefore = fakeReadings().scaleReads;
+    EXPECT_EQ(OVDeviceInfoTool().screenSize(), size) << width << " x " << height << " at " << scale;
+    EXPECT_EQ(fakeReadings().scaleReads - readsBefore, std::max(width, height) == 667 ? 1 : 0);
+  }
+  EXPECT_EQ(hashValue(Screen5_5Inch), 4U);
+}
+
+TEST_F(Device, VersionRecords) {
+  EXPECT_EQ(OrvaneVersionNumber, 1.0);
+  EXPECT_STREQ(reinterpret_cast<const char*>(OrvaneVersionString), "@(#)PROGRAM:Orvane  PROJECT:Orvane-1\n");
+}
+
+}  // namespace
+}  // namespace orvane

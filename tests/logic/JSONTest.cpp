@@ -1,0 +1,226 @@
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <random>
+
+#include "orvane/json/JSONReader.h"
+#include "orvane/json/JSONWriter.h"
+
+namespace orvane {
+namespace {
+
+using namespace std::string_literals;
+
+std::string written(const Value& value) {
+  const std::optional<Bytes> text = writeJSON(value);
+  return text ? std::string(text->begin(), text->end()) : "not representable";
+}
+
+std::string reread(std::string_view text) {
+  const std::optional<Value> value = readJSON(text);
+  return value ? written(*value) : "error";
+}
+
+std::string nested(std::size_t depth) {
+  return std::string(depth, '[') + std::string(depth, ']');
+}
+
+TEST(JSON, ReadsWhatItShould) {
+  const std::vector<std::pair<std::string, std::string>> rows = {
+      {"{}", "{}"},
+      {"[]", "[]"},
+      {"\xEF\xBB\xBF{}", "{}"},
+      {" \t\r\n[ 1 , 2 ] \n", "[1,2]"},
+      {"[0,9,10,99,100,255,256,-1]", "[0,9,10,99,100,255,256,-1]"},
+      {"[255, 0,\n7, 256]", "[255,0,7,256]"},
+      {R"({"b":1,"a":{"c":[true,false,null]},"b":2})", R"({"a":{"c":[true,false,null]},"b":1})"},
+      {R"({"a":1,"a":{"a":[{"a":[]}]},"b":3})", R"({"a":1,"b":3})"},
+      {R"(["\"\\\/\b\f\n\r\t\u0041\u00e9\u4E2d\ud83d\ude00"])", "[\"\\\"\\\\/\\b\\f\\n\\r\\tAé中😀\"]"},
+      {R"(["\u0000\u001f"])", R"(["\u0000\u001f"])"},
+      {"[\"\x7F é 中 😀\"]", "[\"\x7F é 中 😀\"]"},
+      {"[-0,0,9223372036854775807,-9223372036854775808]", "[0,0,9223372036854775807,-9223372036854775808]"},
+      {"[9223372036854775808]", "[9223372036854775808]"},
+      {"[1.5,-0.25,1e2,1E+2,25e-1,1e-400]", "[1.5,-0.25,100,100,2.5,0]"},
+      {"[0.1,1.7976931348623157e308,5e-324]", "[0.1,1.7976931348623157e+308,5e-324]"},
+      {"[123456789012345678901234567890123456789012345678901234567890e-59]", "[1.2345678901234567]"},
+      {"[0e99999999999999999999,1e-99999999999999999999]", "[0,0]"},
+  };
+  for (const auto& [text, expected] : rows) EXPECT_EQ(reread(text), expected) << text;
+}
+
+TEST(JSON, RefusesAllElse) {
+  const std::vector<std::string> rows = {"",
+                                         " ",
+                                         "\xEF\xBB\xBF",
+                                         "1",
+                                         "\"a\"",
+                                         "true",
+                                         "null",
+                                         "[",
+                                         "]",
+                                         "{",
+                                         "}",
+                                         "[1",
+                                         "[1,",
+                                         "[1,]",
+                                         "[,1]",
+                                         "[1 2]",
+                                         "[1]x",
+                                         "[]]",
+                                         "{,}",
+                                         "{1:2}",
+                                         "{\"a\"}",
+                                         "{\"a\":}",
+                                         "{\"a\":1,}",
+                                         "{\"a\" 1}",
+                                         "{\"a\":1 \"b\":2}",
+                                         "[01]",
+                                         "[-]",
+                                         "[+1]",
+                                         "[.5]",
+                                         "[1.]",
+                                         "[1e]",
+                                         "[1e+]",
+                                         "[0x1]",
+                                         "[00]",
+                                         "[-01]",
+                                         "[1e400]",
+                                         "[NaN]",
+                                         "[Infinity]",
+                                         "[tru]",
+                                         "[True]",
+                                         "[nul]",
+                                         "['a']",
+                                         "[\"]",
+                                         "[\"\\]",
+                                         "[\"\\x\"]",
+                                         "[\"\\u12\"]",
+                                         "[\"\\u12g4\"]",
+                                         "[\"\\u+123\"]",
+                                         "[\"\\ud800\"]",
+                                         "[\"\\udc00\"]",
+                                         "[\"\\ud800\\u0041\"]",
+                                         "[\"\\ud800\\ud800\"]",
+                                         "[\"\n\"]",
+                                         "[\"\t\"]",
+                                         "[\"\0\"]"s,
+                                         "[\0]"s,
+                                         "[]\0"s,
+                                         "[\"\x80\"]",
+                                         "[\"\xC0\xAF\"]",
+                                         "[\"\xE0\x80\x80\"]",
+                                         "[\"\xED\xA0\x80\"]",
+                                         "[\"\xF4\x90\x80\x80\"]",
+                                         "[\"\xF8\x88\x80\x80\x80\"]",
+                                         "[\"\xE4\xB8\"]",
+                                         "[255,256",
+                                         "[2555,]",
+                                         "// \n[]",
+                                         "[1]\xEF\xBB\xBF",
+                                         "\xFF\xFE[\0]\0"s,
+                                         "[1e9223372036854775807]",
+                                         "{\"a\":1,\"a\":x}"};
+  for (const std::string& text : rows) EXPECT_EQ(reread(text), "error") << text;
+}
+
+TEST(JSON, NestsTo512AndNoDeeper) {
+  EXPECT_EQ(reread(nested(512)), nested(512));
+  EXPECT_EQ(reread(nested(513)), "error");
+  EXPECT_EQ(reread(nested(200'000)), "error");
+  EXPECT_EQ(reread(std::string(200'000, '[')), "error");
+}
+
+TEST(JSON, KeepsIntegerRealAndBooleanApart) {
+  const Value value = *readJSON("[1,1.0,true,300,18446744073709551616]");
+  const Array& array = *value.array();
+  EXPECT_TRUE(array[0].integer());
+  EXPECT_TRUE(array[1].real());
+  EXPECT_TRUE(array[2].boolean());
+  EXPECT_TRUE(array[3].integer());
+  EXPECT_TRUE(array[4].real());
+}
+
+TEST(JSON, WritesNothingThatIsNotJSON) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (const Value& value :
+       {Value(infinity), Value(-infinity), Value(std::nan("")), Value("\xFF"), Value("\xED\xA0\x80"),
+        Value(Map{{"\xC0", 1}}), Value(Array{Array{1, "a\x80"}})}) {
+    EXPECT_EQ(written(Array{value}), "not representable");
+  }
+}
+
+TEST(JSON, WritesAnyDepth) {
+  Value deep;
+  for (int depth = 0; depth < 200'000; ++depth) {
+    Array outer;
+    outer.push_back(std::move(deep));
+    deep = std::move(outer);
+  }
+  const Value copy = deep;
+  EXPECT_EQ(written(copy).size(), 400'004U);
+}
+
+/// What a well-kept library makes of a text; discarded where it is no JSON, or no map and no array.
+nlohmann::json readByOther(const std::string& text) {
+  const nlohmann::json value = nlohmann::json::parse(text, nullptr, false);
+  return value.is_structured() ? value : nlohmann::json(nlohmann::json::value_t::discarded);
+}
+
+TEST(JSON, AgreesWithAnotherReaderOnMutatedDocuments) {
+  const std::vector<std::string> originals = {
+      R"({"code":0,"msg":"ok","data":[137,80,78,71,13,10,26,10,0,255]})",
+      R"({"alpha":[1,-2.5,3e4,true,false,null,"x\u00e9\n"],"bravo":{"c":{}},"delta":"中文 😀"})",
+      R"([[],[[]],{"k":[{"l":0.125}]},123456789012,"\ud83d\ude00"])",
+  };
+  const std::string alphabet = "{}[]:,\"\\/ \n0123456789+-.eEutrfalsn\x01\x7F\x80\xC3\xA9\xFF";
+  std::mt19937 random(20240229);
+  const auto below = [&random](std::size_t bound) {
+    return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random);
+  };
+  int accepted = 0;
+  for (int round = 0; round < 60'000; ++round) {
+    std::string text = originals[below(originals.size())];
+    for (std::size_t change = below(3); change != SIZE_MAX; --change) {
+      const std::size_t at = below(text.size());
+      switch (below(3)) {
+        case 0:
+          text[at] = alphabet[below(alphabet.size())];
+          break;
+        case 1:
+          text.erase(at, 1 + below(3));
+          break;
+        default:
+          text.insert(at, 1, alphabet[below(alphabet.size())]);
+      }
+      if (text.empty()) text = "[";
+    }
+    const std::string ours = reread(text);
+    const nlohmann::json expected = readByOther(text);
+    ASSERT_EQ(ours == "error", expected.is_discarded()) << text;
+    if (ours == "error") continue;
+    ++accepted;
+    ASSERT_EQ(readByOther(ours), expected) << text;
+  }
+  EXPECT_GT(accepted, 1000);
+}
+
+TEST(JSON, ReadsByteArraysTheFastWayLikeThePlainWay) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 2000; ++round) {
+    std::string text = "[";
+    Array expected;
+    for (auto i = random() % 40; i > 0; --i) {
+      // Now and then a number that is no byte.
+      const int number = static_cast<int>(random() % 260);
+      expected.push_back(number);
+      if (text.size() > 1) text += random() % 3 == 0 ? ", " : ",";
+      text += std::to_string(number);
+    }
+    text += "]";
+    const Value value = *readJSON(text);
+    ASSERT_EQ(written(value), written(expected));
+    ASSERT_EQ(value.array()->bytes() != nullptr, expected.bytes() != nullptr);
+  }
+}
+
+}  // namespace
+}  // namespace orvane

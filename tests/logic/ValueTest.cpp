@@ -1,0 +1,113 @@
+#include <cmath>
+#include <gtest/gtest.h>
+#include <thread>
+
+#include "orvane/base/Snapshot.h"
+#include "orvane/base/Value.h"
+
+namespace orvane {
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr auto least = std::numeric_limits<std::int64_t>::min();
+constexpr auto greatest = std::numeric_limits<std::int64_t>::max();
+
+TEST(Value, ReadsNumbersAsIntegersAndAsText) {
+  struct Row {
+    Value value;
+    std::optional<std::int64_t> integer;
+    std::optional<std::string> text;
+  };
+  const std::vector<Row> rows = {
+      {137, 137, "137"},
+      {greatest, greatest, "9223372036854775807"},
+      {137.0, 137, "137"},
+      {12.5, 12, "12.5"},
+      {-12.5, -12, "-12.5"},
+      {-0.0, 0, "-0"},
+      {0.1, 0, "0.1"},
+      {1e300, greatest, "1e+300"},
+      {-1e300, least, "-1e+300"},
+      {9223372036854775808.0, greatest, "9.223372036854776e+18"},
+      {-9223372036854775808.0, least, "-9.223372036854776e+18"},
+      {UINT64_MAX, greatest, "1.844674407370955e+19"},
+      {infinity, greatest, "inf"},
+      {std::nan(""), 0, "nan"},
+      {true, std::nullopt, std::nullopt},
+      {"7", std::nullopt, std::nullopt},
+      {nullptr, std::nullopt, std::nullopt},
+      {Array{7}, std::nullopt, std::nullopt},
+  };
+  for (const auto& [value, integer, text] : rows) {
+    EXPECT_EQ(value.asInteger(), integer);
+    EXPECT_EQ(value.decimalText(), text);
+  }
+}
+
+TEST(Value, PacksBytesUntilSomethingElseComes) {
+  Array array;
+  for (int i = 0; i < 256; ++i) array.push_back(i);
+  ASSERT_TRUE(array.bytes());
+  EXPECT_EQ(array.bytes()->size(), 256U);
+  for (const Value& other : {Value(256), Value(-1), Value(1.0), Value(true), Value("1"), Value()}) {
+    Array unpacked = array;
+    unpacked.push_back(other);
+    unpacked.push_back(5);
+    EXPECT_FALSE(unpacked.bytes());
+    ASSERT_EQ(unpacked.size(), 258U);
+    EXPECT_EQ(*unpacked[255].integer(), 255);
+    EXPECT_EQ(*unpacked[257].integer(), 5);
+  }
+  int sum = 0;
+  for (const Value& value : array) sum += static_cast<int>(*value.integer());
+  EXPECT_EQ(sum, 255 * 128);
+}
+
+TEST(Value, CopiesAreIndependent) {
+  const Value original = Map{{"list", Array{1, Array{"a", Map{{"k", 2.5}}}}}, {"text", "t"}};
+  Value copy = original;
+  copy.map()->at("list").array()->push_back(3);
+  *copy.map()->at("text").text() = "changed";
+  EXPECT_EQ(original.map()->at("list").array()->size(), 2U);
+  EXPECT_EQ(*original.map()->at("text").text(), "t");
+  const Array& inner = *(*copy.map()->at("list").array())[1].array();
+  EXPECT_EQ(*inner[1].map()->at("k").real(), 2.5);
+}
+
+TEST(Value, IsNothingOnceMovedFrom) {
+  Value array = Array{1, 2};
+  const Value taken = std::move(array);
+  EXPECT_TRUE(array.isNothing());  // NOLINT(bugprone-use-after-move): the contract.
+  EXPECT_EQ(taken.array()->size(), 2U);
+}
+
+TEST(Snapshot, ReadersSeeWholeValuesAndNothingLeaks) {
+  using Pair = std::pair<int, int>;
+  const auto first = std::make_shared<const Pair>(0, 0);
+  std::weak_ptr<const Pair> replaced;
+  Snapshot<std::shared_ptr<const Pair>> snapshot;
+  EXPECT_FALSE(snapshot.load());
+  snapshot.storeIfEmpty(first);
+  snapshot.storeIfEmpty(nullptr);
+  EXPECT_EQ(snapshot.load(), first);
+
+  std::vector<std::thread> threads;
+  for (int writer = 1; writer <= 2; ++writer) {
+    threads.emplace_back([&, writer] {
+      for (int i = 0; i < 2000; ++i) snapshot.store(std::make_shared<const Pair>(i * writer, i * writer));
+    });
+    threads.emplace_back([&] {
+      for (int i = 0; i < 2000; ++i) {
+        const auto pair = *snapshot.load();
+        EXPECT_EQ(pair->first, pair->second);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  replaced = *snapshot.load();
+  snapshot.store(first);
+  EXPECT_TRUE(replaced.expired());
+}
+
+}  // namespace
+}  // namespace orvane

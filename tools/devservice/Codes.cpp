@@ -1,0 +1,40 @@
+#include "tools/devservice/Codes.h"
+
+#include <algorithm>
+
+namespace devservice {
+namespace {
+
+constexpr CodeDescription table[] = {
+    {Code::success, "success"},
+    {Code::malformedBody, "the body is not a JSON object"},
+    {Code::badHeader, "a header is missing or has the wrong value"},
+    {Code::badMember, "a member is missing, unknown or not a string"},
+    {Code::badNumber, "not a mobile number"},
+    {Code::tooLarge, "the request is too large"},
+    {Code::unknownPath, "no such path"},
+    {Code::wrongMethod, "wrong method"},
+    {Code::notLocal, "only for callers on this machine"},
+    {Code::malformedRequest, "the request is not understood"},
+    {Code::noPicture, "no picture to be read: none sent, used up or expired"},
+    {Code::wrongPictureText, "that is not the picture's text"},
+    {Code::noCode, "no code to be entered: none sent, used up or expired"},
+    {Code::wrongCode, "that is not the code"},
+    {Code::notSignedIn, "this number has not signed in"},
+    {Code::demanded, "refused as the number demands"},
+};
+
+}  // namespace
+
+std::span<const CodeDescription> codeTable() {
+  return table;
+}
+
+Envelope refusal(Code reason, std::string_view detail) {
+  const auto* entry = std::ranges::find(table, reason, &CodeDescription::code);
+  std::string msg(entry->text);
+  if (!detail.empty()) msg.append(": ").append(detail);
+  return {reason, std::move(msg), std::nullopt};
+}
+
+}  // namespace devservice

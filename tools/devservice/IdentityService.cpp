@@ -1,0 +1,247 @@
+#include "tools/devservice/IdentityService.h"
+
+#include <algorithm>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <random>
+#include <span>
+#include <utility>
+
+#include "tools/devservice/Glyphs.h"
+#include "tools/devservice/Picture.h"
+
+namespace devservice {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+using Names = std::span<const std::string_view>;
+
+constexpr std::string_view pictureMembers[] = {"mobile"};
+constexpr std::string_view codeMembers[] = {"mobile", "captcha"};
+constexpr std::string_view loginMembers[] = {"mobile", "verificationCode"};
+constexpr std::string_view factMembers[] = {"mobile", "deviceModel", "carrier", "deviceName", "IMEI", "IMSI"};
+
+struct Route {
+  std::string_view path;
+  Call call;
+  Names members;
+};
+
+constexpr Route routes[] = {
+    {"/tenant/verify/captcha", Call::picture, pictureMembers},
+    {"/tenant/getVerifyCode", Call::code, codeMembers},
+    {"/tenant/submitVerifyCode", Call::login, loginMembers},
+    {"/tenant/submitMobileInformation", Call::submission, factMembers},
+};
+
+bool isMobileNumber(std::string_view text) {
+  if (text.starts_with('+')) text.remove_prefix(1);
+  return text.size() >= 5 && text.size() <= 15 &&
+         std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+}
+
+bool isJsonType(std::string_view contentType) {
+  std::string_view type = contentType.substr(0, contentType.find(';'));
+  while (type.ends_with(' ') || type.ends_with('\t')) type.remove_suffix(1);
+  return equalIgnoringCase(type, "application/json");
+}
+
+/// The name of the first header that is not as every call has it; empty when all are.
+std::string_view wrongHeader(const Request& request) {
+  if (!isJsonType(request.header("Content-Type").value_or(""))) return "Content-Type";
+  if (request.header("XRAPI-VERSION") != "1.0") return "XRAPI-VERSION";
+  if (request.header("XRAPI-DEVICE-TYPE") != "1") return "XRAPI-DEVICE-TYPE";
+  return {};
+}
+
+/// Takes the members out of the object; the result is the name of the first one that is not as it should be,
+/// or empty.
+std::string takeMembers(const Json& object, Names names, Members& members) {
+  for (const std::string_view name : names) {
+    const auto found = object.find(name);
+    if (found == object.end() || !found->is_string()) return std::string(name);
+    members.emplace(name, found->get<std::string>());
+  }
+  for (const auto& member : object.items()) {
+    if (!members.contains(member.key())) return member.key();
+  }
+  return {};
+}
+
+Reply refuse(int status, Code reason, std::string_view detail = {}) {
+  Reply reply = makeReply(refusal(reason, detail));
+  reply.status = status;
+  return reply;
+}
+
+template <typename Value>
+Json orNull(const std::optional<Value>& value) {
+  return value ? Json(*value) : Json();
+}
+
+}  // namespace
+
+std::uint32_t systemRandom() {
+  return std::random_device{}();
+}
+
+IdentityService::IdentityService(Environment environment) : environment_(std::move(environment)) {}
+
+Reply IdentityService::answer(const Request& request) {
+  if (request.path == "/inspect") return answerInspect(request);
+  const auto route = std::ranges::find(routes, request.path, &Route::path);
+  if (route == std::end(routes)) return refuse(404, Code::unknownPath);
+  if (request.method != "POST") return refuse(405, Code::wrongMethod);
+  if (request.body.size() > maxBodySize) return refuse(413, Code::tooLarge);
+  if (const auto name = wrongHeader(request); !name.empty()) return refuse(200, Code::badHeader, name);
+
+  const Json object = Json::parse(request.body, nullptr, false);
+  if (!object.is_object()) return refuse(200, Code::malformedBody);
+  Members members;
+  if (const auto name = takeMembers(object, route->members, members); !name.empty()) {
+    return refuse(200, Code::badMember, name);
+  }
+  const std::string& mobile = members.find("mobile")->second;
+  if (!isMobileNumber(mobile)) return refuse(200, Code::badNumber);
+
+  const Fault* fault = demandedFault(mobile, route->call);
+  if (fault && !fault->spoil) return makeReply(refusal(Code::demanded));
+  return makeReply(perform(route->call, members, request.header("XRAPI-CLIENT-ID")), fault);
+}
+
+std::optional<Inspection> IdentityService::inspect(std::string_view mobile) const {
+  const TimePoint now = environment_.now();
+  const std::lock_guard lock(mutex_);
+  const Record* record = records_.find(mobile);
+  return record ? std::optional(view(*record, now)) : std::nullopt;
+}
+
+Reply IdentityService::answerInspect(const Request& request) const {
+  if (request.method != "GET") return refuse(405, Code::wrongMethod);
+  if (!request.peer.starts_with("127.") && request.peer != "::1") return refuse(403, Code::notLocal);
+
+  Json all = Json::object();
+  const TimePoint now = environment_.now();
+  {
+    const std::lock_guard lock(mutex_);
+    for (const auto& [mobile, record] : records_.entries()) {
+      const Inspection known = view(record, now);
+      all.push_back({mobile,
+                     {{"picture", orNull(known.picture)},
+                      {"message", orNull(known.message)},
+                      {"code", orNull(known.code)},
+                      {"facts", orNull(known.facts)},
+                      {"clientId", orNull(known.clientId)},
+                      {"signedIn", known.signedIn}}});
+    }
+  }
+  Reply reply;
+  reply.body = all.dump(-1, ' ', false, Json::error_handler_t::replace);
+  return reply;
+}
+
+Envelope IdentityService::perform(Call call, const Members& members,
+                                  std::optional<std::string_view> clientId) {
+  const std::string& mobile = members.find("mobile")->second;
+  {
+    const std::lock_guard lock(mutex_);
+    records_.touch(mobile).clientId = clientId;
+  }
+  switch (call) {
+    case Call::picture:
+      return sendPicture(mobile);
+    case Call::code:
+      return sendCode(mobile, members.find("captcha")->second);
+    case Call::login:
+      return login(mobile, members.find("verificationCode")->second);
+    case Call::submission:
+      return submit(members);
+  }
+  return refusal(Code::unknownPath);
+}
+
+Envelope IdentityService::sendPicture(const std::string& mobile) {
+  const std::string text = randomText(4 + below(2), alphabet);
+  auto picture = drawPicture(text, environment_.random());
+  const TimePoint now = environment_.now();
+  const std::lock_guard lock(mutex_);
+  records_.touch(mobile).picture = Secret{text, now + lifetime, 1};
+  return {Code::success, "picture sent", std::move(picture)};
+}
+
+Envelope IdentityService::sendCode(const std::string& mobile, std::string_view pictureText) {
+  const std::string code = randomText(6, "0123456789");
+  const std::string message = "Orvane: your sign-in code is " + code + ". It is good for 5 minutes.";
+  const TimePoint now = environment_.now();
+  {
+    const std::lock_guard lock(mutex_);
+    Record& record = records_.touch(mobile);
+    switch (attempt(record.picture, pictureText, now)) {
+      case Attempt::none:
+        return refusal(Code::noPicture);
+      case Attempt::wrong:
+        return refusal(Code::wrongPictureText);
+      case Attempt::right:
+        break;
+    }
+    record.code = Secret{code, now + lifetime, codeAttempts};
+    record.message = message;
+  }
+  environment_.deliver(mobile, message);
+  return {Code::success, "code sent", {}};
+}
+
+Envelope IdentityService::login(const std::string& mobile, std::string_view code) {
+  const TimePoint now = environment_.now();
+  const std::lock_guard lock(mutex_);
+  Record& record = records_.touch(mobile);
+  switch (attempt(record.code, code, now)) {
+    case Attempt::none:
+      return refusal(Code::noCode);
+    case Attempt::wrong:
+      return refusal(Code::wrongCode);
+    case Attempt::right:
+      break;
+  }
+  record.signedIn = true;
+  return {Code::success, "welcome", {}};
+}
+
+Envelope IdentityService::submit(const Members& facts) {
+  const std::lock_guard lock(mutex_);
+  Record& record = records_.touch(facts.find("mobile")->second);
+  if (!record.signedIn) return refusal(Code::notSignedIn);
+  record.facts = facts;
+  return {Code::success, "recorded", {}};
+}
+
+/// Takes one of the secret's attempts; a secret that was found or has no more of them is gone.
+IdentityService::Attempt IdentityService::attempt(std::optional<Secret>& secret, std::string_view text,
+                                                  TimePoint now) {
+  if (!secret || now >= secret->expires) return Attempt::none;
+  const bool right = equalIgnoringCase(secret->text, text);
+  if (right || --secret->attempts == 0) secret.reset();
+  return right ? Attempt::right : Attempt::wrong;
+}
+
+Inspection IdentityService::view(const Record& record, TimePoint now) {
+  const auto live = [now](const std::optional<Secret>& secret) {
+    return secret && now < secret->expires ? std::optional(secret->text) : std::nullopt;
+  };
+  return {live(record.picture), record.message,  live(record.code),
+          record.facts,         record.clientId, record.signedIn};
+}
+
+/// A number from 0 to bound - 1; its bias, bound / 2^32, is far below what anybody could notice here.
+std::uint32_t IdentityService::below(std::uint32_t bound) const {
+  return static_cast<std::uint32_t>(std::uint64_t{environment_.random()} * bound >> 32);
+}
+
+std::string IdentityService::randomText(std::size_t length, std::string_view characters) const {
+  std::string text(length, ' ');
+  for (char& c : text) c = characters[below(static_cast<std::uint32_t>(characters.size()))];
+  return text;
+}
+
+}  // namespace devservice

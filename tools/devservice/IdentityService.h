@@ -1,0 +1,105 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/devservice/Codes.h"
+#include "tools/devservice/Faults.h"
+#include "tools/devservice/Message.h"
+#include "tools/devservice/RecentMap.h"
+
+namespace devservice {
+
+/// The string members of a request's body by name.
+using Members = std::map<std::string, std::string, std::less<>>;
+
+/// What the service knows of one mobile number.
+struct Inspection {
+  std::optional<std::string> picture;   ///< Text of the picture that waits to be read.
+  std::optional<std::string> message;   ///< The last text message.
+  std::optional<std::string> code;      ///< The code that waits to be entered.
+  std::optional<Members> facts;         ///< The last submission, with its "mobile".
+  std::optional<std::string> clientId;  ///< The client identifier in the last request, if it had one.
+  bool signedIn = false;
+};
+
+using TimePoint = std::chrono::steady_clock::time_point;
+
+/// 32 bits from the system's random source.
+std::uint32_t systemRandom();
+
+/// What the service draws on. All are called with no lock held, on the threads that call answer() or, the
+/// clock alone, inspect(), so they have to be as safe as the service is.
+struct Environment {
+  /// Takes each text message, once, before the call that sends it is answered.
+  std::function<void(std::string_view mobile, std::string_view text)> deliver = [](std::string_view,
+                                                                                   std::string_view) {};
+  /// The time that pictures and codes expire by.
+  std::function<TimePoint()> now = std::chrono::steady_clock::now;
+  /// 32 random bits.
+  std::function<std::uint32_t()> random = systemRandom;
+};
+
+/// The identity service without its sockets: answers requests and keeps its state in memory.
+/// Safe to use from several threads at once.
+class IdentityService {
+ public:
+  static constexpr std::chrono::minutes lifetime{5};  ///< Of a picture and of a code.
+  static constexpr int codeAttempts = 5;
+  static constexpr std::size_t maxNumbers =
+      10'000;  ///< The least recently used number above these is forgotten.
+  static constexpr std::size_t maxBodySize = std::size_t{64} << 10;  ///< Of a request, in bytes.
+
+  explicit IdentityService(Environment environment = {});
+
+  /// The reply to a request of any kind; every refusal is a reply.
+  Reply answer(const Request& request);
+
+  /// What is known of the number; nothing when it has made no call, or is forgotten.
+  std::optional<Inspection> inspect(std::string_view mobile) const;
+
+ private:
+  /// A text to be given back in time.
+  struct Secret {
+    std::string text;
+    TimePoint expires;
+    int attempts;  // left
+  };
+
+  struct Record {
+    std::optional<Secret> picture;
+    std::optional<Secret> code;
+    std::optional<std::string> message;
+    std::optional<Members> facts;
+    std::optional<std::string> clientId;
+    bool signedIn = false;
+  };
+
+  enum class Attempt { none, wrong, right };
+
+  static Attempt attempt(std::optional<Secret>& secret, std::string_view text, TimePoint now);
+  static Inspection view(const Record& record, TimePoint now);
+
+  Reply answerInspect(const Request& request) const;
+  Envelope perform(Call call, const Members& members, std::optional<std::string_view> clientId);
+  Envelope sendPicture(const std::string& mobile);
+  Envelope sendCode(const std::string& mobile, std::string_view pictureText);
+  Envelope login(const std::string& mobile, std::string_view code);
+  Envelope submit(const Members& facts);
+
+  std::uint32_t below(std::uint32_t bound) const;
+  std::string randomText(std::size_t length, std::string_view characters) const;
+
+  const Environment environment_;
+  mutable std::mutex mutex_;
+  RecentMap<Record> records_{maxNumbers};
+};
+
+}  // namespace devservice

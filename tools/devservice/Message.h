@@ -1,0 +1,42 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace devservice {
+
+/// Whether the texts are equal but for the case of ASCII letters.
+bool equalIgnoringCase(std::string_view a, std::string_view b);
+
+/// A request as the service sees it, whatever carried it.
+struct Request {
+  std::string method;
+  std::string path;
+  std::vector<std::pair<std::string, std::string>> headers;
+  std::string body;
+  std::string peer;  ///< Numeric address of the other end.
+
+  /// The value of the first header of that name, whose case does not matter; it lives as long as the request.
+  std::optional<std::string_view> header(std::string_view name) const;
+};
+
+/// What is done to the connection instead of, or before, sending the reply.
+enum class TransportFault {
+  none,
+  delay,  ///< The whole reply is sent, but late.
+  drop,   ///< The connection is closed without a byte.
+  cut,    ///< The head and half of the body are sent, then the connection is closed.
+  reset,  ///< The connection is reset without a byte.
+};
+
+struct Reply {
+  int status = 200;
+  std::string contentType = "application/json";
+  std::string body;
+  TransportFault fault = TransportFault::none;
+};
+
+}  // namespace devservice

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <list>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+namespace devservice {
+
+/// A map from strings that forgets the least recently touched entry when it would outgrow its capacity.
+/// Not safe to use from several threads at once.
+template <typename Value>
+class RecentMap {
+ public:
+  using Entry = std::pair<const std::string, Value>;
+
+  explicit RecentMap(std::size_t capacity) : capacity_(capacity) {}
+
+  /// The value of the key, made if there is none, and now the most recent one. It stays valid until it is
+  /// forgotten.
+  Value& touch(std::string_view key) {
+    if (const auto found = index_.find(key); found != index_.end()) {
+      entries_.splice(entries_.begin(), entries_, found->second);
+      return found->second->second;
+    }
+    if (entries_.size() == capacity_) {
+      index_.erase(entries_.back().first);
+      entries_.pop_back();
+    }
+    entries_.emplace_front(key, Value{});
+    index_.emplace(entries_.front().first, entries_.begin());
+    return entries_.front().second;
+  }
+
+  /// The value of the key, whose age does not change, or null.
+  const Value* find(std::string_view key) const {
+    const auto found = index_.find(key);
+    return found == index_.end() ? nullptr : &found->second->second;
+  }
+
+  /// The most recent entry comes first.
+  const std::list<Entry>& entries() const { return entries_; }
+
+ private:
+  std::size_t capacity_;
+  std::list<Entry> entries_;
+  std::unordered_map<std::string_view, typename std::list<Entry>::iterator> index_;
+};
+
+}  // namespace devservice
