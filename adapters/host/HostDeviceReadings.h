@@ -7,9 +7,9 @@ namespace orvane {
 
 /// What an ordinary machine does not know about itself, and the application may.
 struct HostDeviceFacts {
-  std::optional<std::string> identifierForVendor;
-  std::optional<std::string> carrierName;
-  ScreenBounds screenBounds;
+  std::optional<std::string> identifierForVendor = {};
+  std::optional<std::string> carrierName = {};
+  ScreenBounds screenBounds = {};
   double screenScale = 1;
 };
 

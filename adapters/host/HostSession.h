@@ -30,8 +30,8 @@ struct HostSessionConfiguration {
   /// How many connections to one host at a time; further requests wait. At least one.
   std::size_t connectionsPerHost = 6;
   /// A proxy's URL; empty for none. The environment is not read.
-  std::string proxy;
-  std::vector<Reroute> reroutes;
+  std::string proxy = {};
+  std::vector<Reroute> reroutes = {};
 };
 
 class TransferEngine;

@@ -12,11 +12,11 @@ namespace orvane {
 
 /// Who answers the library's questions to the system it runs on.
 struct Platform {
-  std::shared_ptr<URLSession> sharedSession;   ///< What a NetworkTool uses unless it is given another.
-  std::shared_ptr<DispatchQueue> mainQueue;    ///< Serial, first in, first out; the application's own.
-  std::shared_ptr<DispatchQueue> globalQueue;  ///< Concurrent.
-  std::shared_ptr<const TextRules> textRules;
-  std::shared_ptr<const DeviceReadings> deviceReadings;
+  std::shared_ptr<URLSession> sharedSession = {};   ///< What a NetworkTool uses unless it is given another.
+  std::shared_ptr<DispatchQueue> mainQueue = {};    ///< Serial, first in, first out; the application's own.
+  std::shared_ptr<DispatchQueue> globalQueue = {};  ///< Concurrent.
+  std::shared_ptr<const TextRules> textRules = {};
+  std::shared_ptr<const DeviceReadings> deviceReadings = {};
 };
 
 /// Replaces parts of the platform, for a test or an application with an event loop, a session or readings of

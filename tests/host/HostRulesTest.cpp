@@ -1,0 +1,158 @@
+#include <chrono>
+#include <future>
+#include <gtest/gtest.h>
+
+#include "adapters/host/HandlerQueue.h"
+#include "adapters/host/HostTextRules.h"
+#include "adapters/host/MainQueue.h"
+#include "adapters/host/Redirect.h"
+
+namespace orvane {
+namespace {
+
+TEST(HostTextRules, TellURLsFromOtherText) {
+  const HostTextRules rules;
+  for (const char* url :
+       {"", "http://h", "http://h:80/p?q#f", "http://h:/", "/p", "p?q", "http://[::1]:8080/",
+        "http://u:p@h:1/", "http://h/é中😀", "http://h/%20%aF", "mailto:a@b", "http://h/a:b[c]",
+        "http://h/?a=b?c", "http://", "http://h:065535/", "?", "#"}) {
+    EXPECT_TRUE(rules.isURL(url)) << url;
+  }
+  for (const char* other : {"http://h/a b",
+                            " http://h",
+                            "http://h\t",
+                            "http://h/\n",
+                            "http://h/\x7F",
+                            "a\"b",
+                            "a<b",
+                            "a>b",
+                            "a\\b",
+                            "a^b",
+                            "a`b",
+                            "a{b",
+                            "a|b",
+                            "a}b",
+                            "%",
+                            "%2",
+                            "%2g",
+                            "%zz",
+                            "a#b#c",
+                            "http://h:8x/",
+                            "http://h:65536/",
+                            "http://h:99999999999/",
+                            "http://[::1/",
+                            "http://::1]/",
+                            "http://[::1]x/",
+                            "http://a[b]/",
+                            "http://h:-1/",
+                            "\xFF",
+                            "\xED\xA0\x80"}) {
+    EXPECT_FALSE(rules.isURL(other)) << other;
+  }
+  EXPECT_FALSE(rules.isURL(std::string_view("a\0b", 3)));
+}
+
+TEST(HostTextRules, KnowLettersMarksAndNumbersOfAllScripts) {
+  const HostTextRules rules;
+  for (const char32_t c :
+       {U'é', U'中', U'ß', U'\u0301', U'\u0903', U'\u20DD', U'٣', U'Ⅷ', U'½', U'ǅ', U'ʰ', U'\U00010400'})
+    EXPECT_TRUE(rules.isAlphanumeric(c)) << static_cast<unsigned>(c);
+  for (const char32_t c : {U'€', U'–', U'。', U'\u00A0', U'😀', U'\u200B', U'\uE000', U'\U0010FFFF'})
+    EXPECT_FALSE(rules.isAlphanumeric(c)) << static_cast<unsigned>(c);
+}
+
+/// "VERB body URL" and the headers that went along, or the error's code.
+std::string redirected(const char* method, const char* from, int status, const char* location) {
+  URLRequest request(from);
+  request.setMethod(method);
+  request.setBody({'b'});
+  for (const char* name : {"Authorization", "cookie", "Content-Type", "X"}) request.addValue("v", name);
+  const auto next = redirect(request, status, location);
+  if (const auto* code = std::get_if<SessionErrorCode>(&next)) return std::to_string(static_cast<int>(*code));
+  const auto& followed = std::get<URLRequest>(next);
+  std::string text = followed.method() + (followed.body() ? " b " : " - ") + followed.url();
+  for (const HeaderField& field : followed.headers()) text += " " + field.name;
+  return text;
+}
+
+TEST(Redirect, DecidesWhatFollows) {
+  struct Row {
+    const char* method;
+    const char* from;
+    int status;
+    const char* location;
+    const char* expected;
+  };
+  const std::vector<Row> rows = {
+      {"POST", "http://h/", 301, "http://h/n", "GET - http://h/n Authorization cookie X"},
+      {"POST", "http://h/", 302, "http://H:80/n", "GET - http://H:80/n Authorization cookie X"},
+      {"POST", "http://h/", 303, "http://h/n", "GET - http://h/n Authorization cookie X"},
+      {"PUT", "http://h/", 303, "http://h/n", "GET - http://h/n Authorization cookie X"},
+      {"PUT", "http://h/", 302, "http://h/n", "PUT b http://h/n Authorization cookie Content-Type X"},
+      {"POST", "http://h/", 307, "http://h/n", "POST b http://h/n Authorization cookie Content-Type X"},
+      {"POST", "http://h/", 308, "http://other/", "POST b http://other/ Content-Type X"},
+      {"POST", "http://h/", 308, "http://h:81/", "POST b http://h:81/ Content-Type X"},
+      {"POST", "http://h/", 308, "http://h@other/", "POST b http://h@other/ Content-Type X"},
+      {"GET", "http://h/", 301, "https://h/", "GET b https://h/ Content-Type X"},
+      {"GET", "https://h/", 301, "https://h/n", "GET b https://h/n Authorization cookie Content-Type X"},
+      {"GET", "https://h/", 301, "http://h/", "-1002"},
+      {"GET", "http://h/", 301, "file:///etc/passwd", "-1002"},
+      {"GET", "http://h/", 301, "ftp://h/", "-1002"},
+      {"GET", "http://h/", 301, "nowhere", "-1002"},
+  };
+  for (const auto& [method, from, status, location, expected] : rows)
+    EXPECT_EQ(redirected(method, from, status, location), expected) << status << " " << location;
+}
+
+TEST(HandlerQueue, DropsExactlyWhatHasNotStarted) {
+  HandlerQueue queue;
+  std::vector<int> called;
+  const auto capture = std::make_shared<int>();
+  std::vector<HandlerCall> calls;
+  for (int i = 0; i < 3; ++i) {
+    calls.push_back({[&, capture, i](const auto&) {
+                       called.push_back(i);
+                       if (i == 1) queue.cancelAll();
+                     },
+                     {}});
+  }
+  queue.post(calls);
+  queue.close();
+  queue.run();
+  EXPECT_EQ(called, (std::vector<int>{0, 1}));
+  EXPECT_EQ(capture.use_count(), 1);
+}
+
+TEST(MainQueue, RunsInOrderUntilStopped) {
+  MainQueue queue;
+  std::vector<int> ran;
+  queue.async([&] {
+    ran.push_back(1);
+    queue.async([&] { ran.push_back(3); });
+  });
+  queue.async([&] { ran.push_back(2); });
+  EXPECT_EQ(queue.runPending(), 2U);
+  EXPECT_FALSE(queue.run(std::chrono::milliseconds(0)));
+  queue.async([&] { queue.stop(); });
+  queue.async([&] { ran.push_back(4); });
+  queue.run();
+  EXPECT_EQ(ran, (std::vector<int>{1, 2, 3}));
+  queue.stop();
+  EXPECT_TRUE(queue.run(std::chrono::hours(1)));
+  const auto other = std::async(std::launch::async, [&] { queue.async([&] { queue.stop(); }); });
+  queue.run();
+  EXPECT_EQ(ran, (std::vector<int>{1, 2, 3, 4}));
+}
+
+TEST(PostingQueue, HandsTasksToTheLoop) {
+  std::vector<Task> posted;
+  PostingQueue queue([&](Task task) { posted.push_back(std::move(task)); });
+  int ran = 0;
+  queue.async([&] { ++ran; });
+  EXPECT_EQ(ran, 0);
+  posted.at(0)();
+  EXPECT_EQ(ran, 1);
+}
+
+}  // namespace
+}  // namespace orvane

@@ -1,0 +1,240 @@
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include "adapters/host/HostSession.h"
+#include "tests/support/LoopbackServer.h"
+#include "tests/support/perform.h"
+
+namespace orvane {
+namespace {
+
+using test::LoopbackServer;
+using test::Outcome;
+using test::perform;
+using test::reply;
+using test::start;
+using Then = LoopbackServer::Then;
+using Answer = LoopbackServer::Answer;
+using Request = LoopbackServer::Request;
+using std::chrono::milliseconds;
+
+std::string gzip(const std::string& text) {
+  z_stream stream{};
+  deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, 16 + MAX_WBITS, 8, Z_DEFAULT_STRATEGY);
+  std::string packed(deflateBound(&stream, text.size()), '\0');
+  std::string copy = text;
+  stream.next_in = reinterpret_cast<Bytef*>(copy.data());
+  stream.avail_in = static_cast<uInt>(copy.size());
+  stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+  stream.avail_out = static_cast<uInt>(packed.size());
+  deflate(&stream, Z_FINISH);
+  packed.resize(stream.total_out);
+  deflateEnd(&stream);
+  return packed;
+}
+
+URLRequest post(const std::string& url, std::string_view body) {
+  URLRequest request(url);
+  request.setMethod("POST");
+  request.setBody(Bytes(body.begin(), body.end()));
+  return request;
+}
+
+TEST(HostSession, PutsTheRequestOnTheWireAsItShould) {
+  LoopbackServer server([](const Request&) { return Answer{reply("")}; });
+  HostSession session;
+  const auto sent = [&](URLRequest request) {
+    EXPECT_EQ(perform(session, std::move(request)), "");
+    return server.requests().back();
+  };
+
+  const Request get = sent(URLRequest(server.url("/a/../b?c=%20&d=é中#fragment")));
+  EXPECT_TRUE(get.head.starts_with("GET /a/../b?c=%20&d=%C3%A9%E4%B8%AD HTTP/1.1\r\n")) << get.head;
+  EXPECT_TRUE(get.hasLine("Host: 127.0.0.1:" + std::to_string(server.port())));
+  EXPECT_TRUE(get.hasLine("Accept: */*"));
+  EXPECT_TRUE(get.hasLine("User-Agent: Orvane/1.0"));
+  EXPECT_NE(get.head.find("\r\nAccept-Encoding: deflate, gzip"), get.head.npos);
+  EXPECT_EQ(get.head.find("Content-"), get.head.npos);
+
+  URLRequest bare(server.url());
+  bare.setMethod("POST");
+  EXPECT_TRUE(sent(bare).hasLine("Content-Length: 0"));
+  EXPECT_EQ(sent(bare).head.find("Content-Type"), get.head.npos);
+  EXPECT_TRUE(sent(post(server.url(), "")).hasLine("Content-Length: 0"));
+  EXPECT_EQ(sent(post(server.url(), "")).head.find("Content-Type"), get.head.npos);
+
+  const std::string large(2 << 20, 'x');
+  const Request form = sent(post(server.url(), large));
+  EXPECT_TRUE(form.hasLine("Content-Type: application/x-www-form-urlencoded"));
+  EXPECT_EQ(form.head.find("Expect"), get.head.npos);
+  EXPECT_EQ(form.body, large);
+
+  URLRequest put = post(server.url(), std::string_view("\0{}", 3));
+  put.setMethod("PUT");
+  put.addValue("application/json", "Content-Type");
+  put.addValue("", "X-Empty");
+  put.addValue(" \t", "X-Blank");
+  put.addValue("a: b; c", "X-Full");
+  put.addValue("evil\r\nX-Injected: 1", "X-Bad");
+  put.addValue("9", "Content-Length");
+  const Request json = sent(put);
+  EXPECT_TRUE(json.head.starts_with("PUT / HTTP/1.1\r\n"));
+  EXPECT_TRUE(json.hasLine("Content-Type: application/json"));
+  EXPECT_TRUE(json.hasLine("X-Empty:"));
+  EXPECT_TRUE(json.hasLine("X-Blank:"));
+  EXPECT_TRUE(json.hasLine("X-Full: a: b; c"));
+  EXPECT_TRUE(json.hasLine("Content-Length: 3"));
+  EXPECT_EQ(json.head.find("Injected"), get.head.npos);
+  EXPECT_EQ(json.body, std::string("\0{}", 3));
+  EXPECT_EQ(server.requests().back().connection, 1);
+}
+
+TEST(HostSession, RefusesURLsBeforeAnythingIsSent) {
+  HostSession session;
+  const std::vector<std::pair<std::string, int>> rows = {
+      {"", -1002},
+      {"h/p", -1002},
+      {"//127.0.0.1/", -1002},
+      {"ftp://127.0.0.1/", -1002},
+      {"file:///etc/passwd", -1002},
+      {"httpx://h/", -1002},
+      {"http:///p", -1000},
+      {"http:p", -1000},
+      {"http://:80/", -1000},
+      {"http://a b/", -1000},
+  };
+  for (const auto& [url, code] : rows) {
+    const DataTaskResult result = start(session, URLRequest(url)).get().result;
+    ASSERT_TRUE(result.error) << url;
+    EXPECT_EQ(result.error->domain, "NSURLErrorDomain");
+    EXPECT_EQ(result.error->code, code) << url;
+    EXPECT_EQ(*result.error->userInfo.at("NSErrorFailingURLStringKey").text(), url);
+    EXPECT_FALSE(result.error->userInfo.at("NSLocalizedDescription").text()->empty());
+  }
+}
+
+TEST(HostSession, TellsTransportFailuresFromReplies) {
+  const std::vector<std::pair<Answer, std::string>> rows = {
+      {{reply("ok")}, "ok"},
+      {{reply("gone", "", "404 Not Found")}, "gone"},
+      {{reply("broken", "", "500 Oops")}, "broken"},
+      {{"HTTP/1.1 204 No Content\r\n\r\n"}, ""},
+      {{"HTTP/1.1 100 Continue\r\n\r\n" + reply("after")}, "after"},
+      {{"HTTP/1.0 200 OK\r\n\r\nto the end", Then::close}, "to the end"},
+      {{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nab\r\n1\r\nc\r\n0\r\n\r\n"}, "abc"},
+      {{reply(gzip("packed"), "Content-Encoding: gzip\r\n")}, "packed"},
+      {{reply("no gzip", "Content-Encoding: gzip\r\n")}, "error -1015"},
+      {{reply("?", "Content-Encoding: unheard-of\r\n")}, "error -1015"},
+      {{reply(std::string(5000, 'x'))}, "error -1103"},
+      {{reply(gzip(std::string(1 << 20, 'x')), "Content-Encoding: gzip\r\n")}, "error -1103"},
+      {{reply(std::string(4096, 'x'))}, std::string(4096, 'x')},
+      {{"", Then::close}, "error -1005"},
+      {{"", Then::reset}, "error -1005"},
+      {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nshort", Then::close}, "error -1005"},
+      {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nshort", Then::reset}, "error -1005"},
+      {{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n9\r\nshort", Then::close}, "error -1005"},
+      {{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n", Then::close}, "error -1005"},
+      {{"garbage instead of HTTP\r\n\r\n", Then::close}, "error -1017"},
+      {{"HTTP/9.9 200\r\n\r\n", Then::close}, "error -1017"},
+  };
+  std::size_t row = 0;
+  LoopbackServer server([&](const Request&) { return rows[row].first; });
+  HostSession session({.maximumBodySize = 4096});
+  for (; row < rows.size(); ++row)
+    EXPECT_EQ(perform(session, URLRequest(server.url())), rows[row].second)
+        << rows[row].first.bytes.substr(0, 60);
+}
+
+TEST(HostSession, TellsWhyNoConnectionCameAbout) {
+  ::setenv("http_proxy", "http://127.0.0.1:1/", 1);
+  LoopbackServer server([](const Request&) { return Answer{reply("direct")}; });
+  HostSession session;
+  EXPECT_EQ(perform(session, URLRequest(server.url())), "direct");
+  EXPECT_EQ(perform(session, URLRequest("http://127.0.0.1:1/")), "error -1004");
+  EXPECT_EQ(perform(session, URLRequest("http://host.invalid/")), "error -1003");
+  HostSession proxied({.proxy = "http://127.0.0.1:1/"});
+  EXPECT_EQ(perform(proxied, URLRequest(server.url())), "error -1004");
+  ::unsetenv("http_proxy");
+}
+
+TEST(HostSession, FollowsRedirects) {
+  LoopbackServer server([](const Request& request) {
+    const std::string target = request.head.substr(request.head.find(' ') + 1);
+    const int left = std::atoi(target.c_str() + 1);
+    if (left == 0) return Answer{reply(request.head.substr(0, request.head.find(' ')) + " " + request.body)};
+    const std::string status = target.substr(target.find('?') + 1, 3);
+    const std::string next = "/" + std::to_string(left - 1) + "?" + status;
+    return Answer{reply("moved", "Location: " + next + "\r\n", status + " Moved")};
+  });
+  HostSession session;
+  EXPECT_EQ(perform(session, post(server.url("/1?302"), "body")), "GET ");
+  EXPECT_EQ(perform(session, post(server.url("/1?307"), "body")), "POST body");
+  EXPECT_EQ(perform(session, post(server.url("/20?308"), "body")), "POST body");
+  EXPECT_EQ(perform(session, post(server.url("/21?308"), "body")), "error -1007");
+  EXPECT_EQ(perform(session, URLRequest(server.url("/1?304"))), "");
+  EXPECT_EQ(perform(session, URLRequest(server.url("/1?300"))), "moved");
+}
+
+TEST(HostSession, GivesUpInTime) {
+  LoopbackServer server([](const Request&) { return Answer{"", Then::hold}; });
+  HostSession idle({.idleTimeout = milliseconds(30), .connectionsPerHost = 1});
+  std::future<Outcome> first = start(idle, URLRequest(server.url()));
+  std::future<Outcome> second = start(idle, URLRequest(server.url()));
+  EXPECT_EQ(first.get().text(), "error -1001");
+  EXPECT_EQ(second.get().text(), "error -1001");
+  HostSession total({.totalTimeout = milliseconds(30), .connectionsPerHost = 1});
+  first = start(total, URLRequest(server.url()));
+  second = start(total, URLRequest(server.url()));
+  EXPECT_EQ(first.get().text(), "error -1001");
+  EXPECT_EQ(second.get().text(), "error -1001");
+}
+
+TEST(HostSession, UsesSixConnectionsAtATimeAndKeepsThem) {
+  constexpr int count = 60;
+  LoopbackServer* self = nullptr;
+  int waiting = 0;
+  LoopbackServer server([&](const Request&) {
+    // Answers only once six have come: fewer connections would never get an answer.
+    if (++waiting % 6 == 0) self->release(reply("ok"));
+    return Answer{"", Then::hold};
+  });
+  self = &server;
+  HostSession session;
+  std::vector<std::future<Outcome>> outcomes;
+  for (int i = 0; i < count; ++i) outcomes.push_back(start(session, URLRequest(server.url())));
+  for (std::future<Outcome>& outcome : outcomes) EXPECT_EQ(outcome.get().text(), "ok");
+  std::set<int> connections;
+  for (const Request& request : server.requests()) connections.insert(request.connection);
+  EXPECT_EQ(connections.size(), 6U);
+}
+
+TEST(HostSession, NeverSendsAPostTwiceByItself) {
+  LoopbackServer server([](const Request& request) {
+    const bool isFirst = request.connection == 1 && request.head.find("/first") != request.head.npos;
+    return isFirst || request.connection > 1 ? Answer{reply("ok")} : Answer{"", Then::close};
+  });
+  for (const auto& [method, expected] : {std::pair("POST", "error -1005"), std::pair("GET", "ok")}) {
+    HostSession session({.reroutes = {{"name.example", 80, "127.0.0.1", server.port()}}});
+    EXPECT_EQ(perform(session, URLRequest("http://name.example/first")), "ok");
+    URLRequest second("http://name.example/second");
+    second.setMethod(method);
+    EXPECT_EQ(perform(session, second), expected);
+    EXPECT_TRUE(server.requests().back().hasLine("Host: name.example"));
+    if (std::string_view(method) == "POST") break;
+  }
+}
+
+TEST(HostSession, KeepsCookiesToItself) {
+  LoopbackServer server([](const Request&) { return Answer{reply("", "Set-Cookie: a=b\r\n")}; });
+  HostSession session;
+  HostSession other;
+  perform(session, URLRequest(server.url()));
+  perform(session, URLRequest(server.url()));
+  EXPECT_TRUE(server.requests().back().hasLine("Cookie: a=b"));
+  perform(other, URLRequest(server.url()));
+  EXPECT_FALSE(server.requests().back().hasLine("Cookie: a=b"));
+}
+
+}  // namespace
+}  // namespace orvane

@@ -1,0 +1,140 @@
+// What every URL session has to keep to; each is one row at the end.
+
+#include <atomic>
+#include <gtest/gtest.h>
+
+#include "adapters/host/HostSession.h"
+#include "tests/support/FakeSession.h"
+#include "tests/support/LoopbackServer.h"
+#include "tests/support/perform.h"
+
+namespace orvane {
+namespace {
+
+using test::LoopbackServer;
+using test::Outcome;
+using test::start;
+
+/// A session, and a way to let `count` replies come for the requests that were started.
+struct SessionUnderTest {
+  virtual ~SessionUnderTest() = default;
+  virtual void letCome(std::size_t count) = 0;
+
+  std::shared_ptr<URLSession> session;
+  URLRequest good{""};
+  URLRequest failing{""};
+};
+
+struct FakeUnderTest final : SessionUnderTest {
+  FakeUnderTest() { session = fake; }
+  void letCome(std::size_t count) override {
+    for (; count > 0; --count) {
+      const bool fails = fake->requests[answered++].url() == "failing";
+      if (fails) {
+        fake->post({std::nullopt, std::nullopt, std::make_shared<const Error>()});
+      } else {
+        fake->post({Bytes(), HTTPResponse{200}, nullptr});
+      }
+    }
+    if (!session) fake.reset();
+  }
+  std::shared_ptr<test::FakeSession> fake = std::make_shared<test::FakeSession>();
+  std::size_t answered = 0;
+};
+
+struct HostUnderTest final : SessionUnderTest {
+  HostUnderTest() {
+    session = std::make_shared<HostSession>();
+    good = URLRequest(server.url());
+  }
+  void letCome(std::size_t) override {}
+  LoopbackServer server{[](const auto&) { return LoopbackServer::Answer{test::reply("")}; }};
+};
+
+template <class T>
+std::unique_ptr<SessionUnderTest> make() {
+  auto made = std::make_unique<T>();
+  made->failing = URLRequest("failing");
+  return made;
+}
+
+class SessionContract : public testing::TestWithParam<std::unique_ptr<SessionUnderTest> (*)()> {
+ protected:
+  std::unique_ptr<SessionUnderTest> subject = GetParam()();
+};
+
+TEST_P(SessionContract, HandlersComeOnceOnOneBackgroundThreadOneAtATime) {
+  constexpr std::size_t count = 20;
+  std::atomic<std::size_t> calls = 0;
+  std::atomic<bool> busy = false;
+  std::promise<void> all;
+  const auto capture = std::make_shared<std::thread::id>();
+  for (std::size_t i = 0; i < count; ++i) {
+    subject->session->startDataTask(subject->good, [&, capture](const DataTaskResult& result) {
+      EXPECT_FALSE(busy.exchange(true));
+      EXPECT_TRUE(result.body && result.response && !result.error);
+      if (calls == 0) *capture = std::this_thread::get_id();
+      EXPECT_EQ(*capture, std::this_thread::get_id());
+      EXPECT_NE(*capture, std::thread::id());
+      busy = false;
+      if (++calls == count) all.set_value();
+    });
+    EXPECT_LE(calls, i + 1);
+  }
+  subject->letCome(count);
+  all.get_future().wait();
+  std::future<Outcome> last = start(*subject->session, subject->good);
+  subject->letCome(1);
+  EXPECT_NE(last.get().thread, std::this_thread::get_id());
+  EXPECT_EQ(calls, count);
+  EXPECT_EQ(capture.use_count(), 1);
+}
+
+TEST_P(SessionContract, AFailureHasAnErrorAlone) {
+  std::future<Outcome> failure = start(*subject->session, subject->failing);
+  subject->letCome(1);
+  const DataTaskResult result = failure.get().result;
+  EXPECT_TRUE(result.error && !result.body && !result.response);
+}
+
+TEST_P(SessionContract, CancellingLeavesEachHandlerCalledOrReleased) {
+  constexpr std::size_t count = 20;
+  const auto capture = std::make_shared<std::atomic<std::size_t>>();
+  std::promise<void> cancelled;
+  for (std::size_t i = 0; i < count; ++i) {
+    subject->session->startDataTask(subject->good, [&cancelled, capture](const auto&) {
+      if (++*capture == 1) cancelled.get_future().wait();
+    });
+  }
+  subject->letCome(count);
+  subject->session->cancelAllOperations();
+  cancelled.set_value();
+  std::future<Outcome> last = start(*subject->session, subject->good);
+  subject->letCome(1);
+  last.get();
+  EXPECT_LE(*capture, count);
+}
+
+TEST_P(SessionContract, ATaskOutlivesItsSession) {
+  std::future<Outcome> outcome = start(*subject->session, subject->good);
+  subject->session.reset();
+  subject->letCome(1);
+  EXPECT_FALSE(outcome.get().result.error);
+}
+
+TEST_P(SessionContract, HandlersMayStartTasksAndCancel) {
+  std::promise<void> done;
+  subject->session->startDataTask(subject->good, [&](const auto&) {
+    subject->session->cancelAllOperations();
+    subject->session->startDataTask(subject->good, [&](const auto&) { done.set_value(); });
+    subject->letCome(1);
+  });
+  subject->letCome(1);
+  done.get_future().wait();
+}
+
+INSTANTIATE_TEST_SUITE_P(Fake, SessionContract, testing::Values(&make<FakeUnderTest>));
+INSTANTIATE_TEST_SUITE_P(Host, SessionContract, testing::Values(&make<HostUnderTest>));
+
+}  // namespace
+}  // namespace orvane

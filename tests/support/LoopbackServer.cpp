@@ -1,0 +1,112 @@
+#include "tests/support/LoopbackServer.h"
+
+#include <netinet/in.h>
+#include <poll.h>
+#include <stdexcept>
+#include <utility>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace orvane::test {
+namespace {
+
+void sendAll(int descriptor, const std::string& bytes) {
+  std::size_t sent = 0;
+  while (sent < bytes.size()) {
+    const ssize_t now = ::send(descriptor, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+    if (now <= 0) return;
+    sent += static_cast<std::size_t>(now);
+  }
+}
+
+std::size_t contentLength(const std::string& head) {
+  const std::size_t at = head.find("\r\nContent-Length: ");
+  return at == head.npos ? 0 : std::stoul(head.substr(at + 18));
+}
+
+}  // namespace
+
+LoopbackServer::LoopbackServer(Script script)
+    : script_(std::move(script)), listener_(::socket(AF_INET, SOCK_STREAM, 0)) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  auto* const generic = reinterpret_cast<sockaddr*>(&address);
+  socklen_t size = sizeof(address);
+  if (::bind(listener_, generic, size) != 0 || ::listen(listener_, 512) != 0 ||
+      ::getsockname(listener_, generic, &size) != 0 || ::pipe(stopPipe_) != 0) {
+    throw std::runtime_error("no loopback server");
+  }
+  port_ = ntohs(address.sin_port);
+  thread_ = std::thread([this] { run(); });
+}
+
+LoopbackServer::~LoopbackServer() {
+  ::close(stopPipe_[1]);
+  thread_.join();
+  ::close(stopPipe_[0]);
+  ::close(listener_);
+  for (const auto& [descriptor, connection] : connections_) ::close(descriptor);
+}
+
+std::vector<LoopbackServer::Request> LoopbackServer::requests() const {
+  const std::lock_guard lock(mutex_);
+  return requests_;
+}
+
+void LoopbackServer::release(const std::string& bytes) {
+  for (auto& [descriptor, connection] : connections_) {
+    if (std::exchange(connection.held, false)) sendAll(descriptor, bytes);
+  }
+}
+
+void LoopbackServer::run() {
+  for (;;) {
+    std::vector<pollfd> waited = {{stopPipe_[0], POLLIN, 0}, {listener_, POLLIN, 0}};
+    for (const auto& [descriptor, connection] : connections_) waited.push_back({descriptor, POLLIN, 0});
+    ::poll(waited.data(), waited.size(), -1);
+    if (waited[0].revents) return;
+    if (waited[1].revents) connections_[::accept(listener_, nullptr, nullptr)].number = ++accepted_;
+    for (std::size_t i = 2; i < waited.size(); ++i) {
+      const int descriptor = waited[i].fd;
+      if (!waited[i].revents || serve(descriptor, connections_.at(descriptor))) continue;
+      ::close(descriptor);
+      connections_.erase(descriptor);
+    }
+  }
+}
+
+/// Whether the connection stays.
+bool LoopbackServer::serve(int descriptor, Connection& connection) {
+  char buffer[65536];
+  const ssize_t size = ::recv(descriptor, buffer, sizeof(buffer), 0);
+  if (size <= 0) return false;
+  std::string& received = connection.received;
+  received.append(buffer, static_cast<std::size_t>(size));
+  const std::size_t headEnd = received.find("\r\n\r\n");
+  if (headEnd == received.npos) return true;
+  const std::string head = received.substr(0, headEnd);
+  const std::size_t length = contentLength(head);
+  if (received.size() < headEnd + 4 + length) return true;
+  const Request request = {head, received.substr(headEnd + 4, length), connection.number};
+  received.erase(0, headEnd + 4 + length);
+  {
+    const std::lock_guard lock(mutex_);
+    requests_.push_back(request);
+  }
+  connection.held = true;
+  const Answer answer = script_(request);
+  if (answer.then == Then::hold) return true;
+  connection.held = false;
+  sendAll(descriptor, answer.bytes);
+  const linger abort = {1, 0};
+  if (answer.then == Then::reset) ::setsockopt(descriptor, SOL_SOCKET, SO_LINGER, &abort, sizeof(abort));
+  return answer.then == Then::keep;
+}
+
+std::string reply(const std::string& body, const std::string& headers, const std::string& status) {
+  return "HTTP/1.1 " + status + "\r\n" + headers + "Content-Length: " + std::to_string(body.size()) +
+         "\r\n\r\n" + body;
+}
+
+}  // namespace orvane::test
