@@ -22,6 +22,9 @@ namespace orvane {
 
 class Value;
 
+template <class T>
+concept Integer = std::integral<T> && !std::same_as<T, bool>;
+
 using Bytes = std::vector<std::uint8_t>;
 using Map = std::map<std::string, Value, std::less<>>;
 
@@ -71,15 +74,10 @@ class ORVANE_API Value {
   template <std::same_as<bool> T>
   Value(T boolean) noexcept : data_(boolean) {}
   /// An integer beyond 64 signed bits becomes a real.
-  template <std::integral T>
-  requires(!std::same_as<T, bool>) Value(T integer)
-  noexcept {
-    if (std::in_range<std::int64_t>(integer)) {
-      data_ = static_cast<std::int64_t>(integer);
-    } else {
-      data_ = static_cast<double>(integer);
-    }
-  }
+  template <Integer T>
+  Value(T integer) noexcept
+      : data_(std::in_range<std::int64_t>(integer) ? Data(static_cast<std::int64_t>(integer))
+                                                   : Data(static_cast<double>(integer))) {}
   template <std::floating_point T>
   Value(T real) noexcept : data_(static_cast<double>(real)) {}
   Value(std::string text) noexcept : data_(std::move(text)) {}
@@ -89,10 +87,10 @@ class ORVANE_API Value {
   Value(Map map) : data_(std::make_unique<Map>(std::move(map))) {}
 
   Value(const Value& other);
-  Value(Value&& other) noexcept : data_(std::exchange(other.data_, Data())) {}
+  Value(Value&& other) noexcept : data_(std::move(other.data_)) { other.data_.emplace<std::monostate>(); }
   Value& operator=(Value other) noexcept {
-    data_.swap(other.data_);
-    return *this;
+    std::destroy_at(this);
+    return *std::construct_at(this, std::move(other));
   }
   ~Value();
 

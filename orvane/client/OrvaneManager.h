@@ -45,8 +45,8 @@ class ORVANE_API OrvaneManager {
   virtual ~OrvaneManager();
 
   /// The application's client identifier, sent with each call while it is present, also while it is empty.
-  /// Absent at first. Plain memory: who changes it while another thread uses the manager must serialise the
-  /// two.
+  /// Absent at first. One with NUL, CR or LF cannot be a header's value and is left out. Plain memory: who
+  /// changes it while another thread uses the manager must serialise the two.
   virtual std::optional<std::string> clientId() const;
   virtual void setClientId(std::optional<std::string> clientId);
 
@@ -63,8 +63,8 @@ class ORVANE_API OrvaneManager {
 
   /// Logs in with the code that came by SMS. When the login is accepted, the system's version, the carrier's
   /// name and the device's model are sent to the service before `finished` is called; nobody waits for that
-  /// to arrive. A refusal's code is 1. The process stops when the request fails: this call reads the reply
-  /// first.
+  /// to arrive, so a process that ends at once may end before it has left. A refusal's code is 1. The process
+  /// stops when the request fails: this call reads the reply first.
   virtual void requestLogin(std::string mobile, std::string code, LoginFinished finished);
 
  private:

@@ -10,4 +10,7 @@ namespace orvane {
 /// port and no trailing slash.
 ORVANE_API std::string_view serviceBaseURL() noexcept;
 
+/// The host name in it.
+ORVANE_API std::string_view serviceHost() noexcept;
+
 }  // namespace orvane

@@ -45,13 +45,14 @@ class ORVANE_API NetworkTool {
   /// Replaces the whole header set of the requests to come. An empty set changes nothing.
   virtual void addHeader(Headers headers);
 
-  /// Builds a request with `request`, runs it on `session` and returns. Then `completion` is called exactly
-  /// once: | outcome | completion | where | | no request could be built | error com.brovent.error (-1),
-  /// "error": "请求建立失败" | here, before the return | | the session failed | the session's own error
-  /// object | the session's background queue | | the reply's body is not JSON | error com.brovent.error (-1),
-  /// "error": "反序列化失败" | the session's queue | | the reply's body is a JSON map or array, whatever the
-  /// HTTP status | the value | the main queue | or not at all, if its turn on the session's queue was dropped
-  /// by cancleAllNetwork. Stops the process where the session is absent.
+  /// Builds a request with `request`, runs it on `session` and returns. `completion` is called exactly once:
+  /// | outcome | with | where |
+  /// | no request could be built | error errorDomain (-1), "error": "请求建立失败" | here, before the return |
+  /// | the session failed | the session's own error object | the session's background queue |
+  /// | the body is not JSON | error errorDomain (-1), "error": "反序列化失败" | the session's background queue |
+  /// | the body is a JSON map or array, whatever the HTTP status | the value | the main queue |
+  /// or not at all, if its turn on the session's queue was dropped by cancleAllNetwork. Stops the process where
+  /// the session is absent.
   virtual void requestJSON(HTTPMethod method, std::string_view url,
                            const std::optional<Parameters>& parameters, Completion completion);
 

@@ -98,8 +98,7 @@ TEST(Redirect, DecidesWhatFollows) {
       {"GET", "https://h/", 301, "http://h/", "-1002"},
       {"GET", "http://h/", 301, "file:///etc/passwd", "-1002"},
       {"GET", "http://h/", 301, "ftp://h/", "-1002"},
-      {"GET", "http://h/", 301, "nowhere", "-1002"},
-  };
+      {"GET", "http://h/", 301, "nowhere", "-1002"}};
   for (const auto& [method, from, status, location, expected] : rows)
     EXPECT_EQ(redirected(method, from, status, location), expected) << status << " " << location;
 }

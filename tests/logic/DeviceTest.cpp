@@ -13,16 +13,8 @@ using test::TestReadings;
 
 class Device : public testing::Test {
  protected:
-  void TearDown() override {
-    TestReadings& readings = fakeReadings();
-    const TestReadings fresh;
-    readings.machineField = fresh.machineField;
-    readings.version = fresh.version;
-    readings.vendor = fresh.vendor;
-    readings.carrier = fresh.carrier;
-    readings.bounds = fresh.bounds;
-    readings.scale = fresh.scale;
-  }
+  TestReadings::Facts& facts = fakeReadings().facts = {};
+  ~Device() override { facts = {}; }
 };
 
 TEST_F(Device, MachineIdentifiersNameModels) {
@@ -44,8 +36,7 @@ TEST_F(Device, MachineIdentifiersNameModels) {
       {"iPad5,", 1, 2, iPadMini4},     {"iPad6,", 8, 8, iPadPro},       {"iPod1,", 1, 1, iPodTouch1Gen},
       {"iPod2,", 1, 1, iPodTouch2Gen}, {"iPod3,", 1, 1, iPodTouch3Gen}, {"iPod4,", 1, 1, iPodTouch4Gen},
       {"iPod5,", 1, 1, iPodTouch5Gen}, {"iPod7,", 1, 1, iPodTouch6Gen}, {"i38", 6, 6, Simulator},
-      {"x86_6", 4, 4, Simulator},
-  };
+      {"x86_6", 4, 4, Simulator}};
   std::size_t known = 0;
   for (const auto& [prefix, first, last, name] : rows) {
     for (int number = first; number <= last; ++number, ++known)
@@ -72,11 +63,11 @@ TEST_F(Device, NamesAndNumbersOfModels) {
 
 TEST_F(Device, ReadsTheMachineFieldUpToItsPadding) {
   using namespace std::string_literals;
-  fakeReadings().machineField = "iPad6,8" + std::string(249, '\0');
+  facts.machine = "iPad6,8" + std::string(249, '\0');
   EXPECT_EQ(OVDeviceInfoTool::getDeviceName(), DeviceName::iPadPro);
-  fakeReadings().machineField = "";
+  facts.machine = "";
   EXPECT_EQ(OVDeviceInfoTool::getDeviceName(), DeviceName::Unknown);
-  fakeReadings().machineField = "iPad6,8\0\xFF"s;
+  facts.machine = "iPad6,8\0\xFF"s;
   EXPECT_DEATH(OVDeviceInfoTool::getDeviceName(),
                "orvane: getDeviceName: the machine identifier is not ASCII\n");
 }
@@ -87,9 +78,9 @@ TEST_F(Device, FactsAsTexts) {
   EXPECT_EQ(OVDeviceInfoTool::getcarrierName(), "nil");
   EXPECT_DEATH(OVDeviceInfoTool::getMEIDCode(),
                "orvane: getMEIDCode: the device gives no vendor identifier\n");
-  fakeReadings().version = "";
-  fakeReadings().carrier = "";
-  fakeReadings().vendor = "AB-1";
+  facts.version = "";
+  facts.carrier = "";
+  facts.vendor = "AB-1";
   EXPECT_EQ(OVDeviceInfoTool::getSystemVersion(), "iOS ");
   EXPECT_EQ(OVDeviceInfoTool::getcarrierName(), "");
   EXPECT_EQ(OVDeviceInfoTool::getMEIDCode(), "AB-1");
@@ -109,14 +100,13 @@ TEST_F(Device, ClassifiesScreens) {
       {320, 568, 2, Screen3_5Inch},    {375, 667, 2, Screen4_7Inch},   {375, 667, 3, Screen5_5Inch},
       {667, 375, 2.9, Screen4_7Inch},  {375, 667, nan, Screen4_7Inch}, {414, 736, 3, Screen5_5Inch},
       {736, 414, 1, Screen5_5Inch},    {768, 1024, 2, UnknownSize},    {375, 667.5, 3, UnknownSize},
-      {414, 736.0001, 3, UnknownSize}, {0, 0, 1, UnknownSize},         {320, nan, 2, UnknownSize},
-  };
+      {414, 736.0001, 3, UnknownSize}, {0, 0, 1, UnknownSize},         {320, nan, 2, UnknownSize}};
   for (const auto& [width, height, scale, size] : rows) {
-    fakeReadings().bounds = {width, height};
-    fakeReadings().scale = scale;
-    const int readsBefore = fakeReadings().scaleReads;
+    facts.bounds = {width, height};
+    facts.scale = scale;
+    const int readsBefore = facts.scaleReads;
     EXPECT_EQ(OVDeviceInfoTool().screenSize(), size) << width << " x " << height << " at " << scale;
-    EXPECT_EQ(fakeReadings().scaleReads - readsBefore, std::max(width, height) == 667 ? 1 : 0);
+    EXPECT_EQ(facts.scaleReads - readsBefore, std::max(width, height) == 667 ? 1 : 0);
   }
   EXPECT_EQ(hashValue(Screen5_5Inch), 4U);
 }

@@ -42,8 +42,7 @@ TEST(JSON, ReadsWhatItShould) {
       {"[1.5,-0.25,1e2,1E+2,25e-1,1e-400]", "[1.5,-0.25,100,100,2.5,0]"},
       {"[0.1,1.7976931348623157e308,5e-324]", "[0.1,1.7976931348623157e+308,5e-324]"},
       {"[123456789012345678901234567890123456789012345678901234567890e-59]", "[1.2345678901234567]"},
-      {"[0e99999999999999999999,1e-99999999999999999999]", "[0,0]"},
-  };
+      {"[0e99999999999999999999,1e-99999999999999999999]", "[0,0]"}};
   for (const auto& [text, expected] : rows) EXPECT_EQ(reread(text), expected) << text;
 }
 
@@ -169,8 +168,7 @@ TEST(JSON, AgreesWithAnotherReaderOnMutatedDocuments) {
   const std::vector<std::string> originals = {
       R"({"code":0,"msg":"ok","data":[137,80,78,71,13,10,26,10,0,255]})",
       R"({"alpha":[1,-2.5,3e4,true,false,null,"x\u00e9\n"],"bravo":{"c":{}},"delta":"中文 😀"})",
-      R"([[],[[]],{"k":[{"l":0.125}]},123456789012,"\ud83d\ude00"])",
-  };
+      R"([[],[[]],{"k":[{"l":0.125}]},123456789012,"\ud83d\ude00"])"};
   const std::string alphabet = "{}[]:,\"\\/ \n0123456789+-.eEutrfalsn\x01\x7F\x80\xC3\xA9\xFF";
   std::mt19937 random(20240229);
   const auto below = [&random](std::size_t bound) {

@@ -127,8 +127,7 @@ TEST(Manager, JudgesReplies) {
       {Calls::picture, R"({"code":0,"data":["-0",-0.0,"-000","+0"]})", "[" + std::string(4, '\0') + "] none"},
       {Calls::picture, R"({"code":7,"msg":"Busy","data":7})", "nothing, Busy (7)"},
       {Calls::login, R"({"code":9,"msg":"No"})", "No, No (1)"},
-      {Calls::login, R"({"code":0,"msg":"Welcome"})", "Welcome, none"},
-  };
+      {Calls::login, R"({"code":0,"msg":"Welcome"})", "Welcome, none"}};
   for (const auto& [call, reply, expected] : rows) {
     EXPECT_EQ(call(reply), expected) << reply;
     if (expected == "Welcome, none") answer("ignored");
@@ -207,8 +206,7 @@ TEST(ManagerDeathTest, MalformedRepliesStopTheProcess) {
       {Calls::login, R"({"code":0})", "requestLogin: the reply has no \"msg\""},
       {Calls::login, R"({"code":0,"msg":1})", "requestLogin: the reply's \"msg\" is not a text"},
       {Calls::login, R"({"msg":"m"})", "requestLogin: the reply has no \"code\""},
-      {Calls::login, R"({"msg":"m","code":"0"})", "requestLogin: the reply's \"code\" is not a number"},
-  };
+      {Calls::login, R"({"msg":"m","code":"0"})", "requestLogin: the reply's \"code\" is not a number"}};
   for (const auto& [call, reply, line] : rows)
     EXPECT_DEATH(std::puts(call(reply).c_str()), "^orvane: " + std::string(line) + "\n$") << reply;
   for (const char* element :

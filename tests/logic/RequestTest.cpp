@@ -46,8 +46,7 @@ TEST(Request, IsBuiltByKind) {
       {JSON_POST, "http://h/p", std::nullopt, "http://h/p", "POST", "no body"},
       {JSON_POST, "http://h/p", Parameters{}, "http://h/p", "POST", "no body"},
       {JSON_POST, "http://h/p", Parameters{{"k", Array{1, 2.5, "\"", nullptr, true}}}, "http://h/p", "POST",
-       R"({"k":[1,2.5,"\"",null,true]})"},
-  };
+       R"({"k":[1,2.5,"\"",null,true]})"}};
   NetworkTool tool;
   for (const Row& row : rows) {
     const std::optional<URLRequest> request = tool.request(row.method, row.url, row.parameters);
@@ -106,8 +105,7 @@ TEST(QueryString, EncodesValuesAndLeavesKeys) {
       {{{"a", "azAZ09"}, {"b", "-._~ &=+%/\"\x7F\x01"}},
        "a=azAZ09&b=%2D%2E%5F%7E%20%26%3D%2B%25%2F%22%7F%01"},
       {{{"k", "中a文 😀€"}}, "k=中a文%20%F0%9F%98%80%E2%82%AC"},
-      {{{"k", std::string_view("\0", 1)}}, "k=%00"},
-  };
+      {{{"k", std::string_view("\0", 1)}}, "k=%00"}};
   for (const auto& [parameters, expected] : rows) EXPECT_EQ(tool.queryString(parameters), expected);
 }
 

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <condition_variable>
+#include <atomic>
 #include <deque>
+#include <future>
 #include <mutex>
 #include <thread>
 #include <vector>
 
-#include "orvane/platform/URLSession.h"
+#include "adapters/host/HandlerQueue.h"
 
 namespace orvane::test {
 
@@ -14,10 +15,7 @@ namespace orvane::test {
 class FakeSession final : public URLSession {
  public:
   ~FakeSession() override {
-    std::unique_lock lock(mutex_);
-    closed_ = true;
-    lock.unlock();
-    changed_.notify_all();
+    queue_.close();
     thread_.join();
   }
 
@@ -28,27 +26,28 @@ class FakeSession final : public URLSession {
   }
 
   void cancelAllOperations() override {
-    std::deque<Call> dropped;
-    const std::lock_guard lock(mutex_);
-    dropped.swap(due_);
+    queue_.cancelAll();
     ++cancellations;
   }
 
   /// Lets the handler of the oldest unanswered request come with `result`, on the session's thread.
   void post(DataTaskResult result) {
+    std::vector<HandlerCall> calls;
     {
       const std::lock_guard lock(mutex_);
-      due_.push_back({std::move(held_.front()), std::move(result)});
+      calls.push_back({std::move(held_.front()), std::move(result)});
       held_.pop_front();
     }
-    changed_.notify_all();
+    queue_.post(calls);
   }
 
   /// Likewise, and waits until that handler has returned.
   void answer(DataTaskResult result) {
     post(std::move(result));
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return due_.empty() && !busy_; });
+    std::promise<void> returned;
+    std::vector<HandlerCall> calls = {{[&returned](const auto&) { returned.set_value(); }, {}}};
+    queue_.post(calls);
+    returned.get_future().wait();
   }
   void answer(std::string_view body) {
     answer(DataTaskResult{Bytes(body.begin(), body.end()), HTTPResponse{200}, nullptr});
@@ -57,39 +56,13 @@ class FakeSession final : public URLSession {
   std::thread::id threadId() const { return thread_.get_id(); }
 
   std::vector<URLRequest> requests;
-  int cancellations = 0;
+  std::atomic<int> cancellations = 0;
 
  private:
-  struct Call {
-    DataTaskHandler handler;
-    DataTaskResult result;
-  };
-
-  void run() {
-    std::unique_lock lock(mutex_);
-    for (;;) {
-      changed_.wait(lock, [this] { return closed_ || !due_.empty(); });
-      if (due_.empty()) return;
-      {
-        Call call = std::move(due_.front());
-        due_.pop_front();
-        busy_ = true;
-        lock.unlock();
-        call.handler(std::move(call.result));
-      }
-      lock.lock();
-      busy_ = false;
-      changed_.notify_all();
-    }
-  }
-
   std::mutex mutex_;
-  std::condition_variable changed_;
   std::deque<DataTaskHandler> held_;
-  std::deque<Call> due_;
-  bool busy_ = false;
-  bool closed_ = false;
-  std::thread thread_{[this] { run(); }};
+  HandlerQueue queue_;
+  std::thread thread_{[this] { queue_.run(); }};
 };
 
 }  // namespace orvane::test

@@ -3,9 +3,9 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <stdexcept>
-#include <utility>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <utility>
 
 namespace orvane::test {
 namespace {

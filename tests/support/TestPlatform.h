@@ -35,24 +35,28 @@ class ManualQueue final : public DispatchQueue {
 
 /// Readings that a test may change.
 struct TestReadings final : DeviceReadings {
-  std::string machine() const override { return machineField; }
-  std::string systemVersion() const override { return version; }
+  struct Facts {
+    std::string machine = "iPhone8,1";
+    std::string version = "9.3.1";
+    std::optional<std::string> vendor;
+    std::optional<std::string> carrier;
+    ScreenBounds bounds;
+    double scale = 2;
+    int scaleReads = 0;
+  };
+
+  std::string machine() const override { return facts.machine; }
+  std::string systemVersion() const override { return facts.version; }
   std::string model() const override { return "word"; }
-  std::optional<std::string> identifierForVendor() const override { return vendor; }
-  std::optional<std::string> carrierName() const override { return carrier; }
-  ScreenBounds screenBounds() const override { return bounds; }
+  std::optional<std::string> identifierForVendor() const override { return facts.vendor; }
+  std::optional<std::string> carrierName() const override { return facts.carrier; }
+  ScreenBounds screenBounds() const override { return facts.bounds; }
   double screenScale() const override {
-    ++scaleReads;
-    return scale;
+    ++facts.scaleReads;
+    return facts.scale;
   }
 
-  std::string machineField = "iPhone8,1";
-  std::string version = "9.3.1";
-  std::optional<std::string> vendor;
-  std::optional<std::string> carrier;
-  ScreenBounds bounds;
-  double scale = 2;
-  mutable int scaleReads = 0;
+  mutable Facts facts;
 };
 
 /// The platform that the logic's tests run on, where no adapter is linked.

@@ -1,0 +1,89 @@
+#include "tools/signin/Trace.h"
+
+#include <algorithm>
+
+#include "tools/signin/maskedBody.h"
+#include "tools/signin/printable.h"
+
+namespace signin {
+namespace {
+
+constexpr std::size_t longestShownBody = 2000;
+
+std::string_view textOf(const orvane::Bytes& bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+/// Cut between two characters.
+std::string shortened(std::string text) {
+  if (text.size() <= longestShownBody) return text;
+  std::size_t end = longestShownBody;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+  text.resize(end);
+  return text + "…";
+}
+
+std::string authority(const std::string& host, std::uint16_t port) {
+  return (host.find(':') == host.npos ? host : "[" + host + "]") + ":" + std::to_string(port);
+}
+
+std::string headerWord(const orvane::HeaderField& field, const Secrets& secrets) {
+  if (field.value.empty()) return shellWord(field.name + ";");  // curl's way to send an empty one
+  const bool isSecret = orvane::equalIgnoringCase(field.name, "XRAPI-CLIENT-ID");
+  return shellWord(field.name + ": " + (isSecret ? std::string(mask) : secrets.masked(field.value)));
+}
+
+}  // namespace
+
+std::string shellWord(std::string_view text) {
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; };
+  const bool hasControls = std::ranges::any_of(text, isControl);
+  std::string word(hasControls ? "$'" : "'");
+  for (const char c : text) {
+    if (isControl(c)) {
+      word.append(printable({&c, 1}));
+    } else if (c == '\'') {
+      word.append(hasControls ? "\\'" : "'\\''");
+    } else if (c == '\\' && hasControls) {
+      word.append("\\\\");
+    } else {
+      word.push_back(c);
+    }
+  }
+  return word + "'";
+}
+
+std::string requestLine(const orvane::URLRequest& request, const std::optional<orvane::Reroute>& reroute,
+                        const Secrets& secrets) {
+  std::string line = "curl -X " + request.method();
+  if (reroute) {
+    line.append(" --connect-to ");
+    line += shellWord(authority(reroute->host, reroute->port) + ":" +
+                      authority(reroute->toHost, reroute->toPort));
+  }
+  for (const orvane::HeaderField& field : request.headers()) {
+    line.append(" -H ").append(headerWord(field, secrets));
+  }
+  if (request.body()) {
+    line.append(" --data-raw ").append(shellWord(maskedBody(textOf(*request.body()), secrets)));
+  }
+  return line.append(" ").append(shellWord(secrets.masked(request.url())));
+}
+
+std::string replyLine(std::string_view url, const orvane::DataTaskResult& result, const Secrets& secrets) {
+  std::string line = "# " + secrets.masked(url) + ": ";
+  if (result.error) {
+    line += secrets.masked(orvane::description(*result.error));
+    for (const auto& [key, value] : result.error->userInfo) {
+      if (value.text()) line.append(", ").append(key).append(": ").append(secrets.masked(*value.text()));
+    }
+  } else {
+    const std::string_view body = textOf(*result.body);
+    line += "status " + std::to_string(result.response->statusCode) + ", " + std::to_string(body.size()) +
+            " bytes";
+    if (!body.empty()) line.append(": ").append(shortened(maskedBody(body, secrets)));
+  }
+  return printable(line);
+}
+
+}  // namespace signin

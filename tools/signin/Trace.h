@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "adapters/host/HostSession.h"
+#include "orvane/orvane.h"
+#include "tools/signin/Secrets.h"
+
+namespace signin {
+
+/// The text as one word of a shell command, on one line.
+std::string shellWord(std::string_view text);
+
+/// The request as a curl command that could be pasted, on one line.
+std::string requestLine(const orvane::URLRequest& request, const std::optional<orvane::Reroute>& reroute,
+                        const Secrets& secrets);
+
+/// What came of the request to `url`, on one line that a shell takes for a comment; a long body is cut.
+std::string replyLine(std::string_view url, const orvane::DataTaskResult& result, const Secrets& secrets);
+
+}  // namespace signin
