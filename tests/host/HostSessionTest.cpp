@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <zlib.h>
@@ -129,7 +130,7 @@ TEST(HostSession, TellsTransportFailuresFromReplies) {
       {{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n", Then::close}, "error -1005"},
       {{"garbage instead of HTTP\r\n\r\n", Then::close}, "error -1017"},
       {{"HTTP/9.9 200\r\n\r\n", Then::close}, "error -1017"}};
-  std::size_t row = 0;
+  std::atomic<std::size_t> row = 0;
   LoopbackServer server([&](const Request&) { return rows[row].first; });
   HostSession session({.maximumBodySize = 4096});
   for (; row < rows.size(); ++row)

@@ -17,12 +17,9 @@ using Then = LoopbackServer::Then;
 using Answer = LoopbackServer::Answer;
 using Request = LoopbackServer::Request;
 
-LoopbackServer::Script currentScript;
-
 /// The service, at whose place the whole test program has this server.
 LoopbackServer& service() {
-  static auto* const server =
-      new LoopbackServer([](const Request& request) { return currentScript(request); });
+  static auto* const server = new LoopbackServer;
   return *server;
 }
 
@@ -78,10 +75,10 @@ std::string recorded(const Request& request) {
 }
 
 TEST_F(ServiceCalls, AWholeSignInOnOneConnection) {
-  currentScript = [](const Request& request) {
+  service().setScript([](const Request& request) {
     const bool isPicture = request.head.find("captcha ") != request.head.npos;
     return Answer{reply(isPicture ? R"({"code":0,"data":[1]})" : R"({"code":0,"msg":"ok"})")};
-  };
+  });
   const std::size_t before = service().requests().size();
   EXPECT_TRUE(
       finish([&](auto over) { manager.requestPictureCode("139", [over](const auto&...) { over(); }); }));
@@ -119,7 +116,8 @@ TEST_F(ServiceCalls, PicturesArriveByteForByte) {
       picture.push_back(static_cast<char>(i * 31 + i / 256));
       list += (i ? "," : "") + std::to_string(static_cast<unsigned char>(picture.back()));
     }
-    currentScript = [&](const Request&) { return Answer{reply(R"({"code":0,"data":[)" + list + "]}")}; };
+    service().setScript(
+        [list](const Request&) { return Answer{reply(R"({"code":0,"data":[)" + list + "]}")}; });
     bool onMainQueue = false;
     EXPECT_TRUE(pictureOutcome(&onMainQueue) == picture) << size;
     EXPECT_TRUE(onMainQueue);
@@ -137,7 +135,7 @@ TEST_F(ServiceCalls, OutcomesComeWhereTheyShould) {
       {{reply("<html>", "", "502 Bad Gateway")}, "com.brovent.error (-1)"},
   };
   for (const auto& [answer, expected] : rows) {
-    currentScript = [&answer = answer](const Request&) { return answer; };
+    service().setScript([answer = answer](const Request&) { return answer; });
     bool onMainQueue = true;
     EXPECT_EQ(pictureOutcome(&onMainQueue), expected);
     EXPECT_EQ(onMainQueue, std::string_view(expected) == "Busy (7)");
@@ -145,7 +143,7 @@ TEST_F(ServiceCalls, OutcomesComeWhereTheyShould) {
 }
 
 TEST_F(ServiceCalls, ManyThreadsAtOnceAreAllAnswered) {
-  currentScript = [](const Request&) { return Answer{reply(R"({"code":0})")}; };
+  service().setScript([](const Request&) { return Answer{reply(R"({"code":0})")}; });
   constexpr int threads = 4;
   constexpr int calls = 50;
   int left = threads * calls;

@@ -54,6 +54,11 @@ std::vector<LoopbackServer::Request> LoopbackServer::requests() const {
   return requests_;
 }
 
+void LoopbackServer::setScript(Script script) {
+  const std::lock_guard lock(mutex_);
+  script_ = std::move(script);
+}
+
 void LoopbackServer::release(const std::string& bytes) {
   for (auto& [descriptor, connection] : connections_) {
     if (std::exchange(connection.held, false)) sendAll(descriptor, bytes);
@@ -90,12 +95,14 @@ bool LoopbackServer::serve(int descriptor, Connection& connection) {
   if (received.size() < headEnd + 4 + length) return true;
   const Request request = {head, received.substr(headEnd + 4, length), connection.number};
   received.erase(0, headEnd + 4 + length);
+  Script script;
   {
     const std::lock_guard lock(mutex_);
     requests_.push_back(request);
+    script = script_;
   }
   connection.held = true;
-  const Answer answer = script_(request);
+  const Answer answer = script(request);
   if (answer.then == Then::hold) return true;
   connection.held = false;
   sendAll(descriptor, answer.bytes);

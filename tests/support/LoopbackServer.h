@@ -30,7 +30,7 @@ class LoopbackServer {
   /// Called on the server's thread.
   using Script = std::function<Answer(const Request&)>;
 
-  explicit LoopbackServer(Script script);
+  explicit LoopbackServer(Script script = {});
   ~LoopbackServer();
 
   std::uint16_t port() const { return port_; }
@@ -38,6 +38,7 @@ class LoopbackServer {
     return "http://127.0.0.1:" + std::to_string(port_) + path;
   }
   std::vector<Request> requests() const;
+  void setScript(Script script);
 
   /// Answers all the connections that are held. Only from the script.
   void release(const std::string& bytes);
