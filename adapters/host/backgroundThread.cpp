@@ -4,15 +4,29 @@
 #include <thread>
 
 namespace orvane {
+namespace {
+
+/// While it lives, the calling thread takes no signals; a thread that it starts never does.
+class SignalsBlocked {
+ public:
+  SignalsBlocked() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before_);
+  }
+  SignalsBlocked(const SignalsBlocked&) = delete;
+  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+  ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_{};
+};
+
+}  // namespace
 
 void startBackgroundThread(std::function<void()> body) {
-  // A new thread inherits the mask of the one that starts it.
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);
+  const SignalsBlocked blocked;
   std::thread(std::move(body)).detach();
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 }  // namespace orvane

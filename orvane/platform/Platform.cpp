@@ -24,7 +24,7 @@ bool putInUse(Platform candidate) {
   auto completed = std::make_unique<const Platform>(std::move(candidate));
   const Platform* none = nullptr;
   if (!platformInUse.compare_exchange_strong(none, completed.get())) return false;
-  completed.release();
+  static_cast<void>(completed.release());  // For ever.
   return true;
 }
 
