@@ -156,8 +156,8 @@ TEST(HostSession, FollowsRedirects) {
     const int left = std::atoi(target.c_str() + 1);
     if (left == 0) return Answer{reply(request.head.substr(0, request.head.find(' ')) + " " + request.body)};
     const std::string status = target.substr(target.find('?') + 1, 3);
-    const std::string next = "/" + std::to_string(left - 1) + "?" + status;
-    return Answer{reply("moved", "Location: " + next + "\r\n", status + " Moved")};
+    const std::string next = std::to_string(left - 1) + "?" + status;
+    return Answer{reply("moved", "Location: /" + next + "\r\n", status + " Moved")};
   });
   HostSession session;
   EXPECT_EQ(perform(session, post(server.url("/1?302"), "body")), "GET ");

@@ -114,7 +114,8 @@ TEST_F(ServiceCalls, PicturesArriveByteForByte) {
     std::string list;
     for (std::size_t i = 0; i < size; ++i) {
       picture.push_back(static_cast<char>(i * 31 + i / 256));
-      list += (i ? "," : "") + std::to_string(static_cast<unsigned char>(picture.back()));
+      if (i > 0) list += ',';
+      list += std::to_string(static_cast<unsigned char>(picture.back()));
     }
     service().setScript(
         [list](const Request&) { return Answer{reply(R"({"code":0,"data":[)" + list + "]}")}; });

@@ -189,7 +189,7 @@ TEST(JSON, AgreesWithAnotherReaderOnMutatedDocuments) {
         default:
           text.insert(at, 1, alphabet[below(alphabet.size())]);
       }
-      if (text.empty()) text = "[";
+      if (text.empty()) break;
     }
     const std::string ours = reread(text);
     const nlohmann::json expected = readByOther(text);

@@ -1,23 +1,19 @@
 #include "tools/devservice/Server.h"
 
-#include <arpa/inet.h>
-#include <array>
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
-#include <cstdio>
-#include <cstring>
 #include <httplib.h>
 #include <map>
 #include <mutex>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <poll.h>
 #include <stdexcept>
 #include <string>
 #include <sys/socket.h>
 #include <thread>
 #include <unistd.h>
 #include <utility>
+
+#include "tools/devservice/Connection.h"
 
 namespace devservice {
 namespace {
@@ -43,116 +39,29 @@ std::string escaped(std::string_view text) {
   return result;
 }
 
-/// One connection: reads ahead, and holds back what is written until the reply is complete, so that a reply
-/// leaves in one piece, or spoiled as its fault says.
-class Connection : public httplib::Stream {
- public:
-  explicit Connection(int descriptor) : descriptor_(descriptor) {}
-  Connection(const Connection&) = delete;
-  Connection& operator=(const Connection&) = delete;
-  ~Connection() override { close(descriptor_); }
+using Fields = decltype(Request::headers);
 
-  /// The fault of the reply that is being written.
-  void setFault(TransportFault fault) { fault_ = fault; }
-  TransportFault fault() const { return fault_; }
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view blanks = " \t\r";
+  text = text.substr(0, text.find_last_not_of(blanks) + 1);
+  return text.substr(std::min(text.find_first_not_of(blanks), text.size()));
+}
 
-  /// Takes no request after the reply that is being written.
-  void makeLast() { last_ = true; }
-
-  /// Waits for the next request; false when none comes in time.
-  bool awaitRequest() {
-    pollfd waiting{descriptor_, POLLIN, 0};
-    return position_ < input_.size() ||
-           poll(&waiting, 1, int(std::chrono::milliseconds(idleTimeout).count())) > 0;
+/// The fields as they came: the library drops those without a value and decodes percent signs in the others.
+Fields fieldsOf(std::string_view head) {
+  Fields fields;
+  head.remove_prefix(head.find('\n') + 1);  // the request line
+  for (std::size_t end = head.find('\n'); end != head.npos; end = head.find('\n')) {
+    const std::string_view line = head.substr(0, end);
+    const std::size_t colon = line.find(':');
+    if (colon != line.npos) fields.emplace_back(line.substr(0, colon), trimmed(line.substr(colon + 1)));
+    head.remove_prefix(end + 1);
   }
+  return fields;
+}
 
-  /// Sends what was written, or does what the fault asks for; false when the connection is of no more use.
-  bool finishReply() {
-    switch (std::exchange(fault_, TransportFault::none)) {
-      case TransportFault::none:
-      case TransportFault::delay:
-        return flush() && !last_;
-      case TransportFault::drop:
-        break;
-      case TransportFault::cut: {
-        const std::size_t bodyStart = output_.find("\r\n\r\n") + 4;
-        output_.resize(bodyStart + (output_.size() - bodyStart) / 2);
-        flush();
-        break;
-      }
-      case TransportFault::reset: {
-        const linger discard{1, 0};
-        setsockopt(descriptor_, SOL_SOCKET, SO_LINGER, &discard, sizeof discard);
-        break;
-      }
-    }
-    return false;
-  }
-
-  /// Makes every read and write, under way or to come, end at once. The only member to be called from another
-  /// thread.
-  void abort() { shutdown(descriptor_, SHUT_RDWR); }
-
-  bool is_readable() const override { return true; }
-  bool is_writable() const override { return true; }
-  socket_t socket() const override { return descriptor_; }
-
-  ssize_t read(char* data, std::size_t size) override {
-    if (position_ == input_.size()) {
-      if (!flush()) return -1;  // the peer may wait for an interim reply
-      input_.resize(16384);
-      const ssize_t count = recv(descriptor_, input_.data(), input_.size(), 0);
-      input_.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-      position_ = 0;
-      if (count <= 0) return count;
-    }
-    const std::size_t count = input_.copy(data, size, position_);
-    position_ += count;
-    return static_cast<ssize_t>(count);
-  }
-
-  ssize_t write(const char* data, std::size_t size) override {
-    output_.append(data, size);
-    return static_cast<ssize_t>(size);
-  }
-
-  void get_remote_ip_and_port(std::string& ip, int& port) const override {
-    sockaddr_in address{};
-    socklen_t size = sizeof address;
-    if (getpeername(descriptor_, reinterpret_cast<sockaddr*>(&address), &size) != 0) return;
-    std::array<char, INET_ADDRSTRLEN> text{};
-    inet_ntop(AF_INET, &address.sin_addr, text.data(), text.size());
-    ip = text.data();
-    port = ntohs(address.sin_port);
-  }
-  void get_local_ip_and_port(std::string&, int&) const override {}  // nobody asks
-
- private:
-  bool flush() {
-    std::string_view rest = output_;
-    while (!rest.empty()) {
-      const ssize_t count = send(descriptor_, rest.data(), rest.size(), MSG_NOSIGNAL);
-      if (count <= 0) return false;
-      rest.remove_prefix(static_cast<std::size_t>(count));
-    }
-    output_.clear();
-    return true;
-  }
-
-  const int descriptor_;
-  std::string input_;
-  std::size_t position_ = 0;  // of the first byte of the input not yet read
-  std::string output_;
-  TransportFault fault_ = TransportFault::none;
-  bool last_ = false;
-};
-
-Request requestFrom(const httplib::Request& received) {
-  return {received.method,
-          received.path,
-          {received.headers.begin(), received.headers.end()},
-          received.body,
-          received.remote_addr};
+Request requestFrom(const httplib::Request& received, std::string_view head) {
+  return {received.method, received.path, fieldsOf(head), received.body, received.remote_addr};
 }
 
 }  // namespace
@@ -204,8 +113,8 @@ class Server::Implementation : private httplib::Server {
     // The library's routes are regular expressions, and to match one recurses over the path. So there are
     // none: the service answers what the library has no route for.
     set_error_handler([this](const httplib::Request& received, httplib::Response& response) {
-      const Reply reply =
-          response.status == 404 ? service_.answer(requestFrom(received)) : refuse(response.status);
+      const Reply reply = response.status == 404 ? service_.answer(requestFrom(received, current().head()))
+                                                 : refuse(response.status);
       response.status = reply.status;
       response.set_content(reply.body, reply.contentType);
       current().setFault(reply.fault);
@@ -231,7 +140,7 @@ class Server::Implementation : private httplib::Server {
   bool process_and_close_socket(socket_t socket) override {
     Connection connection(socket);
     if (!enter(connection)) return false;
-    while (connection.awaitRequest()) {
+    while (connection.awaitRequest(idleTimeout)) {
       bool closing = false;
       if (!process_request(connection, false, closing, nullptr)) break;
       if (connection.fault() == TransportFault::delay) pause();

@@ -55,11 +55,15 @@ unsigned indexedColour(const Colour& colour) {
 }
 
 std::string colourCode(unsigned target, const Colour& colour, Palette palette) {
-  std::string code = "\x1b[" + std::to_string(target);
-  if (palette == Palette::indexed) return code + ";5;" + std::to_string(indexedColour(colour)) + "m";
-  code += ";2";
-  for (const unsigned sample : colour) code += ";" + std::to_string(sample);
-  return code + "m";
+  std::string code("\x1b[");
+  code.append(std::to_string(target));
+  if (palette == Palette::indexed) {
+    code.append(";5;").append(std::to_string(indexedColour(colour)));
+  } else {
+    code.append(";2");
+    for (const unsigned sample : colour) code.append(";").append(std::to_string(sample));
+  }
+  return code.append("m");
 }
 
 char shade(const Colour& upper, const Colour& lower) {

@@ -29,9 +29,7 @@ struct EmbeddedService {
 };
 
 orvane::Reroute rerouteTo(const Address& address) {
-  std::string_view host = orvane::serviceBaseURL();
-  host.remove_prefix(std::string_view("http://").size());
-  return {.host = std::string(host), .toHost = address.host, .toPort = address.port};
+  return {.host = std::string(orvane::serviceHost()), .toHost = address.host, .toPort = address.port};
 }
 
 void writeLine(std::string line) {

@@ -27,7 +27,7 @@ void maskValue(Json& value, const Secrets& secrets) {
   } else if (value.is_array()) {
     const bool isLong = value.size() > longestShownArray;
     if (isLong && std::ranges::all_of(value, [](const Json& element) { return element.is_number(); })) {
-      value = "<" + std::to_string(value.size()) + " bytes>";
+      value = std::string("<").append(std::to_string(value.size())).append(" bytes>");
     } else {
       for (Json& element : value) maskValue(element, secrets);
     }

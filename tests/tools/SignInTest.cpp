@@ -1,0 +1,288 @@
+#include <algorithm>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <pty.h>
+#include <span>
+#include <string>
+#include <string_view>
+#include <sys/wait.h>
+#include <tuple>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#include "tests/support/LoopbackServer.h"
+#include "tools/devservice/IdentityService.h"
+#include "tools/devservice/Server.h"
+#include "tools/signin/Options.h"
+#include "tools/signin/PictureView.h"
+#include "tools/signin/Secrets.h"
+#include "tools/signin/Trace.h"
+#include "tools/signin/maskedBody.h"
+
+namespace signin {
+namespace {
+
+using orvane::test::LoopbackServer;
+
+/// Who answers and the values that were understood, or why nothing was.
+std::string outcomeOf(const std::vector<const char*>& arguments, bool hasTerminal) try {
+  const Options options = parseOptions(arguments);
+  constexpr const char* answerers[] = {"person", "service", "nobody"};
+  std::string line = answerers[static_cast<int>(chooseAnswerer(options, hasTerminal))];
+  for (const auto& text : {options.mobile, options.clientId, options.captcha, options.code}) {
+    line += text ? " <" + *text + ">" : " -";
+  }
+  if (options.connect) line += " " + options.connect->host + "|" + std::to_string(options.connect->port);
+  return line;
+} catch (const UsageError& error) {
+  return error.what();
+}
+
+TEST(SignInOptions, AreUnderstoodOrRefused) {
+  const std::string wrongAddress = "--connect: HOST:PORT or [IPV6]:PORT wanted, with a port from 1 to 65535";
+  const std::tuple<std::vector<const char*>, bool, std::string> cases[] = {
+      {{}, false, "service - - - -"},
+      {{"--live"}, false, "--mobile: missing, and there is nobody to ask"},
+      {{"--live", "--mobile=1", "--captcha=2", "--code=3"}, false, "nobody <1> - <2> <3>"},
+      {{"--client-id=", "--code=", "--mobile==--="}, true, "person <=--=> <> - <>"},
+      {{"--connect", "localhost:65535"}, true, "person - - - - localhost|65535"},
+      {{"--connect=[::1]:8080"}, true, "person - - - - ::1|8080"},
+      {{"--connect=localhost:0"}, true, wrongAddress},
+      {{"--connect=::1:80"}, true, wrongAddress},
+      {{"--connect=a:1", "--live"}, true, "--live: contradicts --connect"},
+      {{"--auto=yes"}, true, "--auto: takes no value"},
+      {{"--mobile"}, true, "--mobile: a value is missing"},
+      {{"+4477"}, true, "+4477: no such option"},
+  };
+  for (const auto& [words, terminal, outcome] : cases) EXPECT_EQ(outcomeOf(words, terminal), outcome);
+}
+
+TEST(SignInTrace, MasksBodies) {
+  Secrets secrets;
+  for (const char* secret : {"", "7", "+447700900123", "k9XF", "4477009"}) secrets.add(secret);
+  const std::string deep = std::string(200'000, '[') + "\"k9XF\"" + std::string(200'000, ']');
+  const std::pair<std::string, std::string> cases[] = {
+      {R"({"mobile":[{"a":1}],"captcha":"","verificationCode":12})",
+       R"({"mobile":"***","captcha":"***","verificationCode":"***"})"},
+      {R"({"msg":"7, 447700900123, K9xf, 4477009","code":7})", R"({"msg":"7, ***, ***, ***","code":7})"},
+      {R"({"a":[{"\u002b447700900123":[447700900123,"\u006b9XF"]}]})", R"({"a":[{"+***":["***","***"]}]})"},
+      {R"({"data":[1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17]})", R"({"data":"<17 bytes>"})"},
+      {"{\"msg\":\"\xff k9xf\"}", "{\"msg\":\"\xff ***\"}"},
+      {deep, std::string(33, '[') + std::string(33, ']')},
+  };
+  for (const auto& [body, masked] : cases) EXPECT_EQ(maskedBody(body, secrets), masked);
+}
+
+TEST(SignInTrace, WritesLinesThatCanBePasted) {
+  const std::pair<std::string, std::string> words[] = {
+      {"a $b `c` \"d\" \\", "'a $b `c` \"d\" \\'"},
+      {"it's", "'it'\\''s'"},
+      {"two\nlines, one's \\", "$'two\\x0alines, one\\'s \\\\'"},
+  };
+  for (const auto& [text, word] : words) EXPECT_EQ(shellWord(text), word);
+
+  Secrets secrets;
+  secrets.add("s3cret");
+  const std::string body = R"({"mobile":"+4477","msg":"s3cret isn't ö"})";
+  orvane::URLRequest request("http://example.test/a?b=s3cret");
+  request.setMethod("POST");
+  request.addValue("4", "xrapi-client-id");
+  request.addValue("", "X-Empty");
+  request.setBody({body.begin(), body.end()});
+  const orvane::Reroute reroute{.host = "example.test", .toHost = "::1", .toPort = 8080};
+  EXPECT_EQ(requestLine(request, reroute, secrets),
+            "curl -X POST --connect-to 'example.test:80:[::1]:8080' -H 'xrapi-client-id: ***' -H 'X-Empty;'"
+            R"( --data-raw '{"mobile":"***","msg":"*** isn'\''t ö"}')"
+            " 'http://example.test/a?b=***'");
+
+  const std::string hostile = "\x1b[2J\ns3cret \xc2\x9b";
+  const orvane::DataTaskResult reply{orvane::Bytes(hostile.begin(), hostile.end()), {{500}}, nullptr};
+  EXPECT_EQ(replyLine("http://a/s3cret", reply, secrets),
+            "# http://a/***: status 500, 14 bytes: \\x1b[2J\\x0a*** \\xc2\x9b");
+}
+
+/// Red and green over blue and white.
+const std::uint8_t fourPixels[] = {
+    0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a, 0x00, 0x00, 0x00, 0x0d, 0x49, 0x48, 0x44,
+    0x52, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x02, 0x08, 0x02, 0x00, 0x00, 0x00, 0xfd,
+    0xd4, 0x9a, 0x73, 0x00, 0x00, 0x00, 0x12, 0x49, 0x44, 0x41, 0x54, 0x78, 0xda, 0x63, 0xf8,
+    0xcf, 0xc0, 0xc0, 0x00, 0xc2, 0x0c, 0xff, 0x81, 0x00, 0x00, 0x1f, 0xee, 0x05, 0xfb, 0xf1,
+    0xab, 0xba, 0x77, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45, 0x4e, 0x44, 0xae, 0x42, 0x60, 0x82};
+
+TEST(SignInPicture, IsDrawnToFitUnlessDamaged) {
+  const std::tuple<std::size_t, Palette, std::string> cases[] = {
+      {2, Palette::indexed, "\x1b[38;5;196m\x1b[48;5;21m▀\x1b[38;5;46m\x1b[48;5;231m▀\x1b[0m\n"},
+      {1, Palette::direct, "\x1b[38;2;127;127;0m\x1b[48;2;127;127;255m▀\x1b[0m\n"},
+      {80, Palette::characters, "%.\n"},
+  };
+  for (const auto& [width, palette, view] : cases) EXPECT_EQ(viewPicture(fourPixels, width, palette), view);
+  EXPECT_FALSE(viewPicture(std::vector<std::uint8_t>(1000, 0x2A), 80, Palette::direct));
+  for (std::size_t size = 0; size < std::size(fourPixels) - 16; ++size) {
+    EXPECT_FALSE(viewPicture(std::span(fourPixels).first(size), 80, Palette::direct)) << size;
+  }
+}
+
+/// How the program ended: its exit status, or the signal as a negative number; and what it wrote.
+struct Ending {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+int endOf(int status) {
+  return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+/// Where this test may write.
+std::string path(const std::string& name) {
+  return testing::TempDir() + "signin-" + std::to_string(getpid()) + "-" + name;
+}
+
+std::string take(const std::string& name) {
+  std::ifstream file(path(name), std::ios::binary);
+  unlink(path(name).c_str());
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Runs the program with nobody at its standard input.
+Ending run(const std::string& arguments) {
+  const std::string files = " </dev/null >" + path("out") + " 2>" + path("err");
+  const int status = std::system(("exec '" SIGNIN_PROGRAM "' " + arguments + files).c_str());
+  return {endOf(status), take("out"), take("err")};
+}
+
+/// The program at a terminal of 40 columns.
+class Conversation {
+ public:
+  explicit Conversation(const std::string& argument) {
+    const winsize size{.ws_row = 24, .ws_col = 40, .ws_xpixel = 0, .ws_ypixel = 0};
+    child_ = forkpty(&terminal_, nullptr, nullptr, &size);
+    if (child_ == 0) _exit(execl(SIGNIN_PROGRAM, SIGNIN_PROGRAM, argument.c_str(), nullptr));
+  }
+  ~Conversation() { close(terminal_); }
+
+  /// Reads until the text comes; what came before it. Fails when the program ends without it.
+  std::string hear(std::string_view text) {
+    char buffer[4096];
+    ssize_t count = 0;
+    while (heard_.find(text) == heard_.npos && (count = read(terminal_, buffer, sizeof buffer)) > 0) {
+      heard_.append(buffer, static_cast<std::size_t>(count));
+    }
+    const std::string before = heard_.substr(0, heard_.find(text));
+    EXPECT_LT(before.size(), heard_.size()) << "waited for \"" << text << "\" and heard " << before;
+    heard_.erase(0, before.size() + text.size());
+    return before;
+  }
+
+  void say(const std::string& text) {
+    EXPECT_EQ(write(terminal_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  }
+
+  int status() {
+    int status = 0;
+    waitpid(child_, &status, 0);
+    return endOf(status);
+  }
+
+ private:
+  int terminal_ = -1;
+  pid_t child_ = -1;
+  std::string heard_;
+};
+
+std::string connectTo(std::uint16_t port) {
+  return "--connect=127.0.0.1:" + std::to_string(port);
+}
+
+TEST(SignInProgram, SignsInUnattended) {
+  const Ending ending = run("--auto --mobile=+447700900987 --client-id=cl1ent --trace");
+  EXPECT_EQ(ending.status, 0) << ending.err;
+  const auto answerTo = [&](std::string_view question) {
+    const std::size_t start = ending.out.find(question) + question.size();
+    return ending.out.substr(start, ending.out.find('\n', start) - start);
+  };
+  const std::string captcha = answerTo("What does the picture say? ");
+  const std::string code = answerTo("Code in the text message: ");
+  EXPECT_NE(ending.out.find("  │ Orvane: your sign-in code is " + code + ". │\n"), std::string::npos);
+  EXPECT_TRUE(ending.out.ends_with("\nSigned in. The service says: welcome\n")) << ending.out;
+  for (const std::string& secret : {std::string("447700900987"), std::string("cl1ent"), captcha, code}) {
+    EXPECT_EQ(ending.err.find(secret), std::string::npos) << secret << " in " << ending.err;
+  }
+  EXPECT_EQ(std::ranges::count(ending.err, '\n'), 8) << ending.err;  // four requests and their replies
+}
+
+TEST(SignInProgram, TalksWithAPerson) {
+  const std::string mobile = "+447700900123";
+  devservice::IdentityService service;
+  const devservice::Server server(service);
+  Conversation talk(connectTo(server.port()));
+  talk.hear("Mobile number: ");
+  talk.say("\n" + mobile + "\n");  // an empty line is no answer
+  const std::string before = talk.hear("What does the picture say? ");
+  // Two lines of input, and the lines of the picture: 160 times 60 pixels in 40 columns.
+  EXPECT_EQ(std::ranges::count(before, '\n'), 2 + 8) << before;
+  talk.say(service.inspect(mobile)->picture.value() + "\n");
+  talk.hear("Code in the text message: ");
+  talk.say(service.inspect(mobile)->code.value() + "\n");
+  talk.hear("Signed in. The service says: welcome\r\n");
+  EXPECT_EQ(talk.status(), 0);
+
+  Conversation silent("--trace");
+  silent.say("\x04");  // the end of the input
+  silent.hear("\norvane-signin: --mobile: missing, and the input has ended\r\n");
+  EXPECT_EQ(silent.status(), 2);
+}
+
+TEST(SignInProgram, MakesSingleCallsWithTheClientIdentifierGiven) {
+  const std::string mobile = "+99900000401";  // the submission is answered late, and waited for
+  devservice::IdentityService service;
+  const devservice::Server server(service);
+  const auto known = [&] { return service.inspect(mobile).value(); };
+  const auto traceOf = [&](const std::string& arguments) {
+    return run(connectTo(server.port()) + " --trace --mobile " + mobile + " --only=" + arguments).err;
+  };
+  traceOf("picture");
+  EXPECT_EQ(known().clientId, std::nullopt);
+  traceOf("code --client-id= --captcha " + known().picture.value());
+  EXPECT_EQ(known().clientId, "");
+  const std::string trace = traceOf("login --client-id 'an app' --code " + known().code.value());
+  EXPECT_EQ(known().clientId, "an app");
+  EXPECT_NE(trace.find("submitMobileInformation: status 200"), trace.npos) << trace;
+}
+
+TEST(SignInProgram, ReportsHowItEnded) {
+  const std::string nobodyThere = connectTo(LoopbackServer(nullptr).port()) + " --mobile=1 --only=picture";
+  const std::tuple<std::string, int, std::string> cases[] = {
+      {"--mobile=\xff", 2, "orvane-signin: --mobile: not UTF-8\n"},
+      {"--picture=/a/b", 2, "orvane-signin: --picture: cannot write /a/b: No such file or directory\n"},
+      {"--auto --captcha=no", 1, "orvane-signin: requestCode: that is not the picture's text (2002)\n"},
+      {"--mobile=+99900000302", -SIGABRT, "orvane: requestLogin: there is no reply\n"},
+      {"--mobile=+99900000310", -SIGABRT, "orvane: requestLogin: the reply has no \"msg\"\n"},
+      {"--mobile=+99900000105", 1, "orvane-signin: requestPictureCode: com.brovent.error (-1)\n  error: 反"},
+      {nobodyThere, 1, "orvane-signin: requestPictureCode: NSURLErrorDomain (-1004)\n  NS"},
+  };
+  for (const auto& [arguments, status, complaint] : cases) {
+    const Ending ending = run(arguments);
+    EXPECT_EQ(ending.status, status) << ending.err;
+    EXPECT_TRUE(ending.err.starts_with(complaint)) << ending.err;
+  }
+}
+
+TEST(SignInProgram, ShowsOrSavesWhatCameAsPicture) {
+  const std::string body = R"({"code":0,"msg":"","data":[0,10,13,26,255]})";
+  const LoopbackServer server([&](const auto&) { return LoopbackServer::Answer{orvane::test::reply(body)}; });
+  const std::string arguments = connectTo(server.port()) + " --only=picture --mobile=1";
+  const std::string undrawable = "What came as picture, 5 bytes, is nothing that can be drawn.\n";
+  EXPECT_EQ(run(arguments).out, undrawable);
+  EXPECT_EQ(run(arguments + " --picture " + path("png")).out,
+            "The picture, 5 bytes, is in " + path("png") + ".\n" + undrawable);
+  EXPECT_EQ(take("png"), std::string("\0\n\r\x1a\xff", 5));
+}
+
+}  // namespace
+}  // namespace signin
