@@ -40,6 +40,9 @@ class TransferEngine;
 /// session's own, which start with the first task: one for the transfers, one for the handlers. Cookies and
 /// kept-alive connections live as long as the session, nothing is stored.
 ///
+/// A compressed body is handed over as far as its stream goes: a stream without its end is not noticed. Host names beyond
+/// ASCII need a UTF-8 locale. Starting a task throws std::system_error where the system has no thread to give.
+///
 /// A status is never an error. Errors have the domain "NSURLErrorDomain" and the codes known from there, with
 /// a description under "NSLocalizedDescription" and the URL under "NSErrorFailingURLStringKey".
 class ORVANE_API HostSession final : public URLSession {

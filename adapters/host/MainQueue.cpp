@@ -1,5 +1,6 @@
 #include "adapters/host/MainQueue.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace orvane {
@@ -17,7 +18,9 @@ void MainQueue::run() {
 }
 
 bool MainQueue::run(std::chrono::milliseconds limit) {
-  const auto end = std::chrono::steady_clock::now() + limit;
+  constexpr std::chrono::milliseconds longest = std::chrono::years(10);
+  const auto end =
+      std::chrono::steady_clock::now() + std::clamp(limit, std::chrono::milliseconds(0), longest);
   return runUntil(&end);
 }
 
@@ -25,7 +28,7 @@ bool MainQueue::run(std::chrono::milliseconds limit) {
 bool MainQueue::runUntil(const std::chrono::steady_clock::time_point* limit) {
   const auto isDue = [this] { return stopped_ || !tasks_.empty(); };
   std::unique_lock lock(mutex_);
-  for (;;) {
+  do {
     if (!limit) {
       changed_.wait(lock, isDue);
     } else if (!changed_.wait_until(lock, *limit, isDue)) {
@@ -39,7 +42,8 @@ bool MainQueue::runUntil(const std::chrono::steady_clock::time_point* limit) {
       task();
     }
     lock.lock();
-  }
+  } while (!limit || std::chrono::steady_clock::now() < *limit);
+  return std::exchange(stopped_, false);
 }
 
 std::size_t MainQueue::runPending() {

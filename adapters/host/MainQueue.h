@@ -20,7 +20,7 @@ class ORVANE_API MainQueue final : public DispatchQueue {
 
   /// Runs tasks as they come, until stop() is called. A stop() that came before counts.
   void run();
-  /// Likewise, for at most `limit`. Whether stop() was called.
+  /// Likewise, for about `limit`: no task begins later, but the first that is due. Whether stop() was called.
   bool run(std::chrono::milliseconds limit);
 
   /// Runs the tasks that wait now, and returns how many there were.

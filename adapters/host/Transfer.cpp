@@ -56,8 +56,9 @@ Transfer::Transfer(const TransferSettings& settings)
   set(CURLOPT_CONNECT_TO, settings.reroutes.get());
   set(CURLOPT_PROXY, configuration.proxy.c_str());
   set(CURLOPT_NOPROXY, "");
-  // Time-outs are this adapter's own, to the millisecond and across redirects.
-  set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(std::numeric_limits<int>::max()));
+  // Time-outs are the engine's, across redirects. By this one curl divides the time among a host's addresses.
+  set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(std::min<std::chrono::milliseconds::rep>(
+                                     configuration.idleTimeout.count(), std::numeric_limits<int>::max())));
   set(CURLOPT_ERRORBUFFER, errorText_.data());
   set(CURLOPT_PRIVATE, this);
 
@@ -110,7 +111,8 @@ void Transfer::prepare(DataTask task, const Clock::time_point& now) {
 void Transfer::setMethodAndBody() {
   const std::string& method = task_.request.method();
   const std::optional<Bytes>& body = task_.request.body();
-  if (body || method == "POST") {
+  const bool isHead = method == "HEAD";
+  if ((body && !isHead) || method == "POST") {
     static constexpr char nothing[] = "";
     const bool isEmpty = !body || body->empty();
     curl_easy_setopt(handle(), CURLOPT_POST, 1L);
@@ -120,9 +122,9 @@ void Transfer::setMethodAndBody() {
                      isEmpty ? static_cast<const void*>(nothing) : body->data());
   } else {
     curl_easy_setopt(handle(), CURLOPT_HTTPGET, 1L);
-    if (method == "HEAD") curl_easy_setopt(handle(), CURLOPT_NOBODY, 1L);
+    if (isHead) curl_easy_setopt(handle(), CURLOPT_NOBODY, 1L);
   }
-  const bool isImplied = method == (body ? "POST" : "GET") || method == "POST" || method == "HEAD";
+  const bool isImplied = method == "POST" || isHead || (method == "GET" && !body);
   curl_easy_setopt(handle(), CURLOPT_CUSTOMREQUEST, isImplied ? nullptr : method.c_str());
 }
 
@@ -136,7 +138,8 @@ void Transfer::setHeaders() {
   curl_easy_setopt(handle(), CURLOPT_HTTPHEADER, headers_.get());
 }
 
-std::size_t Transfer::take(const char* bytes, std::size_t size) {
+/// Called from curl's own frames, which no exception may pass.
+std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {
   lastActivity_ = *now_;
   if (size > settings_.configuration.maximumBodySize - body_.size()) {
     isTooLarge_ = true;
@@ -151,6 +154,9 @@ std::size_t Transfer::take(const char* bytes, std::size_t size) {
   }
   body_.insert(body_.end(), bytes, bytes + size);
   return size;
+} catch (const std::bad_alloc&) {
+  isTooLarge_ = true;
+  return CURL_WRITEFUNC_ERROR;
 }
 
 void Transfer::noteProgress(curl_off_t bytes) noexcept {
@@ -160,7 +166,7 @@ void Transfer::noteProgress(curl_off_t bytes) noexcept {
 }
 
 Clock::time_point Transfer::end() const noexcept {
-  return std::min(lastActivity_ + settings_.configuration.idleTimeout, task_.end);
+  return std::min(lastActivity_ + settings_.configuration.idleTimeout, task_.deadline);
 }
 
 DataTaskResult Transfer::finish(CURLcode result) {

@@ -17,7 +17,7 @@ using Clock = std::chrono::steady_clock;
 struct DataTask {
   URLRequest request;
   DataTaskHandler handler;
-  Clock::time_point end;  ///< When it is over, whatever its state.
+  Clock::time_point deadline;  ///< When it is over, whatever its state.
   int redirects = 0;
 };
 
@@ -42,7 +42,7 @@ class Transfer {
   /// Prepares the handle for `task`. `now` is the clock by which activity is dated; it outlives the transfer.
   void prepare(DataTask task, const Clock::time_point& now);
 
-  /// When the transfer has to be given up, unless a byte comes or goes before.
+  /// When the transfer has to be given up, unless a byte of a body or a whole header line comes or goes before.
   Clock::time_point end() const noexcept;
 
   /// What the exchange came to, when curl has said `result`. Takes the body.
@@ -59,7 +59,7 @@ class Transfer {
 
   void setMethodAndBody();
   void setHeaders();
-  std::size_t take(const char* bytes, std::size_t size);
+  std::size_t take(const char* bytes, std::size_t size) noexcept;
   void noteProgress(curl_off_t bytes) noexcept;
 
   const TransferSettings& settings_;

@@ -1,7 +1,11 @@
 #include "adapters/host/TransferEngine.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <iterator>
 #include <new>
+#include <shared_mutex>
+#include <utility>
 
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
@@ -11,8 +15,20 @@
 namespace orvane {
 namespace {
 
+/// Held shared by whoever is inside curl. Once the process ends it is held for good, so that no transfer is under way
+/// while the libraries beneath curl clean up.
+std::shared_mutex& exitGate() {
+  static auto* const gate = new std::shared_mutex;
+  return *gate;
+}
+
 void initialiseCurl() {
-  static const CURLcode result = curl_global_init(CURL_GLOBAL_DEFAULT);
+  static const CURLcode result = [] {
+    const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
+    std::atexit(
+        [] { exitGate().lock(); });  // Registered after those libraries' own clean-up, and so run before.
+    return initialised;
+  }();
   if (result != CURLE_OK) throw std::bad_alloc();
 }
 
@@ -63,14 +79,28 @@ TransferEngine::TransferEngine(HostSessionConfiguration configuration)
   settings_.reroutes = makeReroutes(settings_.configuration.reroutes);
 }
 
+TransferEngine::~TransferEngine() {
+  const std::shared_lock cleaning(exitGate(), std::try_to_lock);
+  if (cleaning) {
+    idle_.clear();
+    multi_.reset();
+    cookies_.reset();
+    return;
+  }
+  // The process ends, and takes all this with it.
+  for (std::unique_ptr<Transfer>& transfer : idle_) static_cast<void>(transfer.release());
+  static_cast<void>(multi_.release());
+  static_cast<void>(cookies_.release());
+}
+
 void TransferEngine::start(URLRequest request, DataTaskHandler handler) {
   bool isFirst = false;
   {
     const std::lock_guard lock(mutex_);
+    if (!transfersRun_) startThreads();
     isFirst = inbox_.empty();
     inbox_.push_back(
         {std::move(request), std::move(handler), Clock::now() + settings_.configuration.totalTimeout});
-    if (!std::exchange(started_, true)) startThreads();
   }
   if (isFirst) curl_multi_wakeup(multi_.get());
 }
@@ -79,27 +109,35 @@ void TransferEngine::close() {
   {
     const std::lock_guard lock(mutex_);
     closed_ = true;
+    if (!transfersRun_) handlers_->close();
   }
   curl_multi_wakeup(multi_.get());
 }
 
+/// Where the second cannot start, the next task tries it again.
 void TransferEngine::startThreads() {
-  startBackgroundThread([handlers = handlers_] { handlers->run(); });
+  if (!handlersRun_) startBackgroundThread([handlers = handlers_] { handlers->run(); });
+  handlersRun_ = true;
   startBackgroundThread([engine = shared_from_this()] { engine->run(); });
+  transfersRun_ = true;
 }
 
 void TransferEngine::run() {
   for (;;) {
     now_ = Clock::now();
     if (!takeInbox()) break;
-    admitWaiting();
-    int running = 0;
-    curl_multi_perform(multi_.get(), &running);
-    const bool finishedSome = collectFinished();
-    const bool gaveUpSome = giveUpOverdue();
+    {
+      const std::shared_lock running(exitGate());
+      admitWaiting();
+      int transfers = 0;
+      curl_multi_perform(multi_.get(), &transfers);
+      collectFinished();
+      giveUpOverdue();
+    }
+    // Whatever is over has made room for what waits, and may have been the last.
+    const bool isAnyOver = std::exchange(redirectedAny_, false) || !due_.empty();
     handlers_->post(due_);
-    // Whatever has gone has made room for what waits.
-    if (!finishedSome && !gaveUpSome) curl_multi_poll(multi_.get(), nullptr, 0, untilNextEnd(), nullptr);
+    if (!isAnyOver) curl_multi_poll(multi_.get(), nullptr, 0, untilNextEnd(), nullptr);
   }
   handlers_->close();
 }
@@ -112,18 +150,19 @@ bool TransferEngine::takeInbox() {
     arrived.swap(inbox_);
     if (closed_ && arrived.empty() && destinations_.empty()) return false;
   }
-  for (DataTask& task : arrived) enqueue(std::move(task));
+  for (DataTask& task : arrived) enqueue(std::move(task), Place::back);
   return true;
 }
 
-void TransferEngine::enqueue(DataTask task) {
+void TransferEngine::enqueue(DataTask task, Place place) {
   const URLParts parts = splitURL(task.request.url());
   if (!isSupportedScheme(parts.scheme)) {
     fail(std::move(task), SessionErrorCode::unsupportedURL, "The URL's scheme is not supported");
   } else if (parts.host.empty()) {
     fail(std::move(task), SessionErrorCode::badURL, "The URL names no host");
   } else {
-    destinations_[destinationKey(parts)].waiting.push_back(std::move(task));
+    std::deque<DataTask>& waiting = destinations_[destinationKey(parts)].waiting;
+    waiting.insert(place == Place::back ? waiting.end() : waiting.begin(), std::move(task));
   }
 }
 
@@ -143,33 +182,30 @@ void TransferEngine::admitWaiting() {
   }
 }
 
-bool TransferEngine::collectFinished() {
-  bool finishedSome = false;
+void TransferEngine::collectFinished() {
   int left = 0;
   while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
     Transfer* transfer = nullptr;
     curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
     finish(*transfer, message->data.result);
-    finishedSome = true;
   }
-  return finishedSome;
 }
 
-bool TransferEngine::giveUpOverdue() {
+void TransferEngine::giveUpOverdue() {
   std::vector<Transfer*> overdue;
   for (const Running& running : running_) {
     if (running.transfer->end() <= now_) overdue.push_back(running.transfer.get());
   }
   for (Transfer* transfer : overdue) finish(*transfer, CURLE_OPERATION_TIMEDOUT);
-  for (auto& [key, destination] : destinations_) {
-    // In the order of their ends, but for redirected ones, which were started earlier.
-    while (!destination.waiting.empty() && destination.waiting.front().end <= now_) {
-      fail(std::move(destination.waiting.front()), SessionErrorCode::timedOut,
-           "No connection was free in time");
-      destination.waiting.pop_front();
+  for (auto place = destinations_.begin(); place != destinations_.end();) {
+    std::deque<DataTask>& waiting = place->second.waiting;
+    // The first is the oldest, but for redirected ones among themselves.
+    while (!waiting.empty() && waiting.front().deadline <= now_) {
+      fail(std::move(waiting.front()), SessionErrorCode::timedOut, "No connection was free in time");
+      waiting.pop_front();
     }
+    place = waiting.empty() && place->second.running == 0 ? destinations_.erase(place) : std::next(place);
   }
-  return !overdue.empty();
 }
 
 /// In milliseconds, rounded up.
@@ -177,7 +213,7 @@ int TransferEngine::untilNextEnd() const {
   Clock::time_point next = now_ + std::chrono::hours(1);
   for (const Running& running : running_) next = std::min(next, running.transfer->end());
   for (const auto& [key, destination] : destinations_) {
-    if (!destination.waiting.empty()) next = std::min(next, destination.waiting.front().end);
+    if (!destination.waiting.empty()) next = std::min(next, destination.waiting.front().deadline);
   }
   return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(std::max(next, now_) - now_).count());
 }
@@ -218,7 +254,8 @@ void TransferEngine::follow(DataTask task, int statusCode, const std::string& lo
     return;
   }
   task.request = std::get<URLRequest>(std::move(next));
-  enqueue(std::move(task));
+  enqueue(std::move(task), Place::front);
+  redirectedAny_ = true;
 }
 
 void TransferEngine::report(DataTask task, DataTaskResult result) {

@@ -15,9 +15,9 @@
 
 namespace orvane {
 
-/// Carries out a session's tasks: one multi handle on a thread of its own, and a second thread for the
-/// handlers. Both start with the first task and keep the engine alive until it is closed and its last handler
-/// has returned.
+/// Carries out a session's tasks: one multi handle on a thread of its own, and a second thread for the handlers.
+/// Both start with the first task. The transfer thread keeps the engine alive until it is closed and its last
+/// transfer is over; the handler thread ends when the last handler has returned.
 ///
 /// curl slows down with the number of transfers it holds, and each takes much memory: so it is only given
 /// those which have a connection to use, and the others wait here as plain records.
@@ -26,6 +26,7 @@ class TransferEngine : public std::enable_shared_from_this<TransferEngine> {
   explicit TransferEngine(HostSessionConfiguration configuration);
   TransferEngine(const TransferEngine&) = delete;
   TransferEngine& operator=(const TransferEngine&) = delete;
+  ~TransferEngine();
 
   // From any thread.
   void start(URLRequest request, DataTaskHandler handler);
@@ -58,10 +59,11 @@ class TransferEngine : public std::enable_shared_from_this<TransferEngine> {
   // On the transfer thread.
   void run();
   bool takeInbox();
-  void enqueue(DataTask task);
+  enum class Place { back, front };
+  void enqueue(DataTask task, Place place);
   void admitWaiting();
-  bool collectFinished();
-  bool giveUpOverdue();
+  void collectFinished();
+  void giveUpOverdue();
   int untilNextEnd() const;
   void finish(Transfer& transfer, CURLcode result);
   void release(const Transfer& transfer);
@@ -69,14 +71,15 @@ class TransferEngine : public std::enable_shared_from_this<TransferEngine> {
   void report(DataTask task, DataTaskResult result);
   void fail(DataTask task, SessionErrorCode code, std::string_view description);
 
-  const std::unique_ptr<CURLSH, ShareDeleter> cookies_;
+  std::unique_ptr<CURLSH, ShareDeleter> cookies_;
   TransferSettings settings_;
-  const std::unique_ptr<CURLM, MultiDeleter> multi_;
+  std::unique_ptr<CURLM, MultiDeleter> multi_;
   const std::shared_ptr<HandlerQueue> handlers_;
 
   std::mutex mutex_;
   std::vector<DataTask> inbox_;
-  bool started_ = false;
+  bool handlersRun_ = false;
+  bool transfersRun_ = false;
   bool closed_ = false;
 
   Clock::time_point now_;
@@ -84,6 +87,7 @@ class TransferEngine : public std::enable_shared_from_this<TransferEngine> {
   std::vector<Running> running_;
   std::vector<std::unique_ptr<Transfer>> idle_;
   std::vector<HandlerCall> due_;
+  bool redirectedAny_ = false;  // Since the last look into the waiting ones.
 };
 
 }  // namespace orvane

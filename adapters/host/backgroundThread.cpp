@@ -6,13 +6,14 @@
 namespace orvane {
 namespace {
 
-/// While it lives, the calling thread takes no signals; a thread that it starts never does.
+/// While it lives, the calling thread takes no signals but those of its own faults; a thread that it starts never does.
 class SignalsBlocked {
  public:
   SignalsBlocked() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before_);
+    sigset_t blocked;
+    sigfillset(&blocked);
+    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) sigdelset(&blocked, fault);
+    pthread_sigmask(SIG_SETMASK, &blocked, &before_);
   }
   SignalsBlocked(const SignalsBlocked&) = delete;
   SignalsBlocked& operator=(const SignalsBlocked&) = delete;

@@ -37,6 +37,11 @@ class ORVANE_API Array {
   Array() noexcept;
   Array(std::initializer_list<Value> values);
   explicit Array(Bytes bytes) noexcept;
+  Array(const Array& other);
+  Array(Array&& other) noexcept;
+  /// Also from an array inside this one.
+  Array& operator=(Array other) noexcept;
+  ~Array();
 
   std::size_t size() const noexcept;
   bool empty() const noexcept { return size() == 0; }
@@ -159,6 +164,14 @@ class Array::Iterator {
 
 inline Array::Array() noexcept = default;
 inline Array::Array(Bytes bytes) noexcept : bytes_(std::move(bytes)) {}
+inline Array::Array(const Array& other) = default;
+inline Array::Array(Array&& other) noexcept = default;
+inline Array& Array::operator=(Array other) noexcept {
+  bytes_.swap(other.bytes_);
+  values_.swap(other.values_);
+  return *this;
+}
+inline Array::~Array() = default;
 inline const Bytes* Array::bytes() const noexcept {
   return values_.empty() ? &bytes_ : nullptr;
 }

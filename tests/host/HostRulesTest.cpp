@@ -137,7 +137,10 @@ TEST(MainQueue, RunsInOrderUntilStopped) {
   queue.run();
   EXPECT_EQ(ran, (std::vector<int>{1, 2, 3}));
   queue.stop();
-  EXPECT_TRUE(queue.run(std::chrono::hours(1)));
+  EXPECT_TRUE(queue.run(std::chrono::milliseconds::max()));
+  const std::function<void()> again = [&] { queue.async(again); };
+  again();
+  EXPECT_FALSE(queue.run(std::chrono::milliseconds(1)));
   const auto other = std::async(std::launch::async, [&] { queue.async([&] { queue.stop(); }); });
   queue.run();
   EXPECT_EQ(ran, (std::vector<int>{1, 2, 3, 4}));

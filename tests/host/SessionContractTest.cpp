@@ -19,6 +19,8 @@ using test::start;
 struct SessionUnderTest {
   virtual ~SessionUnderTest() = default;
   virtual void letCome(std::size_t count) = 0;
+  /// Waits until most of that many replies have arrived and their handlers are due.
+  virtual void awaitMost(std::size_t) {}
 
   std::shared_ptr<URLSession> session;
   URLRequest good{""};
@@ -48,6 +50,10 @@ struct HostUnderTest final : SessionUnderTest {
     good = URLRequest(server.url());
   }
   void letCome(std::size_t) override {}
+  /// When the server has a request, all but the six latest replies have arrived.
+  void awaitMost(std::size_t count) override {
+    while (server.requests().size() < count) std::this_thread::yield();
+  }
   LoopbackServer server{[](const auto&) { return LoopbackServer::Answer{test::reply("")}; }};
 };
 
@@ -79,7 +85,6 @@ TEST_P(SessionContract, HandlersComeOnceOnOneBackgroundThreadOneAtATime) {
       busy = false;
       if (++calls == count) all.set_value();
     });
-    EXPECT_LE(calls, i + 1);
   }
   subject->letCome(count);
   all.get_future().wait();
@@ -97,22 +102,21 @@ TEST_P(SessionContract, AFailureHasAnErrorAlone) {
   EXPECT_TRUE(result.error && !result.body && !result.response);
 }
 
-TEST_P(SessionContract, CancellingLeavesEachHandlerCalledOrReleased) {
+TEST_P(SessionContract, CancellingDropsAndReleasesTheHandlersThatHaveNotStarted) {
   constexpr std::size_t count = 20;
-  const auto capture = std::make_shared<std::atomic<std::size_t>>();
+  const auto calls = std::make_shared<std::atomic<std::size_t>>();
   std::promise<void> cancelled;
   for (std::size_t i = 0; i < count; ++i) {
-    subject->session->startDataTask(subject->good, [&cancelled, capture](const auto&) {
-      if (++*capture == 1) cancelled.get_future().wait();
+    subject->session->startDataTask(subject->good, [&cancelled, calls](const auto&) {
+      if (++*calls == 1) cancelled.get_future().wait();
     });
   }
   subject->letCome(count);
+  subject->awaitMost(count);
   subject->session->cancelAllOperations();
   cancelled.set_value();
-  std::future<Outcome> last = start(*subject->session, subject->good);
-  subject->letCome(1);
-  last.get();
-  EXPECT_LE(*capture, count);
+  while (calls.use_count() > 1) std::this_thread::yield();
+  EXPECT_LT(*calls, count);
 }
 
 TEST_P(SessionContract, ATaskOutlivesItsSession) {

@@ -68,6 +68,9 @@ TEST(Value, CopiesAreIndependent) {
   *copy.map()->at("text").text() = "changed";
   EXPECT_EQ(original.map()->at("list").array()->size(), 2U);
   EXPECT_EQ(*original.map()->at("text").text(), "t");
+  Array nested = {Array{7, 8}, "x"};
+  nested = *nested[0].array();
+  EXPECT_EQ(nested.size(), 2U);
   const Array& inner = *(*copy.map()->at("list").array())[1].array();
   EXPECT_EQ(*inner[1].map()->at("k").real(), 2.5);
 }

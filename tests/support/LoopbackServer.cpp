@@ -59,9 +59,10 @@ void LoopbackServer::setScript(Script script) {
   script_ = std::move(script);
 }
 
-void LoopbackServer::release(const std::string& bytes) {
+void LoopbackServer::release(const std::string& bytes, bool isLast) {
   for (auto& [descriptor, connection] : connections_) {
-    if (std::exchange(connection.held, false)) sendAll(descriptor, bytes);
+    if (connection.held) sendAll(descriptor, bytes);
+    if (isLast) connection.held = false;
   }
 }
 
@@ -103,9 +104,9 @@ bool LoopbackServer::serve(int descriptor, Connection& connection) {
   }
   connection.held = true;
   const Answer answer = script(request);
+  sendAll(descriptor, answer.bytes);
   if (answer.then == Then::hold) return true;
   connection.held = false;
-  sendAll(descriptor, answer.bytes);
   const linger abort = {1, 0};
   if (answer.then == Then::reset) ::setsockopt(descriptor, SOL_SOCKET, SO_LINGER, &abort, sizeof(abort));
   return answer.then == Then::keep;

@@ -40,8 +40,8 @@ class LoopbackServer {
   std::vector<Request> requests() const;
   void setScript(Script script);
 
-  /// Answers all the connections that are held. Only from the script.
-  void release(const std::string& bytes);
+  /// Sends `bytes` on all the connections that are held, and holds them on unless it is the last. Only from the script.
+  void release(const std::string& bytes, bool isLast = true);
 
  private:
   struct Connection {
