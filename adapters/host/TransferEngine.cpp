@@ -79,20 +79,6 @@ TransferEngine::TransferEngine(HostSessionConfiguration configuration)
   settings_.reroutes = makeReroutes(settings_.configuration.reroutes);
 }
 
-TransferEngine::~TransferEngine() {
-  const std::shared_lock cleaning(exitGate(), std::try_to_lock);
-  if (cleaning) {
-    idle_.clear();
-    multi_.reset();
-    cookies_.reset();
-    return;
-  }
-  // The process ends, and takes all this with it.
-  for (std::unique_ptr<Transfer>& transfer : idle_) static_cast<void>(transfer.release());
-  static_cast<void>(multi_.release());
-  static_cast<void>(cookies_.release());
-}
-
 void TransferEngine::start(URLRequest request, DataTaskHandler handler) {
   bool isFirst = false;
   {
@@ -106,12 +92,10 @@ void TransferEngine::start(URLRequest request, DataTaskHandler handler) {
 }
 
 void TransferEngine::close() {
-  {
-    const std::lock_guard lock(mutex_);
-    closed_ = true;
-    if (!transfersRun_) handlers_->close();
-  }
-  curl_multi_wakeup(multi_.get());
+  const std::lock_guard lock(mutex_);
+  closed_ = true;
+  if (!transfersRun_) handlers_->close();
+  curl_multi_wakeup(multi_.get());  // Under the lock: the transfer thread lets go of it once it knows.
 }
 
 /// Where the second cannot start, the next task tries it again.
@@ -140,6 +124,11 @@ void TransferEngine::run() {
     if (!isAnyOver) curl_multi_poll(multi_.get(), nullptr, 0, untilNextEnd(), nullptr);
   }
   handlers_->close();
+  // Here and not in the destructor, which may run on a thread that must not wait for ever.
+  const std::shared_lock cleaning(exitGate());
+  idle_.clear();
+  multi_.reset();
+  cookies_.reset();
 }
 
 /// Whether there is, or may come, anything to do.

@@ -26,7 +26,6 @@ class TransferEngine : public std::enable_shared_from_this<TransferEngine> {
   explicit TransferEngine(HostSessionConfiguration configuration);
   TransferEngine(const TransferEngine&) = delete;
   TransferEngine& operator=(const TransferEngine&) = delete;
-  ~TransferEngine();
 
   // From any thread.
   void start(URLRequest request, DataTaskHandler handler);
