@@ -13,7 +13,10 @@ endif()
 # The project's own sources see the repository as include root, its warnings, and hidden symbols by default.
 function(orvane_compile_options target)
   target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
-  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion
+  target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections -Wall -Wextra -Wpedantic -Wconversion
                          $<$<BOOL:${ORVANE_WERROR}>:-Werror>)
   set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
+
+# Most of the library waits for the network, and is better small; the files that work on text ask for more.
+set(ORVANE_SIZE_OPTIONS $<$<CONFIG:Release>:-Os>)

@@ -1,14 +1,12 @@
 #include "adapters/host/HandlerQueue.h"
 
-#include <iterator>
-
 namespace orvane {
 
 void HandlerQueue::post(std::vector<HandlerCall>& calls) {
   if (calls.empty()) return;
   {
     const std::lock_guard lock(mutex_);
-    calls_.insert(calls_.end(), std::make_move_iterator(calls.begin()), std::make_move_iterator(calls.end()));
+    for (HandlerCall& call : calls) calls_.push_back(std::move(call));
   }
   changed_.notify_one();
   calls.clear();

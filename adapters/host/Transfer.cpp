@@ -129,12 +129,16 @@ void Transfer::setMethodAndBody() {
 }
 
 void Transfer::setHeaders() {
+  const URLRequest& request = task_.request;
+  const bool hasBody = request.body() && !request.body()->empty();
+  // Often those of the task before.
+  if (headers_.get() && hasBody == bodyInHeaders_ && request.headers() == fieldsInHeaders_) return;
+  fieldsInHeaders_ = std::vector(request.headers());
+  bodyInHeaders_ = hasBody;
   headers_.clear();
   headers_.append("Expect:");  // No pause before a large body.
-  const std::optional<Bytes>& body = task_.request.body();
-  const bool isEmpty = !body || body->empty();
-  if (isEmpty && !task_.request.value("Content-Type")) headers_.append("Content-Type:");
-  for (const HeaderField& field : task_.request.headers()) headers_.append(headerLine(field));
+  if (!hasBody && !request.value("Content-Type")) headers_.append("Content-Type:");
+  for (const HeaderField& field : fieldsInHeaders_) headers_.append(headerLine(field));
   curl_easy_setopt(handle(), CURLOPT_HTTPHEADER, headers_.get());
 }
 

@@ -67,6 +67,8 @@ class Transfer {
   std::array<char, CURL_ERROR_SIZE> errorText_{};
   DataTask task_;
   Slist headers_;
+  std::vector<HeaderField> fieldsInHeaders_;  // From which they were made.
+  bool bodyInHeaders_ = false;
   Bytes body_;
   const Clock::time_point* now_ = nullptr;
   Clock::time_point lastActivity_;

@@ -49,14 +49,19 @@ CURLM* makeMulti() {
   return multi;
 }
 
+void appendAddress(std::string& line, const std::string& host, std::uint16_t port) {
+  const bool isBare = host.find(':') != host.npos && !host.starts_with('[');
+  line.append(isBare ? "[" : "").append(host).append(isBare ? "]:" : ":").append(std::to_string(port));
+}
+
 Slist makeReroutes(const std::vector<Reroute>& reroutes) {
-  const auto bracketed = [](const std::string& host) {
-    return host.find(':') == host.npos || host.starts_with('[') ? host : "[" + host + "]";
-  };
   Slist list;
   for (const Reroute& reroute : reroutes) {
-    list.append(bracketed(reroute.host) + ":" + std::to_string(reroute.port) + ":" +
-                bracketed(reroute.toHost) + ":" + std::to_string(reroute.toPort));
+    std::string line;
+    appendAddress(line, reroute.host, reroute.port);
+    line.push_back(':');
+    appendAddress(line, reroute.toHost, reroute.toPort);
+    list.append(line);
   }
   return list;
 }
@@ -151,7 +156,11 @@ void TransferEngine::enqueue(DataTask task, Place place) {
     fail(std::move(task), SessionErrorCode::badURL, "The URL names no host");
   } else {
     std::deque<DataTask>& waiting = destinations_[destinationKey(parts)].waiting;
-    waiting.insert(place == Place::back ? waiting.end() : waiting.begin(), std::move(task));
+    if (place == Place::back) {
+      waiting.push_back(std::move(task));
+    } else {
+      waiting.push_front(std::move(task));
+    }
   }
 }
 

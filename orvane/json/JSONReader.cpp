@@ -1,7 +1,10 @@
 #include "orvane/json/JSONReader.h"
 
+#include <array>
+#include <bit>
 #include <charconv>
-#include <deque>
+#include <cstring>
+#include <list>
 
 #include "orvane/base/utf8.h"
 #include "orvane/json/readReal.h"
@@ -13,6 +16,30 @@ constexpr std::size_t maximumDepth = 512;
 
 constexpr bool isDigit(char c) {
   return c >= '0' && c <= '9';
+}
+
+// Eight characters as one word, the first in the lowest bits.
+static_assert(std::endian::native == std::endian::little);
+
+/// A bit in the byte of each comma among eight characters, the lowest of them without fail.
+std::uint64_t commasIn(const char* characters) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, characters, sizeof(word));
+  word ^= 0x2C2C2C2C2C2C2C2CU;
+  return (word - 0x0101010101010101U) & ~word & 0x8080808080808080U;
+}
+
+/// The number written in the first `length` of four characters; beyond 255 where they are no byte as JSON writes it.
+unsigned byteBefore(const char* characters, int length) {
+  constexpr unsigned none = 256;
+  if (length < 1 || length > 3) return none;
+  std::uint32_t word = 0;
+  std::memcpy(&word, characters, sizeof(word));
+  const std::uint32_t digits = ((word ^ 0x30303030U) << (8 * (3 - length))) & 0xFFFFFFU;
+  const bool hasOther = ((digits + 0x767676U) | digits) & 0x808080U;
+  const bool hasLeadingZero = length > 1 && characters[0] == '0';
+  if (hasOther || hasLeadingZero) return none;
+  return (digits & 0xFFU) * 100 + (digits >> 8 & 0xFFU) * 10 + (digits >> 16);
 }
 
 class Reader {
@@ -51,7 +78,7 @@ class Reader {
   std::string_view text_;
   std::size_t at_ = 0;
   std::vector<Open> open_;
-  std::deque<Value> duplicates_;  // the values of keys that came before
+  std::list<Value> duplicates_;  // the values of keys that came before
 };
 
 bool Reader::accept(char c) noexcept {
@@ -154,20 +181,30 @@ bool Reader::scalar(Value& value) {
   }
 }
 
-/// The fast way through the byte values of a picture: takes numbers from 0 to 255 as long as each is followed
-/// by a comma, and stops before whatever else comes.
+/// The fast way through the byte values of a picture: takes numbers from 0 to 255, two at a time, as long as each is
+/// followed by a comma, and stops before whatever else comes.
 void Reader::byteRun(Bytes& bytes) {
   const char* at = text_.data() + at_;
   const char* const end = text_.data() + text_.size();
-  while (end - at >= 4) {
-    if (!isDigit(at[0])) break;
-    int byte = at[0] - '0';
-    int length = 1;
-    while (length < 3 && byte != 0 && isDigit(at[length])) byte = byte * 10 + (at[length++] - '0');
-    if (byte > 255 || at[length] != ',') break;
-    bytes.push_back(static_cast<std::uint8_t>(byte));
-    at += length + 1;
-    while (at != end && *at == ' ') ++at;
+  std::array<std::uint8_t, 512> batch;
+  bool isOver = false;
+  while (!isOver) {
+    std::size_t size = 0;
+    while (size < batch.size()) {
+      isOver = end - at < 8;
+      if (isOver) break;
+      const std::uint64_t commas = commasIn(at);
+      const int first = std::countr_zero(commas) / 8;
+      const int second = std::countr_zero(commas & (commas - 1)) / 8;
+      const unsigned byte = byteBefore(at, first);
+      const unsigned next = byteBefore(at + first + 1, second - first - 1);
+      isOver = (byte | next) > 255;
+      if (isOver) break;
+      batch[size++] = static_cast<std::uint8_t>(byte);
+      batch[size++] = static_cast<std::uint8_t>(next);
+      at += second + 1;
+    }
+    bytes.insert(bytes.end(), batch.begin(), batch.begin() + size);
   }
   at_ = static_cast<std::size_t>(at - text_.data());
 }

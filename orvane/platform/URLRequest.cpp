@@ -33,6 +33,16 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept {
                     [](char inA, char inB) { return lowerCase(inA) == lowerCase(inB); });
 }
 
+// Here once and not wherever a request is handed on: they are long.
+URLRequest::URLRequest(std::string url) : url_(std::move(url)) {}
+URLRequest::URLRequest(const URLRequest& other) = default;
+URLRequest::URLRequest(URLRequest&& other) noexcept = default;
+URLRequest& URLRequest::operator=(const URLRequest& other) {
+  return *this = URLRequest(other);
+}
+URLRequest& URLRequest::operator=(URLRequest&& other) noexcept = default;
+URLRequest::~URLRequest() = default;
+
 void URLRequest::setMethod(std::string_view method) {
   if (isToken(method)) method_ = method;
 }
@@ -46,6 +56,8 @@ void URLRequest::addValue(std::string_view value, std::string_view name) {
       return;
     }
   }
+  constexpr std::size_t usualCount = 4;
+  if (headers_.empty()) headers_.reserve(usualCount);
   headers_.push_back({std::string(name), std::string(value)});
 }
 

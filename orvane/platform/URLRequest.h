@@ -13,6 +13,8 @@ namespace orvane {
 struct HeaderField {
   std::string name;
   std::string value;
+
+  bool operator==(const HeaderField&) const = default;
 };
 
 /// One HTTP request: what the logic hands to a URL session. No request object can hold a verb or a header
@@ -20,7 +22,12 @@ struct HeaderField {
 class ORVANE_API URLRequest {
  public:
   /// A GET of `url` without body and header fields. Whether the text is a URL was asked before.
-  explicit URLRequest(std::string url) : url_(std::move(url)) {}
+  explicit URLRequest(std::string url);
+  URLRequest(const URLRequest& other);
+  URLRequest(URLRequest&& other) noexcept;
+  URLRequest& operator=(const URLRequest& other);
+  URLRequest& operator=(URLRequest&& other) noexcept;
+  ~URLRequest();
 
   const std::string& url() const noexcept { return url_; }
   const std::string& method() const noexcept { return method_; }
