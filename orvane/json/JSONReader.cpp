@@ -77,7 +77,8 @@ class Reader {
 
   std::string_view text_;
   std::size_t at_ = 0;
-  std::vector<Open> open_;
+  std::array<Open, maximumDepth> open_;  // The innermost last.
+  std::size_t depth_ = 0;
   std::list<Value> duplicates_;  // the values of keys that came before
 };
 
@@ -113,19 +114,19 @@ std::optional<Value> Reader::document() {
 /// Reads until no container is open.
 bool Reader::contents() {
   bool first = true;
-  while (!open_.empty()) {
-    const auto [array, map] = open_.back();
+  while (depth_ > 0) {
+    const auto [array, map] = open_[depth_ - 1];
     skipSpace();
     if (accept(array ? ']' : '}')) {
-      open_.pop_back();
+      --depth_;
       first = false;
       continue;
     }
     if (!first && !accept(',')) return false;
     skipSpace();
-    const std::size_t depth = open_.size();
+    const std::size_t depth = depth_;
     if (!(array ? element(*array) : member(*map))) return false;
-    first = open_.size() > depth;
+    first = depth_ > depth;
   }
   return true;
 }
@@ -158,9 +159,9 @@ bool Reader::member(Map& map) {
 }
 
 bool Reader::open(Value& value) {
-  if (open_.size() == maximumDepth) return false;
+  if (depth_ == maximumDepth) return false;
   ++at_;
-  open_.push_back({value.array(), value.map()});
+  open_[depth_++] = {value.array(), value.map()};
   return true;
 }
 
