@@ -144,8 +144,12 @@ TEST(DevService, SpoilsRepliesOnDemand) {
       {"07", [](auto& reply, auto json) { return reply.status == 500 && json["data"].is_array(); }},
       {"08", [](auto&, auto json) { return json["code"] == 4321 && json["msg"].is_string(); }},
       {"09", [](auto&, auto json) { return json.size() == 2 && !json.contains("code"); }},
+      {"11", [](auto&, auto json) { return json.size() == 2 && !json.contains("data"); }},
       {"12", [](auto&, auto json) { return json["code"] == "0"; }},
+      {"13", [](auto&, auto json) { return json["msg"].is_number(); }},
+      {"14", [](auto&, auto json) { return json["data"].is_string(); }},
       {"15", [](auto&, auto json) { return json["data"].size() > 1 && json["data"].back() == 256; }},
+      {"16", [](auto&, auto json) { return json.is_array(); }},
       {"17", [](auto&, auto json) { return json["data"].size() == 1 << 20 && json["data"][1] == 'P'; }},
       {"18", [](auto&, auto json) { return json["code"] == 0; }},
   };
