@@ -25,8 +25,8 @@ std::shared_mutex& exitGate() {
 void initialiseCurl() {
   static const CURLcode result = [] {
     const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
-    std::atexit(
-        [] { exitGate().lock(); });  // Registered after those libraries' own clean-up, and so run before.
+    // Registered after those libraries' own clean-up, and so run before it.
+    std::atexit([] { exitGate().lock(); });
     return initialised;
   }();
   if (result != CURLE_OK) throw std::bad_alloc();
