@@ -4,11 +4,13 @@ namespace orvane {
 
 void HandlerQueue::post(std::vector<HandlerCall>& calls) {
   if (calls.empty()) return;
+  bool wasEmpty = false;
   {
     const std::lock_guard lock(mutex_);
+    wasEmpty = calls_.empty();
     for (HandlerCall& call : calls) calls_.push_back(std::move(call));
   }
-  changed_.notify_one();
+  if (wasEmpty) changed_.notify_one();
   calls.clear();
 }
 

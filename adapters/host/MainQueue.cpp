@@ -6,11 +6,13 @@
 namespace orvane {
 
 void MainQueue::async(Task task) {
+  bool wasEmpty = false;
   {
     const std::lock_guard lock(mutex_);
+    wasEmpty = tasks_.empty();
     tasks_.push_back(std::move(task));
   }
-  changed_.notify_one();
+  if (wasEmpty) changed_.notify_one();
 }
 
 void MainQueue::run() {

@@ -156,7 +156,8 @@ std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {
     curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
     body_.reserve(static_cast<std::size_t>(std::clamp<curl_off_t>(announced, 0, greatestReservation)));
   }
-  body_.insert(body_.end(), bytes, bytes + size);
+  const auto* const first = reinterpret_cast<const std::uint8_t*>(bytes);
+  body_.insert(body_.end(), first, first + size);
   return size;
 } catch (const std::bad_alloc&) {
   isTooLarge_ = true;

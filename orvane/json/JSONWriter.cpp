@@ -10,8 +10,12 @@
 namespace orvane {
 namespace {
 
+constexpr std::size_t usualSize = 128;
+
 class Writer {
  public:
+  Writer() { out_.reserve(usualSize); }
+
   bool value(const Value& value) { return begin(value) && contents(); }
   bool map(const Map& map) {
     open(map);
