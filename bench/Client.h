@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace orvane::bench {
+
+/// One way to post by hand, over one connection to loopback that is kept. Sends the header
+/// fields of the service's calls.
+class Client {
+ public:
+  Client() = default;
+  Client(const Client&) = delete;
+  Client& operator=(const Client&) = delete;
+  virtual ~Client();
+
+  /// Answers the reply's body, valid until the next call. Stops the process where there is none.
+  virtual const std::string& post(std::string_view path, const std::string& body) = 0;
+};
+
+std::unique_ptr<Client> makeCurlEasyClient(std::uint16_t port);
+std::unique_ptr<Client> makeHttplibClient(std::uint16_t port);
+std::unique_ptr<Client> makeBeastClient(std::uint16_t port);
+/// A blocking socket that reads nothing of the reply's head but its length: the floor.
+std::unique_ptr<Client> makeSocketClient(std::uint16_t port);
+
+}  // namespace orvane::bench

@@ -1,0 +1,31 @@
+#include "bench/CurlPost.h"
+
+namespace orvane::bench {
+
+CurlPost::CurlPost(std::uint16_t port)
+    : base_("http://127.0.0.1:" + std::to_string(port)), handle_(curl_easy_init()) {
+  headers_.append("Content-Type: application/json");
+  headers_.append("XRAPI-VERSION: 1.0");
+  headers_.append("XRAPI-DEVICE-TYPE: 1");
+  const auto set = [this](auto option, auto value) { curl_easy_setopt(handle(), option, value); };
+  set(CURLOPT_NOSIGNAL, 1L);
+  set(CURLOPT_PROXY, "");
+  set(CURLOPT_USERAGENT, "bench");
+  set(CURLOPT_HTTPHEADER, headers_.get());
+  set(CURLOPT_POST, 1L);
+  set(CURLOPT_WRITEDATA, &reply_);
+  set(
+      CURLOPT_WRITEFUNCTION, +[](char* bytes, std::size_t one, std::size_t size, void* reply) {
+        static_cast<std::string*>(reply)->append(bytes, one * size);
+        return one * size;
+      });
+}
+
+void CurlPost::prepare(std::string_view path, const std::string& body) {
+  reply_.clear();
+  curl_easy_setopt(handle(), CURLOPT_URL, std::string(base_).append(path).c_str());
+  curl_easy_setopt(handle(), CURLOPT_POSTFIELDSIZE, static_cast<long>(body.size()));
+  curl_easy_setopt(handle(), CURLOPT_POSTFIELDS, body.data());
+}
+
+}  // namespace orvane::bench
