@@ -21,7 +21,8 @@ struct Reroute {
 };
 
 struct HostSessionConfiguration {
-  /// How long a transfer may pass without a byte, connecting included; then error -1001. Must be positive.
+  /// How long a transfer may pass without a byte of a body or a whole header line, connecting included; then
+  /// error -1001. Must be positive.
   std::chrono::milliseconds idleTimeout = std::chrono::seconds(60);
   /// How long a task may take in all, from its start; then error -1001. Must be positive.
   std::chrono::milliseconds totalTimeout = std::chrono::hours(7 * 24);

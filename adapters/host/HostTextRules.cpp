@@ -4,6 +4,7 @@
 #include <utf8proc.h>
 
 #include "adapters/host/URLParts.h"
+#include "orvane/base/utf8.h"
 
 namespace orvane {
 namespace {
@@ -39,13 +40,8 @@ bool isPort(std::string_view port) {
 }  // namespace
 
 bool HostTextRules::isURL(std::string_view text) const {
-  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-  const auto size = static_cast<utf8proc_ssize_t>(text.size());
-  for (utf8proc_ssize_t at = 0; at < size;) {
-    utf8proc_int32_t codePoint = 0;
-    const utf8proc_ssize_t length = utf8proc_iterate(bytes + at, size - at, &codePoint);
-    if (length <= 0) return false;
-    at += length;
+  for (std::size_t at = 0; at < text.size();) {
+    if (!decodeUTF8(text, at)) return false;
   }
   if (std::any_of(text.begin(), text.end(), isForbidden) || !hasWholeEscapes(text)) return false;
   if (std::count(text.begin(), text.end(), '#') > 1) return false;

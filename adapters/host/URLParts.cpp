@@ -33,7 +33,6 @@ URLParts splitURL(std::string_view url) noexcept {
     url.remove_prefix(colon + 1);
   }
   if (!url.starts_with("//")) return parts;
-  parts.hasAuthority = true;
   url.remove_prefix(2);
   std::string_view authority = url.substr(0, url.find_first_of("/?#"));
   if (const std::size_t at = authority.rfind('@'); at != authority.npos) authority.remove_prefix(at + 1);

@@ -9,7 +9,6 @@ struct URLParts {
   std::string_view scheme;
   std::string_view host;  ///< With its brackets, where it has them.
   std::string_view port;
-  bool hasAuthority = false;
 
   /// The port to connect to, the scheme's own where the URL names none.
   std::string_view portOrDefault() const noexcept;
