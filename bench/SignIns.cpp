@@ -2,9 +2,9 @@
 
 #include <stdexcept>
 
-#include "adapters/host/HostSession.h"
-#include "adapters/host/MainQueue.h"
 #include "orvane/client/Envelope.h"
+#include "orvane/host/HostSession.h"
+#include "orvane/host/MainQueue.h"
 #include "orvane/orvane.h"
 
 namespace orvane::bench {

@@ -2,8 +2,8 @@
 
 #include <cstdlib>
 
-#include "adapters/host/HostSession.h"
-#include "adapters/host/MainQueue.h"
+#include "orvane/host/HostSession.h"
+#include "orvane/host/MainQueue.h"
 #include "orvane/orvane.h"
 
 using namespace orvane;

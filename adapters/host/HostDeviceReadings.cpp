@@ -1,4 +1,4 @@
-#include "adapters/host/HostDeviceReadings.h"
+#include "orvane/host/HostDeviceReadings.h"
 
 #include <sys/utsname.h>
 

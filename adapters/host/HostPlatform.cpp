@@ -1,9 +1,9 @@
 #include <thread>
 
-#include "adapters/host/HostDeviceReadings.h"
-#include "adapters/host/HostSession.h"
 #include "adapters/host/HostTextRules.h"
-#include "adapters/host/MainQueue.h"
+#include "orvane/host/HostDeviceReadings.h"
+#include "orvane/host/HostSession.h"
+#include "orvane/host/MainQueue.h"
 #include "orvane/platform/Platform.h"
 
 namespace orvane {

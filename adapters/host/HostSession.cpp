@@ -1,4 +1,4 @@
-#include "adapters/host/HostSession.h"
+#include "orvane/host/HostSession.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "adapters/host/MainQueue.h"
+#include "orvane/host/MainQueue.h"
 
 #include <algorithm>
 #include <utility>

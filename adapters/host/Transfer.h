@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "adapters/host/HostSession.h"
 #include "adapters/host/Slist.h"
+#include "orvane/host/HostSession.h"
 
 namespace orvane {
 

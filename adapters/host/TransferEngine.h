@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "adapters/host/HandlerQueue.h"
-#include "adapters/host/HostSession.h"
 #include "adapters/host/SessionError.h"
 #include "adapters/host/Transfer.h"
+#include "orvane/host/HostSession.h"
 
 namespace orvane {
 

@@ -4,8 +4,8 @@
 
 #include "adapters/host/HandlerQueue.h"
 #include "adapters/host/HostTextRules.h"
-#include "adapters/host/MainQueue.h"
 #include "adapters/host/Redirect.h"
+#include "orvane/host/MainQueue.h"
 
 namespace orvane {
 namespace {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
-#include "adapters/host/HostSession.h"
+#include "orvane/host/HostSession.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/perform.h"
 

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "adapters/host/HostDeviceReadings.h"
-#include "adapters/host/HostSession.h"
-#include "adapters/host/MainQueue.h"
+#include "orvane/host/HostDeviceReadings.h"
+#include "orvane/host/HostSession.h"
+#include "orvane/host/MainQueue.h"
 #include "orvane/orvane.h"
 #include "tests/support/LoopbackServer.h"
 

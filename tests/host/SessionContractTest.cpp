@@ -3,7 +3,7 @@
 #include <atomic>
 #include <gtest/gtest.h>
 
-#include "adapters/host/HostSession.h"
+#include "orvane/host/HostSession.h"
 #include "tests/support/FakeSession.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/perform.h"

@@ -8,7 +8,7 @@
 #include <tuple>
 #include <utility>
 
-#include "adapters/host/MainQueue.h"
+#include "orvane/host/MainQueue.h"
 #include "tools/signin/PictureView.h"
 #include "tools/signin/Terminal.h"
 #include "tools/signin/printable.h"

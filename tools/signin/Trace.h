@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "adapters/host/HostSession.h"
+#include "orvane/host/HostSession.h"
 #include "orvane/orvane.h"
 #include "tools/signin/Secrets.h"
 

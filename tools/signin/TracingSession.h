@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "adapters/host/HostSession.h"
+#include "orvane/host/HostSession.h"
 #include "orvane/orvane.h"
 #include "tools/signin/Secrets.h"
 

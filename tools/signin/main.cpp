@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "adapters/host/HostSession.h"
+#include "orvane/host/HostSession.h"
 #include "orvane/orvane.h"
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/Server.h"
