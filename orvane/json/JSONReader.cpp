@@ -198,8 +198,11 @@ void Reader::byteRun(Bytes& bytes) {
       const int first = std::countr_zero(commas) / 8;
       const int second = std::countr_zero(commas & (commas - 1)) / 8;
       const unsigned byte = byteBefore(at, first);
+      isOver = byte > 255;
+      if (isOver) break;
+      // Ends within the eight characters, since the first comma is among the first four.
       const unsigned next = byteBefore(at + first + 1, second - first - 1);
-      isOver = (byte | next) > 255;
+      isOver = next > 255;
       if (isOver) break;
       batch[size++] = static_cast<std::uint8_t>(byte);
       batch[size++] = static_cast<std::uint8_t>(next);

@@ -15,8 +15,9 @@ std::string written(const Value& value) {
   return text ? std::string(text->begin(), text->end()) : "not representable";
 }
 
+/// Read from memory of exactly the text's size, so that a sanitizer sees who reads beyond it.
 std::string reread(std::string_view text) {
-  const std::optional<Value> value = readJSON(text);
+  const std::optional<Value> value = readJSON(Bytes(text.begin(), text.end()));
   return value ? written(*value) : "error";
 }
 
@@ -112,6 +113,8 @@ TEST(JSON, RefusesAllElse) {
                                          "[\"\xF8\x88\x80\x80\x80\"]",
                                          "[\"\xE4\xB8\"]",
                                          "[255,256",
+                                         "[abcd,1,x",
+                                         "[0,12345,6",
                                          "[2555,]",
                                          "// \n[]",
                                          "[1]\xEF\xBB\xBF",
