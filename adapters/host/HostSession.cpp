@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "adapters/host/TransferEngine.h"
+#include "adapters/host/SessionThreads.h"
 
 namespace orvane {
 namespace {
@@ -19,19 +19,19 @@ HostSessionConfiguration withinBounds(HostSessionConfiguration configuration) {
 }  // namespace
 
 HostSession::HostSession(HostSessionConfiguration configuration)
-    : engine_(std::make_shared<TransferEngine>(withinBounds(std::move(configuration)))) {}
+    : threads_(std::make_shared<SessionThreads>(withinBounds(std::move(configuration)))) {}
 
 HostSession::~HostSession() {
-  engine_->close();
+  threads_->close();
 }
 
 void HostSession::startDataTask(URLRequest request, DataTaskHandler handler) {
   if (!handler) handler = [](const auto&) {};
-  engine_->start(std::move(request), std::move(handler));
+  threads_->start(std::move(request), std::move(handler));
 }
 
 void HostSession::cancelAllOperations() {
-  engine_->cancelHandlers();
+  threads_->cancelHandlers();
 }
 
 }  // namespace orvane

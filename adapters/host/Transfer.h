@@ -6,12 +6,11 @@
 #include <memory>
 #include <string>
 
+#include "adapters/host/Multi.h"
 #include "adapters/host/Slist.h"
 #include "orvane/host/HostSession.h"
 
 namespace orvane {
-
-using Clock = std::chrono::steady_clock;
 
 /// A request, and whom to tell what became of it.
 struct DataTask {
@@ -28,8 +27,8 @@ struct TransferSettings {
   Slist reroutes = {};
 };
 
-/// One HTTP exchange on an easy handle. The handle and its buffers serve one task after another. Used on the
-/// session's transfer thread alone.
+/// One HTTP exchange on an easy handle. The handle and its buffers serve one task after another. Used by one
+/// thread at a time.
 class Transfer {
  public:
   explicit Transfer(const TransferSettings& settings);

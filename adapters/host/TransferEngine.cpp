@@ -10,7 +10,6 @@
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
 #include "adapters/host/URLParts.h"
-#include "adapters/host/backgroundThread.h"
 
 namespace orvane {
 namespace {
@@ -39,14 +38,6 @@ CURLSH* makeCookieShare() {
   // One thread alone uses it: no locking functions.
   curl_share_setopt(share, CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
   return share;
-}
-
-CURLM* makeMulti() {
-  CURLM* multi = curl_multi_init();
-  if (!multi) throw std::bad_alloc();
-  constexpr long keptAlive = 64;
-  curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, keptAlive);
-  return multi;
 }
 
 void appendAddress(std::string& line, const std::string& host, std::uint16_t port) {
@@ -79,73 +70,37 @@ std::string destinationKey(const URLParts& parts) {
 TransferEngine::TransferEngine(HostSessionConfiguration configuration)
     : cookies_(makeCookieShare()),
       settings_{std::move(configuration), cookies_.get()},
-      multi_(makeMulti()),
-      handlers_(std::make_shared<HandlerQueue>()) {
+      multi_(std::make_unique<Multi>()) {
   settings_.reroutes = makeReroutes(settings_.configuration.reroutes);
 }
 
-void TransferEngine::start(URLRequest request, DataTaskHandler handler) {
-  bool isFirst = false;
+bool TransferEngine::act(std::vector<HandlerCall>& due) {
+  now_ = Clock::now();
   {
-    const std::lock_guard lock(mutex_);
-    if (!transfersRun_) startThreads();
-    isFirst = inbox_.empty();
-    inbox_.push_back(
-        {std::move(request), std::move(handler), Clock::now() + settings_.configuration.totalTimeout});
-  }
-  if (isFirst) curl_multi_wakeup(multi_.get());
-}
-
-void TransferEngine::close() {
-  const std::lock_guard lock(mutex_);
-  closed_ = true;
-  if (!transfersRun_) handlers_->close();
-  curl_multi_wakeup(multi_.get());  // Under the lock: the transfer thread lets go of it once it knows.
-}
-
-/// Where the second cannot start, the next task tries it again.
-void TransferEngine::startThreads() {
-  if (!handlersRun_) startBackgroundThread([handlers = handlers_] { handlers->run(); });
-  handlersRun_ = true;
-  startBackgroundThread([engine = shared_from_this()] { engine->run(); });
-  transfersRun_ = true;
-}
-
-void TransferEngine::run() {
-  for (;;) {
-    now_ = Clock::now();
-    if (!takeInbox()) break;
-    {
-      const std::shared_lock running(exitGate());
-      admitWaiting();
-      int transfers = 0;
-      curl_multi_perform(multi_.get(), &transfers);
-      collectFinished();
-      giveUpOverdue();
+    const std::shared_lock running(exitGate());
+    admitWaiting();
+    multi_->act();
+    while (const auto finished = multi_->nextFinished()) {
+      Transfer* transfer = nullptr;
+      curl_easy_getinfo(finished->handle, CURLINFO_PRIVATE, &transfer);
+      finish(*transfer, finished->result);
     }
-    // Whatever is over has made room for what waits, and may have been the last.
-    const bool isAnyOver = std::exchange(redirectedAny_, false) || !due_.empty();
-    handlers_->post(due_);
-    if (!isAnyOver) curl_multi_poll(multi_.get(), nullptr, 0, untilNextEnd(), nullptr);
+    giveUpOverdue();
   }
-  handlers_->close();
-  // Here and not in the destructor, which may run on a thread that must not wait for ever.
+  const bool isAnyOver = std::exchange(redirectedAny_, false) || !due_.empty();
+  due.swap(due_);
+  return isAnyOver;
+}
+
+void TransferEngine::letGo() {
   const std::shared_lock cleaning(exitGate());
   idle_.clear();
   multi_.reset();
   cookies_.reset();
 }
 
-/// Whether there is, or may come, anything to do.
-bool TransferEngine::takeInbox() {
-  std::vector<DataTask> arrived;
-  {
-    const std::lock_guard lock(mutex_);
-    arrived.swap(inbox_);
-    if (closed_ && arrived.empty() && destinations_.empty()) return false;
-  }
-  for (DataTask& task : arrived) enqueue(std::move(task), Place::back);
-  return true;
+void TransferEngine::add(DataTask task) {
+  enqueue(std::move(task), Place::back);
 }
 
 void TransferEngine::enqueue(DataTask task, Place place) {
@@ -175,17 +130,8 @@ void TransferEngine::admitWaiting() {
       transfer.prepare(std::move(destination.waiting.front()), now_);
       destination.waiting.pop_front();
       ++destination.running;
-      curl_multi_add_handle(multi_.get(), transfer.handle());
+      multi_->add(transfer.handle());
     }
-  }
-}
-
-void TransferEngine::collectFinished() {
-  int left = 0;
-  while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
-    Transfer* transfer = nullptr;
-    curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
-    finish(*transfer, message->data.result);
   }
 }
 
@@ -206,14 +152,13 @@ void TransferEngine::giveUpOverdue() {
   }
 }
 
-/// In milliseconds, rounded up.
-int TransferEngine::untilNextEnd() const {
+void TransferEngine::wait() {
   Clock::time_point next = now_ + std::chrono::hours(1);
   for (const Running& running : running_) next = std::min(next, running.transfer->end());
   for (const auto& [key, destination] : destinations_) {
     if (!destination.waiting.empty()) next = std::min(next, destination.waiting.front().deadline);
   }
-  return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(std::max(next, now_) - now_).count());
+  multi_->wait(next);
 }
 
 void TransferEngine::finish(Transfer& transfer, CURLcode curlResult) {
@@ -234,7 +179,7 @@ void TransferEngine::release(const Transfer& transfer) {
   const auto place = std::find_if(running_.begin(), running_.end(), [&](const Running& running) {
     return running.transfer.get() == &transfer;
   });
-  curl_multi_remove_handle(multi_.get(), transfer.handle());
+  multi_->remove(transfer.handle());
   Destination& destination = place->destination->second;
   if (--destination.running == 0 && destination.waiting.empty()) destinations_.erase(place->destination);
   idle_.push_back(std::move(place->transfer));

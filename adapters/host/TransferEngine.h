@@ -4,39 +4,49 @@
 #include <deque>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
-#include "adapters/host/HandlerQueue.h"
+#include "adapters/host/Multi.h"
 #include "adapters/host/SessionError.h"
 #include "adapters/host/Transfer.h"
 #include "orvane/host/HostSession.h"
 
 namespace orvane {
 
-/// Carries out a session's tasks: one multi handle on a thread of its own, and a second thread for the handlers.
-/// Both start with the first task. The transfer thread keeps the engine alive until it is closed and its last
-/// transfer is over; the handler thread ends when the last handler has returned.
+/// A handler that is due, and what it will be called with.
+struct HandlerCall {
+  DataTaskHandler handler;
+  DataTaskResult result;
+};
+
+/// Carries out a session's tasks. Used by one thread at a time, but for wake().
 ///
 /// curl slows down with the number of transfers it holds, and each takes much memory: so it is only given
 /// those which have a connection to use, and the others wait here as plain records.
-class TransferEngine : public std::enable_shared_from_this<TransferEngine> {
+class TransferEngine {
  public:
   explicit TransferEngine(HostSessionConfiguration configuration);
   TransferEngine(const TransferEngine&) = delete;
   TransferEngine& operator=(const TransferEngine&) = delete;
 
-  // From any thread.
-  void start(URLRequest request, DataTaskHandler handler);
-  void cancelHandlers() { handlers_->cancelAll(); }
-  /// No task comes any more.
-  void close();
+  void add(DataTask task);
+
+  /// Does what can be done now, and puts what is over into `due`, which is empty. Whether anything was over: then there
+  /// may be more to do.
+  bool act(std::vector<HandlerCall>& due);
+
+  /// Returns when there may be something to do.
+  void wait();
+  /// Lets the present wait() return, or the next one.
+  void wake() noexcept { multi_->wake(); }
+
+  bool isIdle() const noexcept { return destinations_.empty(); }
+
+  /// Lets go of curl, for good. Here and not in the destructor, which may run on a thread that must not wait for ever.
+  void letGo();
 
  private:
-  struct MultiDeleter {
-    void operator()(CURLM* multi) const noexcept { curl_multi_cleanup(multi); }
-  };
   struct ShareDeleter {
     void operator()(CURLSH* share) const noexcept { curl_share_cleanup(share); }
   };
@@ -53,17 +63,10 @@ class TransferEngine : public std::enable_shared_from_this<TransferEngine> {
     Destinations::iterator destination;
   };
 
-  void startThreads();
-
-  // On the transfer thread.
-  void run();
-  bool takeInbox();
   enum class Place { back, front };
   void enqueue(DataTask task, Place place);
   void admitWaiting();
-  void collectFinished();
   void giveUpOverdue();
-  int untilNextEnd() const;
   void finish(Transfer& transfer, CURLcode result);
   void release(const Transfer& transfer);
   void follow(DataTask task, int statusCode, const std::string& location);
@@ -72,14 +75,7 @@ class TransferEngine : public std::enable_shared_from_this<TransferEngine> {
 
   std::unique_ptr<CURLSH, ShareDeleter> cookies_;
   TransferSettings settings_;
-  std::unique_ptr<CURLM, MultiDeleter> multi_;
-  const std::shared_ptr<HandlerQueue> handlers_;
-
-  std::mutex mutex_;
-  std::vector<DataTask> inbox_;
-  bool handlersRun_ = false;
-  bool transfersRun_ = false;
-  bool closed_ = false;
+  std::unique_ptr<Multi> multi_;
 
   Clock::time_point now_;
   Destinations destinations_;

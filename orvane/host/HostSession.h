@@ -35,10 +35,10 @@ struct HostSessionConfiguration {
   std::vector<Reroute> reroutes = {};
 };
 
-class TransferEngine;
+class SessionThreads;
 
 /// HTTP on ordinary machines. Requests with the schemes http and https are carried out, on two threads of the
-/// session's own, which start with the first task: one for the transfers, one for the handlers. Cookies and
+/// session's own, which start with the first task; handlers are called on either, one at a time. Cookies and
 /// kept-alive connections live as long as the session, nothing is stored.
 ///
 /// A compressed body is handed over as far as its stream goes: a stream without its end is not noticed. Host names beyond
@@ -56,7 +56,7 @@ class ORVANE_API HostSession final : public URLSession {
   void cancelAllOperations() override;
 
  private:
-  std::shared_ptr<TransferEngine> engine_;
+  std::shared_ptr<SessionThreads> threads_;
 };
 
 }  // namespace orvane

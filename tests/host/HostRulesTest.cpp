@@ -2,7 +2,6 @@
 #include <future>
 #include <gtest/gtest.h>
 
-#include "adapters/host/HandlerQueue.h"
 #include "adapters/host/HostTextRules.h"
 #include "adapters/host/Redirect.h"
 #include "orvane/host/MainQueue.h"
@@ -101,25 +100,6 @@ TEST(Redirect, DecidesWhatFollows) {
       {"GET", "http://h/", 301, "nowhere", "-1002"}};
   for (const auto& [method, from, status, location, expected] : rows)
     EXPECT_EQ(redirected(method, from, status, location), expected) << status << " " << location;
-}
-
-TEST(HandlerQueue, DropsExactlyWhatHasNotStarted) {
-  HandlerQueue queue;
-  std::vector<int> called;
-  const auto capture = std::make_shared<int>();
-  std::vector<HandlerCall> calls;
-  for (int i = 0; i < 3; ++i) {
-    calls.push_back({[&, capture, i](const auto&) {
-                       called.push_back(i);
-                       if (i == 1) queue.cancelAll();
-                     },
-                     {}});
-  }
-  queue.post(calls);
-  queue.close();
-  queue.run();
-  EXPECT_EQ(called, (std::vector<int>{0, 1}));
-  EXPECT_EQ(capture.use_count(), 1);
 }
 
 TEST(MainQueue, RunsInOrderUntilStopped) {

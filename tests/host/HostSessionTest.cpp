@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <zlib.h>
 
 #include "orvane/host/HostSession.h"
@@ -218,6 +219,32 @@ TEST(HostSession, LeavesNoThreadBehind) {
       session.startDataTask(URLRequest(url), nullptr);
   }
   while (threads() > before) std::this_thread::yield();
+}
+
+TEST(HostSession, ASlowHandlerDelaysHandlersAndNoTransfer) {
+  LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
+  HostSession session;
+  std::atomic<bool> isSlow = true;
+  std::promise<bool> wasSlow;
+  session.startDataTask(URLRequest(server.url()), [&](const auto&) {
+    session.startDataTask(URLRequest(server.url()), [&](const auto&) { wasSlow.set_value(isSlow); });
+    while (server.requests().size() < 2) std::this_thread::yield();
+    isSlow = false;
+  });
+  EXPECT_FALSE(wasSlow.get_future().get());
+}
+
+TEST(HostSession, NeedsNoDescriptorToBeMade) {
+  LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
+  rlimit before{};
+  getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit none{0, before.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  HostSession session;
+  setrlimit(RLIMIT_NOFILE, &before);
+  std::future<Outcome> first = start(session, URLRequest(server.url()));
+  EXPECT_EQ(perform(session, URLRequest(server.url())), "ok");
+  EXPECT_EQ(first.get().text(), "ok");
 }
 
 TEST(HostSession, UsesSixConnectionsAtATimeAndKeepsThem) {

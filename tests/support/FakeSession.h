@@ -7,7 +7,8 @@
 #include <thread>
 #include <vector>
 
-#include "adapters/host/HandlerQueue.h"
+#include "orvane/host/MainQueue.h"
+#include "orvane/platform/URLSession.h"
 
 namespace orvane::test {
 
@@ -15,7 +16,7 @@ namespace orvane::test {
 class FakeSession final : public URLSession {
  public:
   ~FakeSession() override {
-    queue_.close();
+    queue_.async([this] { queue_.stop(); });
     thread_.join();
   }
 
@@ -26,27 +27,25 @@ class FakeSession final : public URLSession {
   }
 
   void cancelAllOperations() override {
-    queue_.cancelAll();
+    std::deque<std::function<void()>> dropped;
+    const std::lock_guard lock(mutex_);
+    dropped.swap(due_);
     ++cancellations;
   }
 
   /// Lets the handler of the oldest unanswered request come with `result`, on the session's thread.
   void post(DataTaskResult result) {
-    std::vector<HandlerCall> calls;
-    {
-      const std::lock_guard lock(mutex_);
-      calls.push_back({std::move(held_.front()), std::move(result)});
-      held_.pop_front();
-    }
-    queue_.post(calls);
+    const std::lock_guard lock(mutex_);
+    due_.push_back([handler = std::move(held_.front()), result = std::move(result)] { handler(result); });
+    held_.pop_front();
+    queue_.async([this] { callNext(); });
   }
 
   /// Likewise, and waits until that handler has returned.
   void answer(DataTaskResult result) {
     post(std::move(result));
     std::promise<void> returned;
-    std::vector<HandlerCall> calls = {{[&returned](const auto&) { returned.set_value(); }, {}}};
-    queue_.post(calls);
+    queue_.async([&returned] { returned.set_value(); });
     returned.get_future().wait();
   }
   void answer(std::string_view body) {
@@ -59,9 +58,22 @@ class FakeSession final : public URLSession {
   std::atomic<int> cancellations = 0;
 
  private:
+  /// Unless the handler was dropped meanwhile.
+  void callNext() {
+    std::function<void()> call;
+    {
+      const std::lock_guard lock(mutex_);
+      if (due_.empty()) return;
+      call = std::move(due_.front());
+      due_.pop_front();
+    }
+    call();
+  }
+
   std::mutex mutex_;
   std::deque<DataTaskHandler> held_;
-  HandlerQueue queue_;
+  std::deque<std::function<void()>> due_;
+  MainQueue queue_;
   std::thread thread_{[this] { queue_.run(); }};
 };
 

@@ -1,0 +1,100 @@
+#include "adapters/host/SessionThreads.h"
+
+#include <utility>
+
+#include "adapters/host/backgroundThread.h"
+
+namespace orvane {
+
+SessionThreads::SessionThreads(HostSessionConfiguration configuration)
+    : totalTimeout_(configuration.totalTimeout), engine_(std::move(configuration)) {}
+
+void SessionThreads::start(URLRequest request, DataTaskHandler handler) {
+  bool isNobodyTransferring = false;
+  bool isWaiting = false;
+  {
+    const std::lock_guard lock(mutex_);
+    for (; threads_ < 2; ++threads_) startBackgroundThread([self = shared_from_this()] { self->run(); });
+    inbox_.push_back({std::move(request), std::move(handler), Clock::now() + totalTimeout_});
+    isNobodyTransferring = !isTransferring_;
+    isWaiting = std::exchange(isWaiting_, false);
+  }
+  if (isNobodyTransferring) changed_.notify_one();
+  if (isWaiting) engine_.wake();
+}
+
+void SessionThreads::cancelHandlers() {
+  std::deque<HandlerCall> dropped;
+  const std::lock_guard lock(mutex_);
+  dropped.swap(calls_);
+}
+
+void SessionThreads::close() {
+  {
+    const std::lock_guard lock(mutex_);
+    isClosed_ = true;
+  }
+  changed_.notify_one();
+}
+
+void SessionThreads::run() {
+  Lock lock(mutex_);
+  for (;;) {
+    if (!inbox_.empty() && !isTransferring_) {
+      carryOutTransfers(lock);
+    } else if (!calls_.empty() && !isHandling_) {
+      callHandlers(lock);
+    } else if (isClosed_ && !isTransferring_ && !isHandling_) {
+      break;
+    } else {
+      changed_.wait(lock);
+    }
+  }
+  const bool isLast = --threads_ == 0;
+  lock.unlock();
+  changed_.notify_one();  // The other thread, which nobody else will tell.
+  if (isLast) engine_.letGo();
+}
+
+/// Until there are none.
+void SessionThreads::carryOutTransfers(Lock& lock) {
+  isTransferring_ = true;
+  std::vector<DataTask> arrived;
+  std::vector<HandlerCall> due;
+  do {
+    arrived.swap(inbox_);
+    const bool isHandlerWaiting = !calls_.empty() && !isHandling_;
+    lock.unlock();
+    if (isHandlerWaiting) changed_.notify_one();
+    for (DataTask& task : arrived) engine_.add(std::move(task));
+    arrived.clear();
+    const bool isAnyOver = engine_.act(due);
+    lock.lock();
+    for (HandlerCall& call : due) calls_.push_back(std::move(call));
+    due.clear();
+    if (isAnyOver || !inbox_.empty()) continue;
+    isWaiting_ = true;
+    lock.unlock();
+    engine_.wait();
+    lock.lock();
+    isWaiting_ = false;
+  } while (!engine_.isIdle() || !inbox_.empty());
+  isTransferring_ = false;
+}
+
+/// Until none waits.
+void SessionThreads::callHandlers(Lock& lock) {
+  isHandling_ = true;
+  while (!calls_.empty()) {
+    {
+      HandlerCall call = std::move(calls_.front());
+      calls_.pop_front();
+      lock.unlock();
+      call.handler(std::move(call.result));
+    }
+    lock.lock();
+  }
+  isHandling_ = false;
+}
+
+}  // namespace orvane
