@@ -3,18 +3,18 @@
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
+#include <future>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <pty.h>
 #include <span>
 #include <string>
 #include <string_view>
-#include <sys/wait.h>
 #include <tuple>
 #include <unistd.h>
 #include <utility>
 #include <vector>
 
+#include "tests/support/Conversation.h"
 #include "tests/support/LoopbackServer.h"
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/Server.h"
@@ -27,6 +27,8 @@
 namespace signin {
 namespace {
 
+using orvane::test::Conversation;
+using orvane::test::endOf;
 using orvane::test::LoopbackServer;
 
 /// Who answers and the values that were understood, or why nothing was.
@@ -133,10 +135,6 @@ struct Ending {
   std::string err;
 };
 
-int endOf(int status) {
-  return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
-}
-
 /// Where this test may write.
 std::string path(const std::string& name) {
   return testing::TempDir() + "signin-" + std::to_string(getpid()) + "-" + name;
@@ -154,45 +152,6 @@ Ending run(const std::string& arguments) {
   const int status = std::system(("exec '" SIGNIN_PROGRAM "' " + arguments + files).c_str());
   return {endOf(status), take("out"), take("err")};
 }
-
-/// The program at a terminal of 40 columns.
-class Conversation {
- public:
-  explicit Conversation(const std::string& argument, const char* another = nullptr) {
-    const winsize size{.ws_row = 24, .ws_col = 40, .ws_xpixel = 0, .ws_ypixel = 0};
-    child_ = forkpty(&terminal_, nullptr, nullptr, &size);
-    if (child_ == 0) _exit(execl(SIGNIN_PROGRAM, SIGNIN_PROGRAM, argument.c_str(), another, nullptr));
-  }
-  ~Conversation() { close(terminal_); }
-
-  /// Reads until the text comes; what came before it. Fails when the program ends without it.
-  std::string hear(std::string_view text) {
-    char buffer[4096];
-    ssize_t count = 0;
-    while (heard_.find(text) == heard_.npos && (count = read(terminal_, buffer, sizeof buffer)) > 0) {
-      heard_.append(buffer, static_cast<std::size_t>(count));
-    }
-    const std::string before = heard_.substr(0, heard_.find(text));
-    EXPECT_LT(before.size(), heard_.size()) << "waited for \"" << text << "\" and heard " << before;
-    heard_.erase(0, before.size() + text.size());
-    return before;
-  }
-
-  void say(const std::string& text) {
-    EXPECT_EQ(write(terminal_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
-  }
-
-  int status() {
-    int status = 0;
-    waitpid(child_, &status, 0);
-    return endOf(status);
-  }
-
- private:
-  int terminal_ = -1;
-  pid_t child_ = -1;
-  std::string heard_;
-};
 
 std::string connectTo(std::uint16_t port) {
   return "--connect=127.0.0.1:" + std::to_string(port);
@@ -219,7 +178,7 @@ TEST(SignInProgram, TalksWithAPerson) {
   const std::string mobile = "+447700900123";
   devservice::IdentityService service;
   const devservice::Server server(service);
-  Conversation talk(connectTo(server.port()));
+  Conversation talk({SIGNIN_PROGRAM, connectTo(server.port())});
   talk.hear("Mobile number: ");
   talk.say("\n" + mobile + "\n");  // an empty line is no answer
   const std::string before = talk.hear("What does the picture say? ");
@@ -234,7 +193,7 @@ TEST(SignInProgram, TalksWithAPerson) {
   const std::string body = R"({"code":0,"msg":"for 447700900123","data":[]})";
   const LoopbackServer quoting(
       [&](const auto&) { return LoopbackServer::Answer{orvane::test::reply(body)}; });
-  Conversation traced(connectTo(quoting.port()), "--trace");
+  Conversation traced({SIGNIN_PROGRAM, connectTo(quoting.port()), "--trace"});
   traced.say(mobile + "\n\x04");  // the end of the input
   traced.hear(R"("msg":"for ***")");
   traced.hear("\norvane-signin: --captcha: missing, and the input has ended\r\n");
@@ -265,13 +224,106 @@ TEST(SignInProgram, ReportsHowItEnded) {
       {"--auto --captcha=no", 1, "orvane-signin: requestCode: that is not the picture's text (2002)\n"},
       {"--mobile=+99900000302", -SIGABRT, "orvane: requestLogin: there is no reply\n"},
       {"--mobile=+99900000310", -SIGABRT, "orvane: requestLogin: the reply has no \"msg\"\n"},
-      {"--mobile=+99900000105", 1, "orvane-signin: requestPictureCode: com.brovent.error (-1)\n  error: 反"},
-      {nobodyThere, 1, "orvane-signin: requestPictureCode: NSURLErrorDomain (-1004)\n  NS"},
+      {"--mobile=+99900000105", 3, "orvane-signin: requestPictureCode: com.brovent.error (-1)\n  error: 反"},
+      {nobodyThere, 3, "orvane-signin: requestPictureCode: NSURLErrorDomain (-1004)\n  NS"},
   };
   for (const auto& [arguments, status, complaint] : cases) {
     const Ending ending = run(arguments);
     EXPECT_EQ(ending.status, status) << ending.err;
     EXPECT_TRUE(ending.err.starts_with(complaint)) << ending.err;
+  }
+}
+
+// What is for a person, and what the library prints, must not get between the lines.
+TEST(SignInProgram, TellsScriptsHowEachStepEnded) {
+  const std::string png = path("png");
+  const std::string nobodyThere = connectTo(LoopbackServer(nullptr).port()) + " --mobile=1 --only=picture";
+  const std::tuple<std::string, int, std::ptrdiff_t, std::string> cases[] = {
+      {"--picture " + png, 0, 3,
+       R"({"step":"login","outcome":"success","domain":null,"code":0,"message":"welcome"})"},
+      {"--only=picture --picture " + png, 0, 1,
+       R"({"step":"picture","outcome":"success","domain":null,"code":0,"message":null,"picture":")" + png},
+      {"--captcha=no", 1, 2,
+       R"({"step":"code","outcome":"refusal","domain":"that is not the picture's text","code":2002,)"
+       R"("message":"that is not the picture's text"})"},
+      {"--picture=/a/b", 2, 1,
+       R"({"step":"picture","outcome":"usage","domain":null,"code":null,"message":"--picture: cannot)"},
+      {"--mobile=\xff", 2, 1, R"({"step":null,"outcome":"usage",)"},
+      {nobodyThere, 3, 1,
+       R"({"step":"picture","outcome":"network","domain":"NSURLErrorDomain","code":-1004,"message":"Fa)"},
+      {"--mobile=+99900000105", 3, 1,
+       R"({"step":"picture","outcome":"network","domain":"com.brovent.error",)"},
+      {"--mobile=+99900000302", -SIGABRT, 3, R"({"step":"login","outcome":"aborted",)"},
+  };
+  for (const auto& [arguments, status, count, lastLine] : cases) {
+    const Ending ending = run("--json " + arguments);
+    EXPECT_EQ(ending.status, status) << ending.err;
+    EXPECT_EQ(std::ranges::count(ending.out, '\n'), count) << ending.out;
+    EXPECT_EQ(ending.out.compare(ending.out.rfind("{\"step"), lastLine.size(), lastLine), 0) << ending.out;
+  }
+  EXPECT_FALSE(take("png").empty());
+}
+
+TEST(SignInProgram, TellsWhatItWaitsForAndLeavesTheTerminalAsItWas) {
+  using Then = LoopbackServer::Then;
+  struct Case {
+    std::string option;
+    LoopbackServer::Answer answer;
+    std::string typed;
+    std::string heard;
+    int status;
+  };
+  const LoopbackServer::Answer refusal{orvane::test::reply(R"({"code":7,"msg":"no"})")};
+  const LoopbackServer::Answer silence{"", Then::hold};
+  const Case cases[] = {
+      {"--auto", refusal, "", "orvane-signin: requestPictureCode: no (7)\r\n", 1},
+      {"--trace", refusal, "", "# http://", 1},
+      {"--auto", {"", Then::close}, "", "orvane: requestPictureCode: NSURLErrorDomain (-1005)\r\n", 3},
+      {"--auto", silence, "\x03", "\x1b[0m", -SIGINT},
+      {"--json", silence, "\x03", "\x1b[0m{\"step\":\"picture\",\"outcome\":\"interrupted\"", -SIGINT},
+  };
+  for (const Case& each : cases) {
+    std::promise<void> heard;
+    const LoopbackServer server([&](const auto&) {
+      heard.get_future().wait();
+      return each.answer;
+    });
+    Conversation talk(
+        {SIGNIN_PROGRAM, connectTo(server.port()), "--mobile=1", "--only=picture", each.option});
+    talk.hear("Waiting for the picture ...");
+    heard.set_value();
+    talk.say(each.typed);
+    talk.hear("\r\x1b[K");
+    EXPECT_EQ(talk.hear(each.heard), "");
+    EXPECT_EQ(talk.status(), each.status);
+  }
+  Conversation asked({SIGNIN_PROGRAM});
+  asked.hear("Mobile number: ");
+  asked.say("\x03");
+  asked.hear("\x1b[0m");
+  EXPECT_EQ(asked.status(), -SIGINT);
+
+  // As behind a job that runs in the background, where the signal is for another.
+  Conversation ignoring({"sh", "-c", "trap '' INT; exec " SIGNIN_PROGRAM " --only=picture"});
+  ignoring.hear("Mobile number: ");
+  ignoring.say("\x03\n12345\n");
+  ignoring.hear("▀");
+  EXPECT_EQ(ignoring.status(), 0);
+}
+
+TEST(SignInProgram, DrawsInColoursWhereTheyAreWanted) {
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{"TERM=xterm"}, "\x1b[38;5;"},
+      {{"TERM=xterm", "COLORTERM=truecolor"}, "\x1b[38;2;"},
+      {{"TERM=xterm", "COLORTERM=truecolor", "NO_COLOR=1"}, ""},
+      {{"TERM=dumb"}, ""},
+  };
+  for (const auto& [environment, colour] : cases) {
+    Conversation talk({SIGNIN_PROGRAM, "--auto", "--only=picture"}, environment);
+    talk.hear("\r\n");  // behind the number
+    const std::string picture = talk.hear("\r\n");
+    const std::size_t start = picture.find("\x1b[38;");
+    EXPECT_EQ(start == picture.npos ? "" : picture.substr(start, 7), colour) << picture;
   }
 }
 

@@ -16,9 +16,9 @@ class CountingSession::Count {
     changed_.notify_all();
   }
 
-  void awaitZero(std::chrono::milliseconds limit) {
+  bool awaitZero(std::chrono::milliseconds limit) {
     std::unique_lock lock(mutex_);
-    changed_.wait_for(lock, limit, [this] { return underWay_ == 0; });
+    return changed_.wait_for(lock, limit, [this] { return underWay_ == 0; });
   }
 
  private:
@@ -27,20 +27,22 @@ class CountingSession::Count {
   int underWay_ = 0;
 };
 
-CountingSession::CountingSession(std::shared_ptr<orvane::URLSession> inner)
-    : inner_(std::move(inner)), count_(std::make_shared<Count>()) {}
+CountingSession::CountingSession(std::shared_ptr<orvane::URLSession> inner, std::function<void()> replied)
+    : inner_(std::move(inner)), replied_(std::move(replied)), count_(std::make_shared<Count>()) {}
 
 void CountingSession::startDataTask(orvane::URLRequest request, orvane::DataTaskHandler handler) {
   count_->change(1);
   // Goes with the handler, which is released when it was called and also when it was dropped.
   std::shared_ptr<Count> ticket(count_.get(), [count = count_](Count*) { count->change(-1); });
-  inner_->startDataTask(std::move(request),
-                        [handler = std::move(handler), ticket = std::move(ticket)](
-                            orvane::DataTaskResult result) { handler(std::move(result)); });
+  inner_->startDataTask(std::move(request), [handler = std::move(handler), replied = replied_,
+                                             ticket = std::move(ticket)](orvane::DataTaskResult result) {
+    replied();
+    handler(std::move(result));
+  });
 }
 
-void CountingSession::waitUntilIdle(std::chrono::milliseconds limit) const {
-  count_->awaitZero(limit);
+bool CountingSession::waitUntilIdle(std::chrono::milliseconds limit) const {
+  return count_->awaitZero(limit);
 }
 
 }  // namespace signin

@@ -18,10 +18,9 @@ void setFlag(Options& options, std::string_view) {
 }
 
 void setOnly(Options& options, std::string_view value) {
-  constexpr std::string_view names[] = {"picture", "code", "login"};
-  const auto found = std::ranges::find(names, value);
-  if (found == std::end(names)) throw UsageError("--only: picture, code or login wanted");
-  options.only = static_cast<Call>(found - std::begin(names));
+  const auto found = std::ranges::find(callNames, value);
+  if (found == std::end(callNames)) throw UsageError("--only: picture, code or login wanted");
+  options.only = static_cast<Call>(found - std::begin(callNames));
 }
 
 void setConnect(Options& options, std::string_view value) {
@@ -42,23 +41,33 @@ void setConnect(Options& options, std::string_view value) {
 
 struct OptionKind {
   std::string_view name;
+  std::string_view valueName;  // empty where the option takes no value
+  std::string_view help;       // its lines
   void (*set)(Options& options, std::string_view value);
-  bool takesValue;
 };
 
 constexpr OptionKind kinds[] = {
-    {"--mobile", setText<&Options::mobile>, true},
-    {"--client-id", setText<&Options::clientId>, true},
-    {"--captcha", setText<&Options::captcha>, true},
-    {"--code", setText<&Options::code>, true},
-    {"--picture", setText<&Options::pictureFile>, true},
-    {"--only", setOnly, true},
-    {"--connect", setConnect, true},
-    {"--live", setFlag<&Options::live>, false},
-    {"--auto", setFlag<&Options::automatic>, false},
-    {"--trace", setFlag<&Options::trace>, false},
-    {"--help", setFlag<&Options::help>, false},
-    {"--version", setFlag<&Options::version>, false},
+    {"--connect", "HOST:PORT", "send the requests for the service to this address; [IPV6]:PORT, too",
+     setConnect},
+    {"--live", "", "send them to the service's own address", setFlag<&Options::live>},
+    {"--mobile", "NUMBER", "the mobile number", setText<&Options::mobile>},
+    {"--captcha", "TEXT", "what the picture says", setText<&Options::captcha>},
+    {"--code", "TEXT", "the code in the text message", setText<&Options::code>},
+    {"--client-id", "ID", "send this client identifier, which may be empty; none is sent otherwise",
+     setText<&Options::clientId>},
+    {"--picture", "FILE", "save the picture as it came, and do not show it", setText<&Options::pictureFile>},
+    {"--only", "CALL", "make one call: picture, code or login", setOnly},
+    {"--auto", "", "ask nobody", setFlag<&Options::automatic>},
+    {"--json", "",
+     "print a JSON object a line for each step that ended, for scripts; what is\n"
+     "there for a person goes to standard error",
+     setFlag<&Options::json>},
+    {"--trace", "",
+     "print each request on standard error as a curl command, and its reply;\n"
+     "number, picture's text, code and client identifier are masked",
+     setFlag<&Options::trace>},
+    {"--help", "", "print this", setFlag<&Options::help>},
+    {"--version", "", "print the versions of the program and of the library", setFlag<&Options::version>},
 };
 
 /// What one call alone has a use for.
@@ -95,9 +104,9 @@ Options parseOptions(std::span<const char* const> arguments) {
     if (kind == std::end(kinds)) throw UsageError(std::string(name) + ": no such option");
     std::string_view value;
     if (name.size() < word.size()) {
-      if (!kind->takesValue) throw UsageError(std::string(name) + ": takes no value");
+      if (kind->valueName.empty()) throw UsageError(std::string(name) + ": takes no value");
       value = word.substr(name.size() + 1);
-    } else if (kind->takesValue) {
+    } else if (!kind->valueName.empty()) {
       if (++argument == arguments.end()) throw UsageError(std::string(name) + ": a value is missing");
       value = *argument;
     }
@@ -120,29 +129,32 @@ Answerer chooseAnswerer(const Options& options, bool hasTerminal) {
   return Answerer::nobody;
 }
 
-const std::string_view helpText = R"(Usage: orvane-signin [OPTION]...
+std::string helpText() {
+  std::string text = R"(Usage: orvane-signin [OPTION]...
 Signs a user in by mobile phone number: a picture to read, a code by text message, the login.
 
 Without --connect and --live it starts the development service inside itself and signs in there. It
 asks for what no option gives. Without a terminal on standard input, or with --auto, it asks nobody
 and takes the answers from the service inside it.
 
-  --connect HOST:PORT   send the requests for the service to this address; [IPV6]:PORT, too
-  --live                send them to the service's own address
-  --mobile NUMBER       the mobile number
-  --captcha TEXT        what the picture says
-  --code TEXT           the code in the text message
-  --client-id ID        send this client identifier, which may be empty; none is sent otherwise
-  --picture FILE        save the picture as it came, and do not show it
-  --only CALL           make one call: picture, code or login
-  --auto                ask nobody
-  --trace               print each request on standard error as a curl command, and its reply;
-                        number, picture's text, code and client identifier are masked
-  --help                print this
-  --version             print the versions of the program and of the library
-
-Exit status: 0 after a success, 1 when a call failed, 2 for wrong use. A reply that breaks the
-protocol aborts the program. NO_COLOR in the environment: the picture is drawn without colours.
 )";
+  constexpr std::size_t helpColumn = 24;
+  for (const OptionKind& kind : kinds) {
+    std::string line("  ");
+    line.append(kind.name).append(" ").append(kind.valueName);
+    line.resize(helpColumn, ' ');
+    for (const char c : kind.help) {
+      line.push_back(c);
+      if (c == '\n') line.append(helpColumn, ' ');
+    }
+    text.append(line).append("\n");
+  }
+  return text + R"(
+Exit status: 0 after a success, 1 when the service refused a call, 2 for wrong use, 3 when a call got
+no reply or none that is JSON, 4 when the machine lacks something. Ctrl-C ends the program by its
+signal, 130 in a shell. A reply that breaks the protocol, and a login without a reply, abort it: 134.
+NO_COLOR in the environment: no colours. The manual page has the rest.
+)";
+}
 
 }  // namespace signin

@@ -18,6 +18,9 @@ class UsageError : public std::runtime_error {
 /// The calls of a sign-in, in their order.
 enum class Call { picture, code, login };
 
+/// What --only, and the lines of --json, call them.
+inline constexpr std::string_view callNames[] = {"picture", "code", "login"};
+
 /// Where --connect leads.
 struct Address {
   std::string host;  ///< A name, an IPv4 address, or an IPv6 address without brackets.
@@ -36,6 +39,7 @@ struct Options {
   bool live = false;
   bool automatic = false;
   bool trace = false;
+  bool json = false;
   bool help = false;
   bool version = false;
 
@@ -55,6 +59,6 @@ Options parseOptions(std::span<const char* const> arguments);
 Answerer chooseAnswerer(const Options& options, bool hasTerminal);
 
 /// What --help prints.
-extern const std::string_view helpText;
+std::string helpText();
 
 }  // namespace signin

@@ -27,15 +27,22 @@ constexpr std::string_view someNumber = "+447700900123";
 /// How long an accepted login's submission may take to leave.
 constexpr std::chrono::seconds submissionLimit{5};
 
+/// How long one waits without being told what for.
+constexpr std::chrono::milliseconds patience{500};
+
 /// Makes a call, runs the main queue until `finished` was called, on whatever thread, and returns what with.
 template <class... Results, class Call>
-std::tuple<Results...> await(Call call) {
+std::tuple<Results...> await(std::string_view whatFor, Call call) {
   std::optional<std::tuple<Results...>> results;
   call([&results](Results... come) {
     results.emplace(std::move(come)...);
     orvane::hostMainQueue().stop();
   });
-  orvane::hostMainQueue().run();
+  if (!orvane::hostMainQueue().run(patience)) {
+    showWaiting(whatFor);
+    orvane::hostMainQueue().run();
+    hideWaiting();
+  }
   return *std::move(results);
 }
 
@@ -45,17 +52,6 @@ std::string inWords(const Value& value) {
   if (value.array()) return std::to_string(value.array()->size()) + " elements";
   if (value.map()) return std::to_string(value.map()->size()) + " members";
   return value.decimalText().value_or("nothing");
-}
-
-/// Whether the call succeeded; says so if not.
-bool succeeded(std::string_view call, const ErrorPtr& error) {
-  if (!error) return true;
-  std::string text = std::string(call) + ": " + printable(description(*error));
-  for (const auto& [key, value] : error->userInfo) {
-    text.append("\n  ").append(printable(key)).append(": ").append(printable(inWords(value)));
-  }
-  complain(text);
-  return false;
 }
 
 bool isUTF8(const std::string& text) {
@@ -77,46 +73,92 @@ void save(const Bytes& bytes, const std::string& path) {
 }  // namespace
 
 SignIn::SignIn(const Options& options, Answerer answerer, const devservice::IdentityService* service,
-               const CountingSession& session, Secrets& secrets)
-    : options_(options), answerer_(answerer), service_(service), session_(session), secrets_(secrets) {}
+               const CountingSession& session, Secrets& secrets, Report& report)
+    : options_(options),
+      answerer_(answerer),
+      service_(service),
+      session_(session),
+      secrets_(secrets),
+      report_(report) {}
 
-bool SignIn::run() {
+Outcome SignIn::run() {
+  constexpr std::pair<Call, Outcome (SignIn::*)()> steps[] = {{Call::picture, &SignIn::requestPicture},
+                                                              {Call::code, &SignIn::requestCode},
+                                                              {Call::login, &SignIn::requestLogin}};
   mobile_ = answer({"--mobile", "Mobile number: ", options_.mobile}, std::string(someNumber));
-  return (!options_.includes(Call::picture) || requestPicture()) &&
-         (!options_.includes(Call::code) || requestCode()) &&
-         (!options_.includes(Call::login) || requestLogin());
+  Outcome outcome = Outcome::success;
+  for (const auto& [call, request] : steps) {
+    if (!options_.includes(call) || outcome != Outcome::success) continue;
+    report_.begin(call);
+    outcome = (this->*request)();
+  }
+  return outcome;
 }
 
-bool SignIn::requestPicture() {
+Outcome SignIn::requestPicture() {
   const auto [picture, error] = await<std::optional<Bytes>, ErrorPtr>(
+      "Waiting for the picture ...",
       [this](auto finished) { manager_.requestPictureCode(mobile_, std::move(finished)); });
-  if (!succeeded("requestPictureCode", error)) return false;
+  if (error) return fail("requestPictureCode", *error);
   present(*picture);
-  return true;
+  return succeed({.picture = options_.pictureFile});
 }
 
-bool SignIn::requestCode() {
+Outcome SignIn::requestCode() {
   const std::string captcha = answer({"--captcha", "What does the picture say? ", options_.captcha},
                                      known(&devservice::Inspection::picture));
-  const auto [error] =
-      await<ErrorPtr>([&](auto finished) { manager_.requestCode(mobile_, captcha, std::move(finished)); });
-  if (!succeeded("requestCode", error)) return false;
+  const auto [error] = await<ErrorPtr>("Waiting for the code to be sent ...", [&](auto finished) {
+    manager_.requestCode(mobile_, captcha, std::move(finished));
+  });
+  if (error) return fail("requestCode", *error);
   print("A text message with a code was sent to " + printable(mobile_) + ".\n");
   if (const std::string message = known(&devservice::Inspection::message); !message.empty()) {
     print(textBubble(message));
   }
-  return true;
+  return succeed();
 }
 
-bool SignIn::requestLogin() {
+Outcome SignIn::requestLogin() {
   const std::string code =
       answer({"--code", "Code in the text message: ", options_.code}, known(&devservice::Inspection::code));
   const auto [message, error] = await<std::optional<std::string>, ErrorPtr>(
+      "Waiting for the login ...",
       [&](auto finished) { manager_.requestLogin(mobile_, code, std::move(finished)); });
-  if (!succeeded("requestLogin", error)) return false;
+  if (error) return fail("requestLogin", *error);
   print("Signed in. The service says: " + printable(*message) + "\n");
-  session_.waitUntilIdle(submissionLimit);
-  return true;
+  const Outcome outcome = succeed({.message = *message});
+  if (!session_.waitUntilIdle(patience)) {
+    showWaiting("Sending the device's facts ...");
+    session_.waitUntilIdle(submissionLimit);
+    hideWaiting();
+  }
+  return outcome;
+}
+
+Outcome SignIn::succeed(StepEnd stepEnd) const {
+  stepEnd.code = 0;
+  report_.end(stepEnd);
+  return stepEnd.outcome;
+}
+
+/// Says why the call failed.
+Outcome SignIn::fail(std::string_view call, const orvane::Error& error) const {
+  std::string text = std::string(call) + ": " + printable(description(error));
+  for (const auto& [key, value] : error.userInfo) {
+    text.append("\n  ").append(printable(key)).append(": ").append(printable(inWords(value)));
+  }
+  complain(text);
+
+  // Only a refusal comes without user information.
+  StepEnd stepEnd{error.userInfo.empty() ? Outcome::refusal : Outcome::network, error.domain, error.code};
+  if (stepEnd.outcome == Outcome::refusal) stepEnd.message = error.domain;
+  for (const char* key : {"NSLocalizedDescription", "error"}) {
+    if (const auto found = error.userInfo.find(key); found != error.userInfo.end()) {
+      stepEnd.message = inWords(found->second);
+    }
+  }
+  report_.end(stepEnd);
+  return stepEnd.outcome;
 }
 
 /// What the option gives, else what the person or the service answers.

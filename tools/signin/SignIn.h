@@ -8,6 +8,7 @@
 #include "tools/devservice/IdentityService.h"
 #include "tools/signin/CountingSession.h"
 #include "tools/signin/Options.h"
+#include "tools/signin/Report.h"
 #include "tools/signin/Secrets.h"
 
 namespace signin {
@@ -19,11 +20,11 @@ class SignIn {
   /// All of it has to outlive the sign-in; `service` is the embedded one, null without. `session` is the one
   /// that the library uses.
   SignIn(const Options& options, Answerer answerer, const devservice::IdentityService* service,
-         const CountingSession& session, Secrets& secrets);
+         const CountingSession& session, Secrets& secrets, Report& report);
 
-  /// Whether all calls succeeded; the error of the one that did not is on standard error. Throws UsageError
-  /// when an answer does not come, is no UTF-8, or the picture cannot be saved.
-  bool run();
+  /// How the last of the calls ended; the error of one that did not succeed is on standard error. Throws
+  /// UsageError when an answer does not come, is no UTF-8, or the picture cannot be saved.
+  Outcome run();
 
  private:
   struct Question {
@@ -32,9 +33,12 @@ class SignIn {
     const std::optional<std::string>& given;
   };
 
-  bool requestPicture();
-  bool requestCode();
-  bool requestLogin();
+  Outcome requestPicture();
+  Outcome requestCode();
+  Outcome requestLogin();
+
+  Outcome succeed(StepEnd stepEnd = {}) const;
+  Outcome fail(std::string_view call, const orvane::Error& error) const;
 
   std::string answer(const Question& question, const std::string& fromService) const;
   std::string known(std::optional<std::string> devservice::Inspection::*fact) const;
@@ -45,6 +49,7 @@ class SignIn {
   const devservice::IdentityService* const service_;
   const CountingSession& session_;
   Secrets& secrets_;
+  Report& report_;
   orvane::OrvaneManager& manager_ = orvane::OrvaneManager::shareManager();
   std::string mobile_;
 };

@@ -13,7 +13,9 @@
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/Server.h"
 #include "tools/signin/CountingSession.h"
+#include "tools/signin/Interruption.h"
 #include "tools/signin/Options.h"
+#include "tools/signin/Report.h"
 #include "tools/signin/Secrets.h"
 #include "tools/signin/SignIn.h"
 #include "tools/signin/Terminal.h"
@@ -32,29 +34,29 @@ orvane::Reroute rerouteTo(const Address& address) {
   return {.host = std::string(orvane::serviceHost()), .toHost = address.host, .toPort = address.port};
 }
 
-void writeLine(std::string line) {
-  line.push_back('\n');
-  std::fwrite(line.data(), 1, line.size(), stderr);
-}
-
 /// Puts the tool's own session under the library.
 std::shared_ptr<CountingSession> installSession(const std::optional<orvane::Reroute>& reroute,
                                                 std::shared_ptr<const Secrets> traceSecrets) {
   orvane::HostSessionConfiguration configuration;
   if (reroute) configuration.reroutes.push_back(*reroute);
-  std::shared_ptr<orvane::URLSession> session =
-      std::make_shared<orvane::HostSession>(std::move(configuration));
+  // Under the tracing, so that what is waited for is hidden before a reply is traced.
+  const auto counting = std::make_shared<CountingSession>(
+      std::make_shared<orvane::HostSession>(std::move(configuration)), hideWaiting);
+  std::shared_ptr<orvane::URLSession> session = counting;
   if (traceSecrets) {
-    session =
-        std::make_shared<TracingSession>(std::move(session), reroute, std::move(traceSecrets), writeLine);
+    session = std::make_shared<TracingSession>(counting, reroute, std::move(traceSecrets), writeError);
   }
-  auto counting = std::make_shared<CountingSession>(std::move(session));
-  orvane::installPlatform({.sharedSession = counting});
+  orvane::installPlatform({.sharedSession = std::move(session)});
   return counting;
 }
 
-bool signIn(const Options& options) {
+Outcome signIn(const Options& options, Report& report) {
   const Answerer answerer = chooseAnswerer(options, inputIsTerminal());
+  onInterruption([&report] {
+    leaveTerminal();
+    report.end({Outcome::interrupted});
+  });
+  if (options.json) report.open(answerer == Answerer::person);
   std::optional<EmbeddedService> embedded;
   if (options.embedsService()) embedded.emplace();
 
@@ -68,7 +70,7 @@ bool signIn(const Options& options) {
   }
   const auto session = installSession(reroute, options.trace ? secrets : nullptr);
   if (options.clientId) orvane::OrvaneManager::shareManager().setAppClientId(*options.clientId);
-  return SignIn(options, answerer, embedded ? &embedded->service : nullptr, *session, *secrets).run();
+  return SignIn(options, answerer, embedded ? &embedded->service : nullptr, *session, *secrets, report).run();
 }
 
 void printVersion() {
@@ -76,17 +78,16 @@ void printVersion() {
   print(reinterpret_cast<const char*>(OrvaneVersionString));
 }
 
-/// The exit status.
-int run(std::span<const char* const> arguments) {
+Outcome run(std::span<const char* const> arguments, Report& report) {
   const Options options = parseOptions(arguments);
   if (options.help) {
-    print(helpText);
+    print(helpText());
   } else if (options.version) {
     printVersion();
   } else {
-    return signIn(options) ? 0 : 1;
+    return signIn(options, report);
   }
-  return 0;
+  return Outcome::success;
 }
 
 }  // namespace
@@ -94,15 +95,20 @@ int run(std::span<const char* const> arguments) {
 int main(int argc, char** argv) {
   // A reader who goes away, like head, must not stop a sign-in between its calls.
   std::signal(SIGPIPE, SIG_IGN);
-  int status = 1;
+  static Report& report = *new Report;
+  const auto complainOf = [](Outcome outcome, const std::exception& error) {
+    complain(error.what());
+    report.end({.outcome = outcome, .message = error.what()});
+    return outcome;
+  };
+  Outcome outcome{};
   try {
-    status = run(std::span(argv, static_cast<std::size_t>(argc)).subspan(1));
+    outcome = run(std::span(argv, static_cast<std::size_t>(argc)).subspan(1), report);
   } catch (const UsageError& error) {
-    complain(error.what());
-    status = 2;
+    outcome = complainOf(Outcome::usage, error);
   } catch (const std::exception& error) {
-    complain(error.what());
+    outcome = complainOf(Outcome::fault, error);
   }
-  if (std::ferror(stdout)) complain("standard output could not be written");
-  return status;
+  if (std::ferror(stdout) || report.isBroken()) complain("standard output could not be written");
+  return static_cast<int>(outcome);
 }

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <string>
+#include <string_view>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace orvane::test {
+
+/// How a process ended: its exit status, or the signal as a negative number.
+inline int endOf(int status) {
+  return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+/// A program at a terminal of 40 columns.
+class Conversation {
+ public:
+  explicit Conversation(std::vector<std::string> words,
+                        std::vector<std::string> environment = {"TERM=xterm"}) {
+    const winsize size{.ws_row = 24, .ws_col = 40, .ws_xpixel = 0, .ws_ypixel = 0};
+    const std::vector<char*> arguments = pointers(words), variables = pointers(environment);
+    child_ = forkpty(&terminal_, nullptr, nullptr, &size);
+    if (child_ == 0) _exit(execvpe(arguments.front(), arguments.data(), variables.data()));
+  }
+  Conversation(const Conversation&) = delete;
+  ~Conversation() { close(terminal_); }
+
+  /// Reads until the text comes; what came before it. Fails when the program ends without it.
+  std::string hear(std::string_view text) {
+    char buffer[4096];
+    ssize_t count = 0;
+    while (heard_.find(text) == heard_.npos && (count = read(terminal_, buffer, sizeof buffer)) > 0) {
+      heard_.append(buffer, static_cast<std::size_t>(count));
+    }
+    const std::string before = heard_.substr(0, heard_.find(text));
+    EXPECT_LE(before.size() + text.size(), heard_.size())
+        << "waited for \"" << text << "\" and heard " << before;
+    heard_.erase(0, before.size() + text.size());
+    return before;
+  }
+
+  void say(const std::string& text) {
+    EXPECT_EQ(write(terminal_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  }
+
+  int status() {
+    int status = 0;
+    waitpid(child_, &status, 0);
+    return endOf(status);
+  }
+
+ private:
+  static std::vector<char*> pointers(std::vector<std::string>& texts) {
+    std::vector<char*> result;
+    for (std::string& text : texts) result.push_back(text.data());
+    result.push_back(nullptr);
+    return result;
+  }
+
+  int terminal_ = -1;
+  pid_t child_ = -1;
+  std::string heard_;
+};
+
+}  // namespace orvane::test

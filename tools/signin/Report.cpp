@@ -1,0 +1,78 @@
+#include "tools/signin/Report.h"
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <nlohmann/json.hpp>
+#include <system_error>
+#include <unistd.h>
+
+namespace signin {
+namespace {
+
+std::atomic<const Report*> opened = nullptr;
+
+std::string line(const std::optional<Call>& step, const StepEnd& stepEnd) {
+  using Json = nlohmann::ordered_json;
+  constexpr const char* outcomes[] = {"success", "refusal",     "usage",  "network",
+                                      "fault",   "interrupted", "aborted"};
+  const auto orNull = [](const auto& value) { return value ? Json(*value) : Json(); };
+  Json object;
+  object["step"] = step ? Json(callNames[static_cast<std::size_t>(*step)]) : Json();
+  object["outcome"] = outcomes[static_cast<std::size_t>(stepEnd.outcome)];
+  object["domain"] = orNull(stepEnd.domain);
+  object["code"] = orNull(stepEnd.code);
+  object["message"] = orNull(stepEnd.message);
+  if (stepEnd.picture) object["picture"] = *stepEnd.picture;
+  return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace
+
+void Report::open(bool hasPerson) {
+  const auto checked = [](int result) {
+    if (result < 0) throw std::system_error(errno, std::system_category(), "--json");
+    return result;
+  };
+  const int lines = checked(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0));
+  const int others = hasPerson ? STDERR_FILENO : checked(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+  checked(dup2(others, STDOUT_FILENO));
+  lines_ = fdopen(lines, "w");
+  checked(lines_ ? 0 : -1);
+  opened = this;
+  struct sigaction action {};
+  action.sa_handler = tellAbortion;
+  sigaction(SIGABRT, &action, nullptr);
+}
+
+void Report::begin(Call step) {
+  const std::lock_guard lock(mutex_);
+  step_ = step;
+  abortionLine_ = line(step, {Outcome::aborted});
+}
+
+void Report::end(const StepEnd& stepEnd) {
+  const std::lock_guard lock(mutex_);
+  abortionLine_.clear();
+  if (!lines_) return;
+  const std::string text = line(step_, stepEnd);
+  std::fwrite(text.data(), 1, text.size(), lines_);
+  std::fflush(lines_);
+  step_.reset();
+  if (stepEnd.outcome == Outcome::interrupted) lines_ = nullptr;
+}
+
+bool Report::isBroken() {
+  const std::lock_guard lock(mutex_);
+  return lines_ && std::ferror(lines_);
+}
+
+void Report::tellAbortion(int) {
+  const Report& report = *opened;
+  const std::string& text = report.abortionLine_;
+  if (text.empty()) return;
+  [[maybe_unused]] const auto written = write(fileno(report.lines_), text.data(), text.size());
+}
+
+}  // namespace signin
