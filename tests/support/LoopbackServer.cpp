@@ -1,8 +1,10 @@
 #include "tests/support/LoopbackServer.h"
 
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <stdexcept>
+#include <string_view>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <utility>
@@ -10,13 +12,14 @@
 namespace orvane::test {
 namespace {
 
-void sendAll(int descriptor, const std::string& bytes) {
-  std::size_t sent = 0;
-  while (sent < bytes.size()) {
-    const ssize_t now = ::send(descriptor, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
-    if (now <= 0) return;
-    sent += static_cast<std::size_t>(now);
+/// Whether the client was there to the end.
+bool sendAll(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t now = ::send(descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    if (now <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(now));
   }
+  return true;
 }
 
 std::size_t contentLength(const std::string& head) {
@@ -27,14 +30,14 @@ std::size_t contentLength(const std::string& head) {
 }  // namespace
 
 LoopbackServer::LoopbackServer(Script script)
-    : script_(std::move(script)), listener_(::socket(AF_INET, SOCK_STREAM, 0)) {
+    : script_(std::move(script)), listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   auto* const generic = reinterpret_cast<sockaddr*>(&address);
   socklen_t size = sizeof(address);
   if (::bind(listener_, generic, size) != 0 || ::listen(listener_, 512) != 0 ||
-      ::getsockname(listener_, generic, &size) != 0 || ::pipe(stopPipe_) != 0) {
+      ::getsockname(listener_, generic, &size) != 0 || ::pipe2(stopPipe_, O_CLOEXEC) != 0) {
     throw std::runtime_error("no loopback server");
   }
   port_ = ntohs(address.sin_port);
@@ -72,7 +75,8 @@ void LoopbackServer::run() {
     for (const auto& [descriptor, connection] : connections_) waited.push_back({descriptor, POLLIN, 0});
     ::poll(waited.data(), waited.size(), -1);
     if (waited[0].revents) return;
-    if (waited[1].revents) connections_[::accept(listener_, nullptr, nullptr)].number = ++accepted_;
+    if (waited[1].revents)
+      connections_[::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC)].number = ++accepted_;
     for (std::size_t i = 2; i < waited.size(); ++i) {
       const int descriptor = waited[i].fd;
       if (!waited[i].revents || serve(descriptor, connections_.at(descriptor))) continue;
@@ -80,6 +84,18 @@ void LoopbackServer::run() {
       connections_.erase(descriptor);
     }
   }
+}
+
+/// Likewise; and false once the server is to stop.
+bool LoopbackServer::sendPaced(int descriptor, const std::string& bytes,
+                               std::chrono::milliseconds pace) const {
+  if (pace.count() == 0) return sendAll(descriptor, bytes);
+  for (const char& byte : bytes) {
+    pollfd stop = {stopPipe_[0], POLLIN, 0};
+    if (::poll(&stop, 1, static_cast<int>(pace.count())) != 0 || !sendAll(descriptor, {&byte, 1}))
+      return false;
+  }
+  return true;
 }
 
 /// Whether the connection stays.
@@ -104,7 +120,8 @@ bool LoopbackServer::serve(int descriptor, Connection& connection) {
   }
   connection.held = true;
   const Answer answer = script(request);
-  sendAll(descriptor, answer.bytes);
+  bool isThere = sendPaced(descriptor, answer.bytes, answer.pace);
+  while (isThere && !answer.endless.empty()) isThere = sendPaced(descriptor, answer.endless, answer.pace);
   if (answer.then == Then::hold) return true;
   connection.held = false;
   const linger abort = {1, 0};

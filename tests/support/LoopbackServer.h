@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -26,6 +27,8 @@ class LoopbackServer {
   struct Answer {
     std::string bytes;
     Then then = Then::keep;
+    std::string endless = {};           ///< Follows again and again, until the client goes.
+    std::chrono::milliseconds pace{0};  ///< If not zero: one byte at a time, so far apart.
   };
   /// Called on the server's thread.
   using Script = std::function<Answer(const Request&)>;
@@ -51,6 +54,7 @@ class LoopbackServer {
   };
 
   void run();
+  bool sendPaced(int descriptor, const std::string& bytes, std::chrono::milliseconds pace) const;
   bool serve(int descriptor, Connection& connection);
 
   Script script_;
