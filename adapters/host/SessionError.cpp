@@ -21,6 +21,7 @@ SessionErrorCode sessionErrorCode(CURLcode result) noexcept {
     case CURLE_ABORTED_BY_CALLBACK:  // Only ever asked for to keep a lost request from being sent twice.
       return SessionErrorCode::connectionLost;
     case CURLE_BAD_CONTENT_ENCODING:
+    case CURLE_WRITE_ERROR:  // Bytes behind a compressed stream. What a transfer refuses has its code.
       return SessionErrorCode::undecodableContent;
     case CURLE_UNSUPPORTED_PROTOCOL:  // HTTP/0.9: other schemes do not get this far.
     case CURLE_WEIRD_SERVER_REPLY:
@@ -28,6 +29,7 @@ SessionErrorCode sessionErrorCode(CURLcode result) noexcept {
     case CURLE_HTTP2_STREAM:
       return SessionErrorCode::cannotParseReply;
     case CURLE_FILESIZE_EXCEEDED:
+    case CURLE_OUT_OF_MEMORY:  // Also a header line beyond curl's limit of 100 KiB.
       return SessionErrorCode::dataTooLarge;
     case CURLE_SSL_CONNECT_ERROR:
     case CURLE_SSL_CIPHER:

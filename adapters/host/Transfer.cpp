@@ -13,6 +13,10 @@ namespace {
 
 constexpr const char* userAgent = "Orvane/1.0";
 
+/// Of all header lines of an exchange, in bytes: also those before the reply proper and behind its body. curl
+/// keeps each.
+constexpr std::size_t maximumHeaderSize = 256U << 10;
+
 /// Sends bytes beyond ASCII percent-encoded, but in the host, whose name curl encodes as the name system
 /// wants it.
 std::string wireURL(const std::string& url) {
@@ -70,9 +74,8 @@ Transfer::Transfer(const TransferSettings& settings)
       });
   set(CURLOPT_HEADERDATA, this);
   set(
-      CURLOPT_HEADERFUNCTION, +[](char*, std::size_t one, std::size_t size, void* self) {
-        static_cast<Self*>(self)->lastActivity_ = *static_cast<Self*>(self)->now_;
-        return one * size;
+      CURLOPT_HEADERFUNCTION, +[](char* bytes, std::size_t one, std::size_t size, void* self) {
+        return static_cast<Self*>(self)->takeHeaderLine({bytes, one * size});
       });
   set(CURLOPT_NOPROGRESS, 0L);
   set(CURLOPT_XFERINFODATA, this);
@@ -100,6 +103,8 @@ void Transfer::prepare(DataTask task, const Clock::time_point& now) {
   lastActivity_ = now;
   progress_ = 0;
   attempts_ = 0;
+  headerSize_ = 0;
+  isHeaderWhole_ = false;
   isTooLarge_ = false;
   body_.clear();
   errorText_[0] = '\0';
@@ -112,6 +117,12 @@ void Transfer::setMethodAndBody() {
   const std::string& method = task_.request.method();
   const std::optional<Bytes>& body = task_.request.body();
   const bool isHead = method == "HEAD";
+  // A body announced larger than allowed need not come. Behind HEAD none does.
+  constexpr std::uint64_t unlimited = 0;
+  constexpr std::uint64_t greatest = std::numeric_limits<curl_off_t>::max();
+  const auto limit =
+      isHead ? unlimited : std::min<std::uint64_t>(settings_.configuration.maximumBodySize, greatest);
+  curl_easy_setopt(handle(), CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limit));
   if ((body && !isHead) || method == "POST") {
     static constexpr char nothing[] = "";
     const bool isEmpty = !body || body->empty();
@@ -164,6 +175,15 @@ std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {
   return CURL_WRITEFUNC_ERROR;
 }
 
+std::size_t Transfer::takeHeaderLine(std::string_view line) noexcept {
+  lastActivity_ = *now_;
+  if (line.starts_with("HTTP/")) isHeaderWhole_ = false;
+  if (line == "\r\n" || line == "\n") isHeaderWhole_ = true;
+  headerSize_ += line.size();
+  isTooLarge_ = headerSize_ > maximumHeaderSize;
+  return isTooLarge_ ? 0 : line.size();
+}
+
 void Transfer::noteProgress(curl_off_t bytes) noexcept {
   if (bytes == progress_) return;
   progress_ = bytes;
@@ -175,10 +195,12 @@ Clock::time_point Transfer::end() const noexcept {
 }
 
 DataTaskResult Transfer::finish(CURLcode result) {
+  // curl takes a header that is cut within a line for a reply without a body.
+  if (result == CURLE_OK && !isHeaderWhole_) result = CURLE_PARTIAL_FILE;
   if (result == CURLE_OK) return {std::move(body_), HTTPResponse{statusCode()}, nullptr};
   const SessionErrorCode code = isTooLarge_ ? SessionErrorCode::dataTooLarge : sessionErrorCode(result);
   const char* description = curl_easy_strerror(result);
-  if (isTooLarge_) {
+  if (code == SessionErrorCode::dataTooLarge) {
     description = "The reply is larger than allowed";
   } else if (result == CURLE_ABORTED_BY_CALLBACK) {
     description = "The connection was lost before a reply came";
@@ -189,7 +211,7 @@ DataTaskResult Transfer::finish(CURLcode result) {
 }
 
 std::string_view Transfer::redirectLocation() const {
-  if (!isRedirect(statusCode())) return {};
+  if (!isHeaderWhole_ || !isRedirect(statusCode())) return {};
   const char* location = nullptr;
   curl_easy_getinfo(handle(), CURLINFO_REDIRECT_URL, &location);
   return location ? location : "";

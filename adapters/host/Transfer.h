@@ -5,6 +5,7 @@
 #include <curl/curl.h>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "adapters/host/Multi.h"
 #include "adapters/host/Slist.h"
@@ -59,6 +60,7 @@ class Transfer {
   void setMethodAndBody();
   void setHeaders();
   std::size_t take(const char* bytes, std::size_t size) noexcept;
+  std::size_t takeHeaderLine(std::string_view line) noexcept;
   void noteProgress(curl_off_t bytes) noexcept;
 
   const TransferSettings& settings_;
@@ -73,6 +75,8 @@ class Transfer {
   Clock::time_point lastActivity_;
   curl_off_t progress_ = 0;
   int attempts_ = 0;
+  std::size_t headerSize_ = 0;
+  bool isHeaderWhole_ = false;
   bool isTooLarge_ = false;
 };
 

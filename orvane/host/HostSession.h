@@ -26,7 +26,8 @@ struct HostSessionConfiguration {
   std::chrono::milliseconds idleTimeout = std::chrono::seconds(60);
   /// How long a task may take in all, from its start; then error -1001. Must be positive.
   std::chrono::milliseconds totalTimeout = std::chrono::hours(7 * 24);
-  /// The greatest reply body, after decompression, in bytes; beyond it error -1103.
+  /// The greatest reply body, after decompression, in bytes; beyond it error -1103. A reply's header lines may
+  /// have 256 KiB together, and 100 KiB each.
   std::size_t maximumBodySize = 64U << 20;
   /// How many connections to one host at a time; further requests wait. At least one.
   std::size_t connectionsPerHost = 6;

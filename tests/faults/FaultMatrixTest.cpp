@@ -1,0 +1,144 @@
+// Each service call meets each fault on a real connection, and must come to what docs/errors.md says.
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <set>
+#include <spawn.h>
+#include <sstream>
+#include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "tests/faults/Faults.h"
+
+namespace orvane::test {
+namespace {
+
+constexpr std::array calls = {"requestPictureCode", "requestCode", "requestLogin", "device report"};
+
+struct Row {
+  std::string name;
+  std::array<std::string, calls.size()> cells;
+};
+
+/// The rows of the page's tables that have a cell for each call.
+std::vector<Row> rowsOfThePage() {
+  std::vector<Row> rows;
+  std::ifstream page(ERRORS_PAGE);
+  for (std::string line; std::getline(page, line);) {
+    std::vector<std::string> cells;
+    std::istringstream rest(line);
+    for (std::string cell; std::getline(rest, cell, '|');)
+      if (cell.size() > 2) cells.push_back(cell.substr(1, cell.size() - 2));
+    const bool isHead = cells.empty() || cells[0] == "what happens" || line.starts_with("|--");
+    if (isHead || cells.size() != 1 + calls.size()) continue;
+    rows.push_back({cells[0], {cells[1], cells[2], cells[3], cells[4]}});
+  }
+  return rows;
+}
+
+std::vector<std::string> takeLines(std::FILE* file) {
+  std::rewind(file);
+  std::vector<std::string> lines;
+  std::string line;
+  for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) {
+    if (c != '\n') {
+      line.push_back(static_cast<char>(c));
+    } else {
+      lines.push_back(std::exchange(line, {}));
+    }
+  }
+  std::fclose(file);
+  return lines;
+}
+
+struct Ended {
+  int status = -1;
+  long memory = 0;  ///< The most it had, in KiB.
+  std::vector<std::string> output;
+  std::vector<std::string> errors;
+};
+
+Ended run(std::vector<std::string> words) {
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  std::FILE* const output = std::tmpfile();
+  std::FILE* const errors = std::tmpfile();
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, fileno(output), STDOUT_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, fileno(errors), STDERR_FILENO);
+  Ended ended;
+  pid_t child = 0;
+  rusage usage{};
+  if (::posix_spawn(&child, arguments[0], &actions, nullptr, arguments.data(), environ) == 0)
+    ::wait4(child, &ended.status, 0, &usage);
+  posix_spawn_file_actions_destroy(&actions);
+  return {ended.status, usage.ru_maxrss, takeLines(output), takeLines(errors)};
+}
+
+/// What the call comes to, in the page's words; what is not in order, in others.
+std::string outcome(const std::string& call, const Fault& fault) {
+  LoopbackServer sound([](const auto&) { return LoopbackServer::Answer{reply(R"({"code":0,"msg":"ok"})")}; });
+  std::atomic<int> requests = 0;
+  LoopbackServer faulty([&](const auto&) { return fault.script(requests++); });
+  const bool isElsewhere = !fault.elsewhere.empty();
+  constexpr std::uint16_t closedPort = 1;
+  const Ended ended = run(
+      {ONE_CALL_PROGRAM, call, std::to_string(sound.port()), isElsewhere ? fault.elsewhere : "127.0.0.1",
+       std::to_string(isElsewhere ? closedPort : faulty.port()), std::to_string(fault.idleTimeout.count()),
+       std::to_string(fault.totalTimeout.count()), std::to_string(bodyLimit), std::to_string(fault.calls)});
+
+  std::set<std::string> outcomes;
+  int finished = 0;
+  for (const std::string& line : ended.output) {
+    if (line.starts_with("orvane: requestPictureCode: ")) continue;  // Its trace of transport errors.
+    outcomes.insert(line);
+    ++finished;
+  }
+  const bool hasStopped = WIFSIGNALED(ended.status) && WTERMSIG(ended.status) == SIGABRT && finished == 0 &&
+                          ended.errors.size() == 1 && ended.errors[0].starts_with("orvane: " + call + ": ");
+  constexpr long tooMuchMemory = 512 << 10;  // With a sanitizer's share.
+  if (!isElsewhere && requests < (hasStopped ? 1 : fault.calls)) return "the fault was not met";
+  if (ended.memory > tooMuchMemory) return std::to_string(ended.memory) + " KiB of memory";
+  if (hasStopped) return "stops";
+  if (ended.status == 0 && ended.errors.empty() && finished == fault.calls && outcomes.size() == 1)
+    return *outcomes.begin();
+  std::string disorder = "status " + std::to_string(ended.status) + ", finished " + std::to_string(finished);
+  for (const std::string& text : outcomes) disorder.append(", ").append(text);
+  for (const std::string& text : ended.errors) disorder.append("\n").append(text);
+  return disorder;
+}
+
+TEST(FaultMatrix, IsAsThePageSays) {
+  const std::vector<Row> rows = rowsOfThePage();
+  const std::vector<Fault> faults = makeFaults();
+  ASSERT_EQ(rows.size(), faults.size());
+  std::vector<std::string> seen(faults.size() * calls.size());
+  std::atomic<std::size_t> next = 0;
+  std::vector<std::thread> workers;
+  for (std::size_t i = 0; i < calls.size(); ++i) {
+    workers.emplace_back([&] {
+      for (std::size_t at = next++; at < seen.size(); at = next++)
+        seen[at] = outcome(calls[at % calls.size()], faults[at / calls.size()]);
+    });
+  }
+  for (std::thread& worker : workers) worker.join();
+  for (std::size_t at = 0; at < seen.size(); ++at) {
+    const Row& row = rows[at / calls.size()];
+    const std::size_t call = at % calls.size();
+    EXPECT_EQ(row.name, faults[at / calls.size()].name);
+    EXPECT_EQ(seen[at], row.cells[call]) << row.name << ", " << calls[call];
+  }
+}
+
+}  // namespace
+}  // namespace orvane::test
