@@ -113,9 +113,9 @@ std::optional<std::string> NetworkTool::queryString(const std::optional<Paramete
   std::string query;
   for (const auto& [key, value] : *parameters) {
     const std::string* text = value.text();
-    if (!text) fatal("queryString: the value of \"" + key + "\" is not a text");
+    if (!text) fatal("queryString: a parameter's value is not a text");
     const std::optional<std::string> encoded = percentEncode(*text, *platform().textRules);
-    if (!encoded) fatal("queryString: the value of \"" + key + "\" is not UTF-8");
+    if (!encoded) fatal("queryString: a parameter's value is not UTF-8");
     if (!query.empty()) query.push_back('&');
     query.append(key).append("=").append(*encoded);
   }
