@@ -1,0 +1,80 @@
+// The development service answers any sequence of requests with envelopes, and takes nothing for a secret but the secret.
+// The input is texts, each ended by a backslash and a blank: verb and path, an additional header field, body, and so on.
+
+#include <algorithm>
+#include <fuzzer/FuzzedDataProvider.h>
+#include <nlohmann/json.hpp>
+
+#include "fuzz/fuzz.h"
+#include "tools/devservice/IdentityService.h"
+
+namespace devservice {
+namespace {
+
+using Json = nlohmann::json;
+using orvane::require;
+
+std::pair<std::string, std::string> split(const std::string& text, char at) {
+  const std::size_t place = std::min(text.find(at), text.size());
+  return {text.substr(0, place), text.substr(std::min(place + 1, text.size()))};
+}
+
+Request takeRequest(FuzzedDataProvider& input) {
+  const auto [method, path] = split(input.ConsumeRandomLengthString(), ' ');
+  const auto field = split(input.ConsumeRandomLengthString(), ':');
+  const std::string body = input.ConsumeRandomLengthString();
+  Request request{method, path, {field}, body, "127.0.0.1"};
+  for (const auto& [name, value] :
+       {std::pair("Content-Type", "application/json"), {"XRAPI-VERSION", "1.0"}, {"XRAPI-DEVICE-TYPE", "1"}})
+    request.headers.emplace_back(name, value);
+  return request;
+}
+
+/// A text member of the body, if it has it.
+std::string member(const Json& body, const char* name) {
+  return body.is_object() && body.contains(name) && body[name].is_string() ? body[name].get<std::string>()
+                                                                           : "";
+}
+
+void checkEnvelope(const Json& envelope) {
+  require(envelope.is_object() && envelope.size() == 3, "an envelope has three members");
+  const auto isCode = [&](const CodeDescription& row) {
+    return envelope.at("code") == static_cast<int>(row.code);
+  };
+  const auto row = std::find_if(codeTable().begin(), codeTable().end(), isCode);
+  require(row != codeTable().end(), "the code is known");
+  if (row->code == Code::success) return;
+  require(envelope.at("msg").get<std::string>().starts_with(row->text), "a refusal says why");
+  require(envelope.at("data").is_null(), "a refusal has no data");
+}
+
+void call(IdentityService& service, const Request& request) {
+  const Json body = Json::parse(request.body, nullptr, false);
+  const std::string mobile = member(body, "mobile");
+  const Inspection before = service.inspect(mobile).value_or(Inspection());
+  const Reply reply = service.answer(request);
+  const Json envelope = Json::parse(reply.body, nullptr, false);
+  if (request.path == "/inspect" && reply.status == 200)
+    return require(envelope.is_object(), "an inspection is JSON");
+  if (mobile.starts_with(faultNumberPrefix)) return;  // May demand anything.
+  checkEnvelope(envelope);
+  if (envelope["code"] != 0) return;
+  if (request.path == "/tenant/getVerifyCode")
+    require(before.picture && equalIgnoringCase(*before.picture, member(body, "captcha")),
+            "the picture was read");
+  if (request.path == "/tenant/submitVerifyCode")
+    require(before.code && *before.code == member(body, "verificationCode"), "the code was right");
+  if (request.path == "/tenant/submitMobileInformation") require(before.signedIn, "the number had signed in");
+}
+
+}  // namespace
+}  // namespace devservice
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace devservice;
+  FuzzedDataProvider input(data, size);
+  // No bits set: the picture AAAA and the code 000000.
+  IdentityService service{{.now = [] { return TimePoint(); }, .random = [] { return 0U; }}};
+  while (input.remaining_bytes() > 0) call(service, takeRequest(input));
+  return 0;
+}
