@@ -5,6 +5,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <map>
+#include <memory>
 #include <netinet/in.h>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -20,6 +21,7 @@
 
 #include "tools/devservice/Glyphs.h"
 #include "tools/devservice/IdentityService.h"
+#include "tools/devservice/Page.h"
 #include "tools/devservice/Picture.h"
 #include "tools/devservice/Server.h"
 
@@ -50,6 +52,15 @@ Request login(const std::string& code) {
   return post("/tenant/submitVerifyCode", Json{{"mobile", number}, {"verificationCode", code}}.dump());
 }
 
+/// From the page of a service on this machine; with a body, to change something.
+Request local(std::string path, std::optional<std::string> body = std::nullopt) {
+  return {body ? "POST" : "GET",
+          std::move(path),
+          {{"Host", "localhost"}, {"Origin", "http://localhost"}},
+          body.value_or(""),
+          "127.0.0.1"};
+}
+
 /// A service whose time and chance the test holds.
 struct Bench {
   TimePoint now{};
@@ -64,7 +75,7 @@ struct Bench {
 TEST(DevService, RefusesMalformedRequests) {
   const Request good = askPicture("12345");
   const auto with = [&](const std::string& body) { return post(good.path, body); };
-  const std::string filler(IdentityService::maxBodySize - good.body.size(), ' ');
+  const std::string filler(maxBodySize - good.body.size(), ' ');
   std::vector<std::tuple<Request, int, int>> cases = {
       {{"POST", good.path + "/", {}, "", ""}, 404, 1006},
       {{"GET", good.path, {}, "", ""}, 405, 1007},
@@ -81,6 +92,13 @@ TEST(DevService, RefusesMalformedRequests) {
       {askPicture("+1234"), 200, 1004},
       {askPicture("12345a"), 200, 1004},
   };
+  for (const std::size_t size : {maxTextSize, maxTextSize + 1}) {
+    const int excess = size > maxTextSize ? 1 : 0;
+    const std::string text(size, 'a');
+    cases.emplace_back(askCode("12345", text), 200, excess ? 1003 : 2001);
+    std::get<Request>(cases.emplace_back(good, 200, excess ? 1002 : 0))
+        .headers.emplace_back("xrapi-client-id", text);
+  }
   for (std::size_t i = 0; i < 3; ++i) {
     std::get<Request>(cases.emplace_back(good, 200, 1002)).headers[i].first += "x";
     std::get<Request>(cases.emplace_back(good, 200, 1002)).headers[i].second.front() = '?';
@@ -119,7 +137,7 @@ TEST(DevService, KeepsTheRulesOfSigningIn) {
     char outcome = 0;
     for (const char step : script) {
       if (step == 'p') bench.bits = outcome == 0 ? 0 : ~0u;
-      if (step == '>') bench.now += IdentityService::lifetime - 1ms;
+      if (step == '>') bench.now += secretLifetime - 1ms;
       if (step == '.') bench.now += 1ms;
       if (calls.contains(step)) outcome = outcomes.at(bench.call(calls.at(step))["code"]);
       played += step == '+' || (step >= 'A' && step <= 'Z') ? outcome : step;
@@ -128,14 +146,47 @@ TEST(DevService, KeepsTheRulesOfSigningIn) {
   }
 }
 
-TEST(DevService, ForgetsTheNumberUsedLongestAgo) {
+TEST(DevService, StaysSmallAndForgetsTheNumberUsedLongestAgo) {
   Bench bench;
-  const auto touch = [&](std::size_t i) { bench.call(askCode(std::to_string(10'000 + i), "")); };
-  for (std::size_t i = 0; i < IdentityService::maxNumbers; ++i) touch(i);
-  touch(0);
-  touch(IdentityService::maxNumbers);
-  EXPECT_TRUE(bench.service.inspect("10000"));
-  EXPECT_FALSE(bench.service.inspect("10001"));
+  Page page(bench.service);
+  for (std::size_t i = 0; i < 3 * maxNumbers; ++i) {
+    bench.service.answer(askCode(std::to_string(10'000 + i), ""));
+    if (i % (maxNumbers - 1) == 5) bench.service.answer(askCode("10005", ""));
+  }
+  for (std::size_t i = 0; i <= maxMessages; ++i) {
+    bench.service.answer(askPicture(number));
+    bench.service.answer(askCode(number, "AAAA"));
+  }
+  for (std::size_t i = 0; i <= maxLogEntries; ++i) page.record({"GET", std::string(9000, '/'), 404, ""});
+  const Json state = Json::parse(page.answer(local("/page/state")).body);
+  EXPECT_EQ(bench.service.recent(3 * maxNumbers).size(), maxNumbers);
+  EXPECT_TRUE(bench.service.inspect("10005"));
+  EXPECT_FALSE(bench.service.inspect("10006"));
+  EXPECT_EQ(state["messages"].size(), maxMessages);
+  EXPECT_EQ(state["messages"].back()["id"], maxMessages + 1);
+  EXPECT_EQ(state["requests"].size(), maxLogEntries);
+  EXPECT_EQ(state["requests"][0]["path"].get<std::string>().size(), maxLogText);
+  EXPECT_EQ(state["numbers"].size(), maxShownNumbers);
+}
+
+TEST(DevService, LetsNobodyTryCodeAfterCode) {
+  Bench bench;
+  bench.bits = ~0u;
+  const auto askAnother = [&] {
+    bench.call(askPicture(number));
+    bench.call(askCode(number, "99999"));
+  };
+  const auto outcomeOf = [&](const std::string& code) { return bench.call(login(code))["code"]; };
+  for (int tries = 0; tries < maxWrongCodes; ++tries) {
+    if (tries == 1) bench.now += 30min;  // the hour starts with the first
+    if (tries % codeAttempts == 0 || tries == 1) askAnother();
+    EXPECT_EQ(outcomeOf("0"), 3002) << tries;
+  }
+  bench.now += 30min - 1ms;
+  askAnother();
+  EXPECT_EQ(outcomeOf("999999"), 3003);
+  bench.now += 1ms;
+  EXPECT_EQ(outcomeOf("999999"), 0);
 }
 
 TEST(DevService, SpoilsRepliesOnDemand) {
@@ -161,6 +212,75 @@ TEST(DevService, SpoilsRepliesOnDemand) {
     // Only a refusal keeps the call from being done, and the other calls are as usual.
     EXPECT_EQ(bench.call(askCode(mobile, "AAAA"))["code"], fault == "08" ? 2001 : 0) << fault;
   }
+}
+
+TEST(Page, SpoilsTheNextCallAsChosen) {
+  const std::pair<std::string, int> choices[] = {{R"({"fault":8})", 4321},
+                                                 {R"({"fault":null})", 0},
+                                                 {R"({"fault":0})", -1},
+                                                 {R"({"fault":"8"})", -1},
+                                                 {R"({"fault":8.5})", -1},
+                                                 {R"({"fault":[8]})", -1},
+                                                 {"{}", -1},
+                                                 {"[8]", -1},
+                                                 {"", -1}};
+  for (const auto& [body, expected] : choices) {
+    Bench bench;
+    Page page(bench.service);
+    const Reply reply = page.answer(local("/page/fault", body));
+    EXPECT_EQ(reply.status, expected < 0 ? 400 : 200) << body;
+    EXPECT_TRUE(Json::parse(reply.body)["msg"].is_string());
+    // Neither what is no call nor a number that demands another fault uses it up.
+    EXPECT_EQ(bench.call(askCode("12", ""))["code"], 1004);
+    EXPECT_EQ(bench.call(askCode("+99900000212", ""))["code"], "2001");
+    EXPECT_EQ(bench.call(askCode(number, ""))["code"], expected > 0 ? expected : 2001) << body;
+    EXPECT_EQ(bench.call(askCode(number, ""))["code"], 2001);
+  }
+}
+
+TEST(Page, AnswersTheDeveloperAlone) {
+  const std::string own = "127.0.0.1:8080", ownOrigin = "http://127.0.0.1:8080", peer = "127.0.0.1";
+  const std::tuple<std::string, std::string, std::optional<std::string>, bool, bool> cases[] = {
+      // peer, host, origin; whether it may look, and change something
+      {peer, own, std::nullopt, true, false},
+      {peer, own, ownOrigin, true, true},
+      {"::1", "[::1]", "http://[::1]", true, true},
+      {peer, "LocalHost:80", "http://localhost:80", true, true},
+      {"192.0.2.1", own, ownOrigin, false, false},
+      {peer, "", std::nullopt, false, false},
+      {peer, "rebound.example:8080", std::nullopt, false, false},
+      {peer, "rebound.example:8080", "http://rebound.example:8080", false, false},
+      {peer, "localhost.example", "http://localhost.example", false, false},
+      {peer, "127.0.0.1:8080:80", "http://127.0.0.1:8080:80", false, false},
+      {peer, own, "http://other.example", false, false},
+      {peer, own, "http://127.0.0.1:3000", false, false},
+      {peer, own, "https://127.0.0.1:8080", false, false},
+      {peer, own, "null", false, false},
+      {peer, own, "", false, false},
+  };
+  for (const auto& [from, host, origin, looks, changes] : cases) {
+    Bench bench;
+    Page page(bench.service);
+    bench.call(askPicture(number));
+    const auto statusOf = [&](Request request) {
+      request.peer = from;
+      request.headers = {{"host", host}};
+      if (origin) request.headers.emplace_back("origin", *origin);
+      return (Page::owns(request.path) ? page.answer(request) : bench.service.answer(request)).status;
+    };
+    const std::string picture = "/page/picture/" + number;
+    for (const std::string path : {"/", "/page/state", picture.c_str(), "/page/style.css", "/inspect"}) {
+      EXPECT_EQ(statusOf(local(path)), looks ? 200 : 403)
+          << path << " " << host << " " << origin.value_or("-");
+    }
+    EXPECT_EQ(statusOf(local("/page/fault", R"({"fault":1})")), changes ? 200 : 403) << origin.value_or("-");
+    EXPECT_EQ(bench.service.chosenFault() != nullptr, changes);
+  }
+  IdentityService service;
+  Page page(service);
+  EXPECT_EQ(page.answer(local("/page/picture/" + number)).status, 404);
+  EXPECT_EQ(page.answer(local("/page/../inspect")).status, 404);
+  EXPECT_EQ(page.answer(local("/page/state", "{}")).status, 405);
 }
 
 TEST(Picture, TellsTheCharactersApart) {
@@ -211,6 +331,12 @@ class Client {
     return count < 0 ? std::strerror(errno) : reply;
   }
 
+  /// Whether the server has closed the connection already.
+  bool hasEnded() const {
+    char byte = 0;
+    return recv(descriptor_, &byte, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
+  }
+
  private:
   const int descriptor_ = socket(AF_INET, SOCK_STREAM, 0);
 };
@@ -228,7 +354,7 @@ TEST(DevServer, KeepsItsPortItsConnectionsAndFieldsAsTheyCame) {
   Client connection(server);
   for (const auto& [field, clientId] : cases) {
     EXPECT_EQ(bodyOf(connection.send(callFor(number, field)).receive())["code"], 2001);
-    const Json known = bodyOf(connection.send("GET /inspect HTTP/1.1\r\n\r\n").receive());
+    const Json known = bodyOf(connection.send("GET /inspect HTTP/1.1\r\nHost: localhost\r\n\r\n").receive());
     const Json expected = {{"picture", nullptr}, {"message", nullptr},   {"code", nullptr},
                            {"facts", nullptr},   {"clientId", clientId}, {"signedIn", false}};
     EXPECT_EQ(known, (Json{{number, expected}})) << field;
@@ -239,6 +365,11 @@ TEST(DevServer, RefusesOrSpoils) {
   const std::tuple<std::string, std::string, Json> cases[] = {
       {"GET / HTTP/1.1\r\n" + std::string(65'519, '\n') + "\r\n", "HTTP/1.1 400", 1009},
       {"POST / HTTP/1.1\r\nContent-Length: 99999\r\n\r\n" + std::string(99999, ' '), "HTTP/1.1 413", 1005},
+      {"\x16\x03\x01\r\n\r\n", "HTTP/1.1 400", 1009},
+      {"POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nx\r\n", "HTTP/1.1 400", 1009},
+      {"GET / HTTP/7\r\n\r\n", "HTTP/1.1 400", 1009},
+      {"GET /" + std::string(9000, 'a') + " HTTP/1.1\r\n\r\n", "HTTP/1.1 414", 1009},
+      {"GET /page/state HTTP/1.1\r\n\r\n", "HTTP/1.1 403", 1008},
       {callFor("+99900000003"), std::strerror(ECONNRESET), nullptr},
       {callFor("+99900000204"), "HTTP/1.1 200", nullptr},
   };
@@ -250,6 +381,34 @@ TEST(DevServer, RefusesOrSpoils) {
     EXPECT_EQ(reply.starts_with("HTTP"), reply.find("\r\n\r\n{") != reply.npos);
     EXPECT_EQ(bodyOf(reply).is_object() ? bodyOf(reply)["code"] : Json(), code);
   }
+}
+
+TEST(DevServer, LogsRepliesBeforeTheyArePacked) {
+  IdentityService service;
+  std::string logged;
+  const Server server(service, 0, [&](auto line) { logged = line; });
+  Client(server).send(callFor(number, "Accept-Encoding: gzip\r\nConnection: close\r\n")).receive();
+  EXPECT_TRUE(logged.starts_with(R"(POST /tenant/getVerifyCode 200 {"code":2001,"msg":")")) << logged;
+}
+
+TEST(DevServer, EndsRequestsThatDoNotArrive) {
+  IdentityService service;
+  const Server server(service, 0, {}, {.request = 20ms});
+  const std::string whole = callFor(number);
+  for (const std::size_t sent : {std::size_t{1}, whole.find('\n') + 1, whole.size() - 1}) {
+    EXPECT_EQ(Client(server).send(whole.substr(0, sent)).receive().find("200 OK"), std::string::npos) << sent;
+  }
+}
+
+TEST(DevServer, ServesSoManyAtOnceAndEndsAnIdleOneForAnother) {
+  IdentityService service;
+  const Server server(service, 0, {}, {.connections = 2});
+  Client first(server), second(server), third(server);
+  for (Client* client : {&first, &second, &third}) {
+    EXPECT_FALSE(first.hasEnded() || second.hasEnded());
+    EXPECT_EQ(bodyOf(client->send(callFor(number)).receive())["code"], 2001);
+  }
+  EXPECT_TRUE(first.hasEnded() || second.hasEnded());
 }
 
 TEST(DevServer, StopsAtOnce) {

@@ -8,8 +8,8 @@ namespace {
 constexpr CodeDescription table[] = {
     {Code::success, "success"},
     {Code::malformedBody, "the body is not a JSON object"},
-    {Code::badHeader, "a header is missing or has the wrong value"},
-    {Code::badMember, "a member is missing, unknown or not a string"},
+    {Code::badHeader, "a header is missing, too long or has the wrong value"},
+    {Code::badMember, "a member is missing, unknown, too long or not a string"},
     {Code::badNumber, "not a mobile number"},
     {Code::tooLarge, "the request is too large"},
     {Code::unknownPath, "no such path"},
@@ -20,6 +20,7 @@ constexpr CodeDescription table[] = {
     {Code::wrongPictureText, "that is not the picture's text"},
     {Code::noCode, "no code to be entered: none sent, used up or expired"},
     {Code::wrongCode, "that is not the code"},
+    {Code::tooManyWrongCodes, "too many wrong codes for this number: wait for an hour"},
     {Code::notSignedIn, "this number has not signed in"},
     {Code::demanded, "refused as the number demands"},
 };

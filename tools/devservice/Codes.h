@@ -25,6 +25,7 @@ enum class Code : int {
   wrongPictureText = 2002,
   noCode = 3001,
   wrongCode = 3002,
+  tooManyWrongCodes = 3003,
   notSignedIn = 4001,
   demanded = 4321,
 };

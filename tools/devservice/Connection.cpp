@@ -9,6 +9,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include "tools/devservice/Limits.h"
+
 namespace devservice {
 
 Connection::~Connection() {
@@ -18,8 +20,9 @@ Connection::~Connection() {
 bool Connection::awaitRequest(std::chrono::milliseconds limit) {
   head_.clear();
   inHead_ = true;
-  pollfd waiting{descriptor_, POLLIN, 0};
-  return position_ < input_.size() || poll(&waiting, 1, static_cast<int>(limit.count())) > 0;
+  if (position_ == input_.size() && !awaitInput(limit)) return false;
+  deadline_ = std::chrono::steady_clock::now() + requestLimit_;
+  return true;
 }
 
 bool Connection::finishReply() {
@@ -51,6 +54,9 @@ void Connection::abort() {
 ssize_t Connection::read(char* data, std::size_t size) {
   if (position_ == input_.size()) {
     if (!flush()) return -1;  // the peer may wait for an interim reply
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(deadline_ - std::chrono::steady_clock::now());
+    if (left.count() <= 0 || !awaitInput(left)) return -1;
     input_.resize(16384);
     const ssize_t count = recv(descriptor_, input_.data(), input_.size(), 0);
     input_.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
@@ -81,6 +87,11 @@ void Connection::get_remote_ip_and_port(std::string& ip, int& port) const {
   inet_ntop(AF_INET, &address.sin_addr, text.data(), text.size());
   ip = text.data();
   port = ntohs(address.sin_port);
+}
+
+bool Connection::awaitInput(std::chrono::milliseconds limit) const {
+  pollfd waiting{descriptor_, POLLIN, 0};
+  return poll(&waiting, 1, static_cast<int>(limit.count())) > 0;
 }
 
 bool Connection::flush() {

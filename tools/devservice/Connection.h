@@ -15,10 +15,10 @@ namespace devservice {
 /// For the thread that serves it, but for abort().
 class Connection : public httplib::Stream {
  public:
-  static constexpr std::size_t maxHeadSize = std::size_t{64} << 10;  ///< In bytes; reading more of one fails.
-
-  /// Takes the descriptor of the socket and closes it in the end.
-  explicit Connection(int descriptor) : descriptor_(descriptor) {}
+  /// Takes the descriptor of the socket and closes it in the end. A request that takes longer than the limit to arrive,
+  /// from its first byte, or whose head is too large, fails to be read.
+  Connection(int descriptor, std::chrono::milliseconds requestLimit)
+      : descriptor_(descriptor), requestLimit_(requestLimit) {}
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
   ~Connection() override;
@@ -56,7 +56,11 @@ class Connection : public httplib::Stream {
  private:
   bool flush();
 
+  bool awaitInput(std::chrono::milliseconds limit) const;
+
   const int descriptor_;
+  const std::chrono::milliseconds requestLimit_;
+  std::chrono::steady_clock::time_point deadline_;  // of the request that is being read
   std::string input_;
   std::size_t position_ = 0;  // of the first byte of the input not yet read
   std::string head_;

@@ -18,6 +18,7 @@ struct Draft;
 /// Something that is wrong with a reply on demand.
 struct Fault {
   int number;
+  std::string_view name;  ///< A word or two.
   std::string_view text;
   void (*spoil)(Draft& draft);  ///< Null for the refusal, which comes instead of the call.
 };

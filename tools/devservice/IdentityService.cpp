@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "tools/devservice/Glyphs.h"
+#include "tools/devservice/LocalCaller.h"
 #include "tools/devservice/Picture.h"
 
 namespace devservice {
@@ -52,6 +53,7 @@ std::string_view wrongHeader(const Request& request) {
   if (!isJsonType(request.header("Content-Type").value_or(""))) return "Content-Type";
   if (request.header("XRAPI-VERSION") != "1.0") return "XRAPI-VERSION";
   if (request.header("XRAPI-DEVICE-TYPE") != "1") return "XRAPI-DEVICE-TYPE";
+  if (request.header("XRAPI-CLIENT-ID").value_or("").size() > maxTextSize) return "XRAPI-CLIENT-ID";
   return {};
 }
 
@@ -61,7 +63,9 @@ std::string takeMembers(const Json& object, Names names, Members& members) {
   for (const std::string_view name : names) {
     const auto found = object.find(name);
     if (found == object.end() || !found->is_string()) return std::string(name);
-    members.emplace(name, found->get<std::string>());
+    const auto& text = found->get_ref<const std::string&>();
+    if (text.size() > maxTextSize) return std::string(name);
+    members.emplace(name, text);
   }
   for (const auto& member : object.items()) {
     if (!members.contains(member.key())) return member.key();
@@ -103,9 +107,9 @@ Reply IdentityService::answer(const Request& request) {
     return refuse(200, Code::badMember, name);
   }
   const std::string& mobile = members.find("mobile")->second;
-  if (!isMobileNumber(mobile)) return refuse(200, Code::badNumber);
+  if (!isMobileNumber(mobile)) return refuse(200, Code::badNumber, mobile);
 
-  const Fault* fault = demandedFault(mobile, route->call);
+  const Fault* fault = faultFor(mobile, route->call);
   if (fault && !fault->spoil) return makeReply(refusal(Code::demanded));
   return makeReply(perform(route->call, members, request.header("XRAPI-CLIENT-ID")), fault);
 }
@@ -117,24 +121,52 @@ std::optional<Inspection> IdentityService::inspect(std::string_view mobile) cons
   return record ? std::optional(view(*record, now)) : std::nullopt;
 }
 
+std::vector<std::pair<std::string, Inspection>> IdentityService::recent(std::size_t most) const {
+  std::vector<std::pair<std::string, Inspection>> known;
+  const TimePoint now = environment_.now();
+  const std::lock_guard lock(mutex_);
+  for (const auto& [mobile, record] : records_.entries()) {
+    if (known.size() == most) break;
+    known.emplace_back(mobile, view(record, now));
+  }
+  return known;
+}
+
+std::vector<TextMessage> IdentityService::messages() const {
+  const std::lock_guard lock(mutex_);
+  return {messages_.begin(), messages_.end()};
+}
+
+void IdentityService::chooseFault(const Fault* fault) {
+  const std::lock_guard lock(mutex_);
+  chosenFault_ = fault;
+}
+
+const Fault* IdentityService::chosenFault() const {
+  const std::lock_guard lock(mutex_);
+  return chosenFault_;
+}
+
+/// The fault the number demands, or the chosen one, which is then used up.
+const Fault* IdentityService::faultFor(std::string_view mobile, Call call) {
+  if (const Fault* demanded = demandedFault(mobile, call)) return demanded;
+  const std::lock_guard lock(mutex_);
+  return std::exchange(chosenFault_, nullptr);
+}
+
 Reply IdentityService::answerInspect(const Request& request) const {
   if (request.method != "GET") return refuse(405, Code::wrongMethod);
-  if (!request.peer.starts_with("127.") && request.peer != "::1") return refuse(403, Code::notLocal);
+  if (!isLocalCaller(request)) return refuse(403, Code::notLocal);
 
   Json all = Json::object();
-  const TimePoint now = environment_.now();
-  {
-    const std::lock_guard lock(mutex_);
-    for (const auto& [mobile, record] : records_.entries()) {
-      const Inspection known = view(record, now);
-      all.push_back({mobile,
-                     {{"picture", orNull(known.picture)},
-                      {"message", orNull(known.message)},
-                      {"code", orNull(known.code)},
-                      {"facts", orNull(known.facts)},
-                      {"clientId", orNull(known.clientId)},
-                      {"signedIn", known.signedIn}}});
-    }
+  for (const auto& [mobile, known] : recent(maxNumbers)) {
+    all.push_back({mobile,
+                   {{"picture", orNull(known.picture)},
+                    {"message", orNull(known.message)},
+                    {"code", orNull(known.code)},
+                    {"facts", orNull(known.facts)},
+                    {"clientId", orNull(known.clientId)},
+                    {"signedIn", known.signedIn}}});
   }
   Reply reply;
   reply.body = all.dump(-1, ' ', false, Json::error_handler_t::replace);
@@ -163,10 +195,13 @@ Envelope IdentityService::perform(Call call, const Members& members,
 
 Envelope IdentityService::sendPicture(const std::string& mobile) {
   const std::string text = randomText(4 + below(2), alphabet);
-  auto picture = drawPicture(text, environment_.random());
+  const std::uint32_t seed = environment_.random();
+  auto picture = drawPicture(text, seed);
   const TimePoint now = environment_.now();
   const std::lock_guard lock(mutex_);
-  records_.touch(mobile).picture = Secret{text, now + lifetime, 1};
+  Record& record = records_.touch(mobile);
+  record.picture = Secret{text, now + secretLifetime, 1};
+  record.drawing = Drawing{text, seed};
   return {Code::success, "picture sent", std::move(picture)};
 }
 
@@ -185,8 +220,10 @@ Envelope IdentityService::sendCode(const std::string& mobile, std::string_view p
       case Attempt::right:
         break;
     }
-    record.code = Secret{code, now + lifetime, codeAttempts};
+    record.code = Secret{code, now + secretLifetime, codeAttempts};
     record.message = message;
+    if (messages_.size() == maxMessages) messages_.pop_front();
+    messages_.push_back({++messageCount_, std::chrono::system_clock::now(), mobile, message});
   }
   environment_.deliver(mobile, message);
   return {Code::success, "code sent", {}};
@@ -196,10 +233,13 @@ Envelope IdentityService::login(const std::string& mobile, std::string_view code
   const TimePoint now = environment_.now();
   const std::lock_guard lock(mutex_);
   Record& record = records_.touch(mobile);
+  if (now >= record.firstWrongCode + wrongCodesWindow) record.wrongCodes = 0;
+  if (record.wrongCodes == maxWrongCodes) return refusal(Code::tooManyWrongCodes);
   switch (attempt(record.code, code, now)) {
     case Attempt::none:
       return refusal(Code::noCode);
     case Attempt::wrong:
+      if (record.wrongCodes++ == 0) record.firstWrongCode = now;
       return refusal(Code::wrongCode);
     case Attempt::right:
       break;
@@ -229,7 +269,7 @@ Inspection IdentityService::view(const Record& record, TimePoint now) {
   const auto live = [now](const std::optional<Secret>& secret) {
     return secret && now < secret->expires ? std::optional(secret->text) : std::nullopt;
   };
-  return {live(record.picture), record.message,  live(record.code),
+  return {live(record.picture), record.message,  live(record.code), record.drawing,
           record.facts,         record.clientId, record.signedIn};
 }
 

@@ -3,15 +3,19 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "tools/devservice/Codes.h"
 #include "tools/devservice/Faults.h"
+#include "tools/devservice/Limits.h"
 #include "tools/devservice/Message.h"
 #include "tools/devservice/RecentMap.h"
 
@@ -20,11 +24,25 @@ namespace devservice {
 /// The string members of a request's body by name.
 using Members = std::map<std::string, std::string, std::less<>>;
 
+/// What a picture is drawn from.
+struct Drawing {
+  std::string text;
+  std::uint32_t seed;
+};
+
+struct TextMessage {
+  std::uint64_t id;  ///< Counted from 1.
+  std::chrono::system_clock::time_point time;
+  std::string mobile;
+  std::string text;
+};
+
 /// What the service knows of one mobile number.
 struct Inspection {
   std::optional<std::string> picture;   ///< Text of the picture that waits to be read.
   std::optional<std::string> message;   ///< The last text message.
   std::optional<std::string> code;      ///< The code that waits to be entered.
+  std::optional<Drawing> drawing;       ///< The last picture, whether it waits or not.
   std::optional<Members> facts;         ///< The last submission, with its "mobile".
   std::optional<std::string> clientId;  ///< The client identifier in the last request, if it had one.
   bool signedIn = false;
@@ -51,12 +69,6 @@ struct Environment {
 /// Safe to use from several threads at once.
 class IdentityService {
  public:
-  static constexpr std::chrono::minutes lifetime{5};  ///< Of a picture and of a code.
-  static constexpr int codeAttempts = 5;
-  static constexpr std::size_t maxNumbers =
-      10'000;  ///< The least recently used number above these is forgotten.
-  static constexpr std::size_t maxBodySize = std::size_t{64} << 10;  ///< Of a request, in bytes.
-
   explicit IdentityService(Environment environment = {});
 
   /// The reply to a request of any kind; every refusal is a reply.
@@ -64,6 +76,16 @@ class IdentityService {
 
   /// What is known of the number; nothing when it has made no call, or is forgotten.
   std::optional<Inspection> inspect(std::string_view mobile) const;
+
+  /// What is known of the numbers used last, the latest first.
+  std::vector<std::pair<std::string, Inspection>> recent(std::size_t most) const;
+
+  /// The last text messages, the oldest first.
+  std::vector<TextMessage> messages() const;
+
+  /// The fault, of the table, of the next call whose number demands none itself; null for none.
+  void chooseFault(const Fault* fault);
+  const Fault* chosenFault() const;
 
  private:
   /// A text to be given back in time.
@@ -77,9 +99,12 @@ class IdentityService {
     std::optional<Secret> picture;
     std::optional<Secret> code;
     std::optional<std::string> message;
+    std::optional<Drawing> drawing;
     std::optional<Members> facts;
     std::optional<std::string> clientId;
     bool signedIn = false;
+    int wrongCodes = 0;        // since
+    TimePoint firstWrongCode;  // this
   };
 
   enum class Attempt { none, wrong, right };
@@ -88,6 +113,7 @@ class IdentityService {
   static Inspection view(const Record& record, TimePoint now);
 
   Reply answerInspect(const Request& request) const;
+  const Fault* faultFor(std::string_view mobile, Call call);
   Envelope perform(Call call, const Members& members, std::optional<std::string_view> clientId);
   Envelope sendPicture(const std::string& mobile);
   Envelope sendCode(const std::string& mobile, std::string_view pictureText);
@@ -100,6 +126,9 @@ class IdentityService {
   const Environment environment_;
   mutable std::mutex mutex_;
   RecentMap<Record> records_{maxNumbers};
+  std::deque<TextMessage> messages_;
+  std::uint64_t messageCount_ = 0;
+  const Fault* chosenFault_ = nullptr;
 };
 
 }  // namespace devservice

@@ -37,6 +37,7 @@ struct Reply {
   std::string contentType = "application/json";
   std::string body;
   TransportFault fault = TransportFault::none;
+  std::vector<std::pair<std::string, std::string>> headers = {};  ///< Beyond those that every reply has.
 };
 
 }  // namespace devservice

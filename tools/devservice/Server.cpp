@@ -1,11 +1,15 @@
 #include "tools/devservice/Server.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
+#include <functional>
 #include <httplib.h>
 #include <map>
 #include <mutex>
+#include <semaphore>
 #include <stdexcept>
 #include <string>
 #include <sys/socket.h>
@@ -14,16 +18,14 @@
 #include <utility>
 
 #include "tools/devservice/Connection.h"
+#include "tools/devservice/Page.h"
 
 namespace devservice {
 namespace {
 
 constexpr std::chrono::milliseconds faultDelay{1500};
-constexpr std::chrono::seconds idleTimeout{60};
-constexpr std::size_t maxConnections = 32;  // served at once; more wait for their turn
-constexpr std::size_t longestLoggedBody = 200;
 // By TransportFault.
-constexpr std::string_view faultNotes[] = {"", ", delayed", ", dropped", ", cut", ", reset"};
+constexpr std::string_view faultNotes[] = {"", "delayed", "dropped", "cut", "reset"};
 
 std::string escaped(std::string_view text) {
   constexpr char digits[] = "0123456789abcdef";
@@ -60,6 +62,39 @@ Fields fieldsOf(std::string_view head) {
   return fields;
 }
 
+std::string lineOf(const LogEntry& entry) {
+  std::string line =
+      escaped(entry.method + " " + entry.path + " " + std::to_string(entry.status) + " " + entry.body);
+  if (!entry.fault.empty()) line.append(", ").append(entry.fault);
+  return line;
+}
+
+/// Threads for so many connections at once. Taking on one more waits until one of them ends.
+class ConnectionThreads : public httplib::TaskQueue {
+ public:
+  /// The flag is set while one waits.
+  ConnectionThreads(std::size_t count, std::atomic<bool>& crowded)
+      : pool_(count), free_(static_cast<std::ptrdiff_t>(count)), crowded_(crowded) {}
+
+  void enqueue(std::function<void()> serve) override {
+    if (!free_.try_acquire()) {
+      crowded_ = true;
+      free_.acquire();
+      crowded_ = false;
+    }
+    pool_.enqueue([this, serve = std::move(serve)] {
+      serve();
+      free_.release();
+    });
+  }
+  void shutdown() override { pool_.shutdown(); }
+
+ private:
+  httplib::ThreadPool pool_;
+  std::counting_semaphore<> free_;
+  std::atomic<bool>& crowded_;
+};
+
 Request requestFrom(const httplib::Request& received, std::string_view head) {
   return {received.method, received.path, fieldsOf(head), received.body, received.remote_addr};
 }
@@ -69,19 +104,21 @@ Request requestFrom(const httplib::Request& received, std::string_view head) {
 /// An HTTP server that runs its connections itself, to have a hand in how they end.
 class Server::Implementation : private httplib::Server {
  public:
-  Implementation(IdentityService& service, std::uint16_t port, Log log)
-      : service_(service), log_(std::move(log)) {
+  Implementation(IdentityService& service, std::uint16_t port, Log log, const ServerLimits& limits)
+      : service_(service), log_(std::move(log)), limits_(limits) {
     route();
     set_tcp_nodelay(true);
-    set_keep_alive_timeout(idleTimeout.count());
+    set_keep_alive_timeout(limits.idle.count());
     set_keep_alive_max_count(1'000'000);  // announced; there is no limit
-    set_payload_max_length(IdentityService::maxBodySize);
+    set_payload_max_length(maxBodySize);
     // The library's default would let two servers share a port.
     set_socket_options([](socket_t socket) {
       const int yes = 1;
       setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     });
-    new_task_queue = [] { return std::make_unique<httplib::ThreadPool>(maxConnections).release(); };
+    new_task_queue = [this] {
+      return std::make_unique<ConnectionThreads>(limits_.connections, crowded_).release();
+    };
 
     const std::string host = "127.0.0.1";
     const int bound = port != 0 ? (bind_to_port(host, port) ? port : -1) : bind_to_any_port(host);
@@ -113,20 +150,27 @@ class Server::Implementation : private httplib::Server {
     // The library's routes are regular expressions, and to match one recurses over the path. So there are
     // none: the service answers what the library has no route for.
     set_error_handler([this](const httplib::Request& received, httplib::Response& response) {
-      const Reply reply = response.status == 404 ? service_.answer(requestFrom(received, current().head()))
-                                                 : refuse(response.status);
+      const Reply reply =
+          response.status == 404 ? answer(requestFrom(received, current().head())) : refuse(response.status);
+      if (!Page::owns(received.path)) log(received, reply);
       response.status = reply.status;
+      for (const auto& [name, value] : reply.headers) response.set_header(name, value);
       response.set_content(reply.body, reply.contentType);
       current().setFault(reply.fault);
     });
-    set_logger([this](const httplib::Request& received, const httplib::Response& response) {
-      if (!log_) return;
-      const bool brief = response.body.size() <= longestLoggedBody;
-      const std::string body = brief ? response.body : std::to_string(response.body.size()) + " bytes";
-      const auto note = faultNotes[static_cast<std::size_t>(current().fault())];
-      log_(escaped(received.method + " " + received.path + " " + std::to_string(response.status) + " " + body)
-               .append(note));
-    });
+  }
+
+  void log(const httplib::Request& received, const Reply& reply) {
+    const bool brief = reply.body.size() <= maxLogText;
+    const std::string body = brief ? reply.body : std::to_string(reply.body.size()) + " bytes";
+    const auto note = faultNotes[static_cast<std::size_t>(reply.fault)];
+    LogEntry entry{received.method, received.path, reply.status, body, note};
+    if (log_) log_(lineOf(entry));
+    page_.record(std::move(entry));
+  }
+
+  Reply answer(const Request& request) {
+    return Page::owns(request.path) ? page_.answer(request) : service_.answer(request);
   }
 
   /// What the library does not understand; where the next request would start is anybody's guess.
@@ -138,9 +182,9 @@ class Server::Implementation : private httplib::Server {
   }
 
   bool process_and_close_socket(socket_t socket) override {
-    Connection connection(socket);
+    Connection connection(socket, limits_.request);
     if (!enter(connection)) return false;
-    while (connection.awaitRequest(idleTimeout)) {
+    while (awaitRequest(connection)) {
       bool closing = false;
       if (!process_request(connection, false, closing, nullptr)) break;
       if (connection.fault() == TransportFault::delay) pause();
@@ -148,6 +192,15 @@ class Server::Implementation : private httplib::Server {
     }
     leave();
     return true;
+  }
+
+  bool awaitRequest(Connection& connection) const {
+    constexpr std::chrono::seconds step{1};
+    for (std::chrono::seconds idle{0}; idle < (crowded_ ? limits_.idleWhenCrowded : limits_.idle);
+         idle += step) {
+      if (connection.awaitRequest(step)) return true;
+    }
+    return false;
   }
 
   bool enter(Connection& connection) {
@@ -173,17 +226,20 @@ class Server::Implementation : private httplib::Server {
   }
 
   IdentityService& service_;
+  Page page_{service_};
   const Log log_;
+  const ServerLimits limits_;
   std::uint16_t port_ = 0;
   std::mutex mutex_;
   std::condition_variable stopped_;
   bool stopping_ = false;
+  std::atomic<bool> crowded_ = false;  // a connection waits for a thread
   std::map<std::thread::id, Connection*> connections_;
   std::thread thread_;
 };
 
-Server::Server(IdentityService& service, std::uint16_t port, Log log)
-    : implementation_(std::make_unique<Implementation>(service, port, std::move(log))) {}
+Server::Server(IdentityService& service, std::uint16_t port, Log log, ServerLimits limits)
+    : implementation_(std::make_unique<Implementation>(service, port, std::move(log), limits)) {}
 
 Server::~Server() = default;
 

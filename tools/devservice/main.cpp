@@ -25,7 +25,13 @@ The identity service for development and tests, on 127.0.0.1.
   --help     print this
   --version  print the version
 
-The text messages are printed; GET /inspect shows what is known of each number.
+The text messages are printed. The page at / shows them with what is known of each number, and has
+buttons for faults; GET /inspect shows the same to scripts.
+
+It may be left running: what it keeps is limited, and it listens to this machine alone. Programs on
+this machine may read every code; that is what it is for. Sites open in a browser may not: the page
+and /inspect answer only requests for localhost, 127.0.0.1 or [::1] that no other origin sends. Nor
+is a code to be guessed: five wrong tries end it, and after fifty in an hour a number has to wait.
 )";
 
 struct Options {
