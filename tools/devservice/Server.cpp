@@ -166,7 +166,7 @@ class Server::Implementation : private httplib::Server {
     const auto note = faultNotes[static_cast<std::size_t>(reply.fault)];
     LogEntry entry{received.method, received.path, reply.status, body, note};
     if (log_) log_(lineOf(entry));
-    page_.record(std::move(entry));
+    if (entry.path != "/inspect") page_.record(std::move(entry));  // whoever asks there is no phone
   }
 
   Reply answer(const Request& request) {
