@@ -63,7 +63,9 @@ test("a sign-in appears as it goes on", async () => {
   assert.match(await page.getByRole("log").innerText(), /to \+447700900123/);
   await steps.next();
   await card.getByText("Signed in").waitFor();
-  for (const fact of ["deviceModel", "carrier", "deviceName", "IMEI", "IMSI"]) await card.getByText(fact, { exact: true }).waitFor();
+  for (const fact of ["deviceModel", "carrier", "deviceName", "IMEI", "IMSI"]) {
+    await card.getByText(fact, { exact: true }).waitFor();
+  }
   for (const path of ["verify/captcha", "getVerifyCode", "submitVerifyCode", "submitMobileInformation"]) {
     await shows(`POST /tenant/${path}`);
   }

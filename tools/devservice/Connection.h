@@ -15,8 +15,8 @@ namespace devservice {
 /// For the thread that serves it, but for abort().
 class Connection : public httplib::Stream {
  public:
-  /// Takes the descriptor of the socket and closes it in the end. A request that takes longer than the limit to arrive,
-  /// from its first byte, or whose head is too large, fails to be read.
+  /// Takes the descriptor of the socket and closes it in the end. A request that takes longer than the limit
+  /// to arrive, from its first byte, or whose head is too large, fails to be read.
   Connection(int descriptor, std::chrono::milliseconds requestLimit)
       : descriptor_(descriptor), requestLimit_(requestLimit) {}
   Connection(const Connection&) = delete;

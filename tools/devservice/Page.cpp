@@ -18,7 +18,8 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::string_view picturePrefix = "/page/picture/";
 
-/// On every reply. Scripts and styles are the page's own files; nobody frames the page, embeds its parts or keeps a code.
+/// On every reply. Scripts and styles are the page's own files; nobody frames it, embeds its parts or keeps a
+/// code.
 constexpr std::pair<std::string_view, std::string_view> guards[] = {
     {"Content-Security-Policy",
      "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
@@ -104,7 +105,7 @@ Reply Page::answer(const Request& request) {
 
 void Page::record(LogEntry entry) {
   const auto now = milliseconds(std::chrono::system_clock::now());
-  entry.path.resize(std::min(entry.path.size(), maxLogText));
+  for (auto* text : {&entry.method, &entry.path}) text->resize(std::min(text->size(), maxLogText));
   const std::lock_guard lock(mutex_);
   if (log_.size() == maxLogEntries) log_.pop_front();
   log_.push_back({++recorded_, now, std::move(entry)});

@@ -20,7 +20,8 @@ struct LogEntry {
   std::string_view fault = {};  ///< What was done to the connection.
 };
 
-/// The page for a developer's browser, and what its script asks for. Safe to use from several threads at once.
+/// The page for a developer's browser, and what its script asks for. Safe to use from several threads at
+/// once.
 class Page {
  public:
   /// The service has to outlive the page.

@@ -152,7 +152,7 @@ class Server::Implementation : private httplib::Server {
     set_error_handler([this](const httplib::Request& received, httplib::Response& response) {
       const Reply reply =
           response.status == 404 ? answer(requestFrom(received, current().head())) : refuse(response.status);
-      if (!Page::owns(received.path)) log(received, reply);
+      if (!Page::owns(received.path) || reply.status >= 400) log(received, reply);
       response.status = reply.status;
       for (const auto& [name, value] : reply.headers) response.set_header(name, value);
       response.set_content(reply.body, reply.contentType);
@@ -166,7 +166,7 @@ class Server::Implementation : private httplib::Server {
     const auto note = faultNotes[static_cast<std::size_t>(reply.fault)];
     LogEntry entry{received.method, received.path, reply.status, body, note};
     if (log_) log_(lineOf(entry));
-    if (entry.path != "/inspect") page_.record(std::move(entry));  // whoever asks there is no phone
+    if (entry.path != "/inspect") page_.record(std::move(entry));  // asked by scripts, not by phones
   }
 
   Reply answer(const Request& request) {
