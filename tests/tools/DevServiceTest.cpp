@@ -411,7 +411,7 @@ TEST(DevServer, EndsRequestsThatTakeTooLong) {
 
 TEST(DevServer, ServesSoManyAtOnceAndEndsAnIdleOneForAnother) {
   IdentityService service;
-  const Server server(service, 0, {}, {.connections = 2});
+  const Server server(service, 0, {}, {.connections = 2, .idle = 10min});
   Client first(server), second(server), third(server);
   for (Client* client : {&first, &second, &third}) {
     EXPECT_FALSE(first.hasEnded() || second.hasEnded());
