@@ -243,8 +243,12 @@ TEST(Page, SpoilsTheNextCallAsChosen) {
 
 TEST(Page, AnswersTheDeveloperAlone) {
   const std::string own = "127.0.0.1:8080", ownOrigin = "http://127.0.0.1:8080", peer = "127.0.0.1";
-  const std::tuple<std::string, std::string, std::optional<std::string>, bool, bool> cases[] = {
-      // peer, host, origin; whether it may look, and change something
+  struct Case {
+    std::string peer, host;
+    std::optional<std::string> origin;
+    bool looks, changes;
+  };
+  const Case cases[] = {
       {peer, own, std::nullopt, true, false},
       {peer, own, ownOrigin, true, true},
       {"::1", "[::1]", "http://[::1]", true, true},
@@ -261,23 +265,23 @@ TEST(Page, AnswersTheDeveloperAlone) {
       {peer, own, "null", false, false},
       {peer, own, "", false, false},
   };
-  for (const auto& [from, host, origin, looks, changes] : cases) {
+  for (const Case& each : cases) {
     Bench bench;
     Page page(bench.service);
     bench.call(askPicture(number));
     const auto statusOf = [&](Request request) {
-      request.peer = from;
-      request.headers = {{"host", host}};
-      if (origin) request.headers.emplace_back("origin", *origin);
+      request.peer = each.peer;
+      request.headers = {{"host", each.host}};
+      if (each.origin) request.headers.emplace_back("origin", *each.origin);
       return (Page::owns(request.path) ? page.answer(request) : bench.service.answer(request)).status;
     };
     const std::string picture = "/page/picture/" + number;
     for (const std::string path : {"/", "/page/state", picture.c_str(), "/page/style.css", "/inspect"}) {
-      EXPECT_EQ(statusOf(local(path)), looks ? 200 : 403)
-          << path << " " << host << " " << origin.value_or("-");
+      EXPECT_EQ(statusOf(local(path)), each.looks ? 200 : 403)
+          << path << " " << each.host << " " << each.origin.value_or("-");
     }
-    EXPECT_EQ(statusOf(local("/page/fault", R"({"fault":1})")), changes ? 200 : 403) << origin.value_or("-");
-    EXPECT_EQ(bench.service.chosenFault() != nullptr, changes);
+    EXPECT_EQ(statusOf(local("/page/fault", R"({"fault":1})")), each.changes ? 200 : 403) << each.host;
+    EXPECT_EQ(bench.service.chosenFault() != nullptr, each.changes);
   }
   IdentityService service;
   Page page(service);
