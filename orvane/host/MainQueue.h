@@ -1,10 +1,14 @@
 #pragma once
 
 #include <chrono>
+#include <concepts>
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <mutex>
+#include <utility>
 
 #include "orvane/base/Export.h"
 #include "orvane/platform/DispatchQueue.h"
@@ -44,9 +48,20 @@ class ORVANE_API PostingQueue final : public DispatchQueue {
  public:
   explicit PostingQueue(std::function<void(Task)> post) : post_(std::move(post)) {}
 
+  /// Posts with a C function that takes a function and its argument, in this order, as GLib's g_idle_add_once
+  /// does. What it returns is ignored.
+  template <std::invocable<void (*)(void*), void*> Post>
+  explicit PostingQueue(Post post)
+      : post_([post](Task task) { post(runTask, std::make_unique<Task>(std::move(task)).release()); }) {}
+
   void async(Task task) override { post_(std::move(task)); }
 
  private:
+  static void runTask(void* task) {
+    const std::unique_ptr<Task> owned(static_cast<Task*>(task));
+    (*owned)();
+  }
+
   std::function<void(Task)> post_;
 };
 
