@@ -1,0 +1,41 @@
+# What `cmake --install` puts where: three components, which are three Debian packages.
+#   runtime      the shared library
+#   development  the headers, the library to link, the files for CMake and pkg-config
+#   tools        the programs
+
+include(CMakePackageConfigHelpers)
+
+get_target_property(type orvane TYPE)
+string(COMPARE EQUAL ${type} STATIC_LIBRARY is_static)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Orvane)
+install(TARGETS orvane EXPORT OrvaneTargets
+  LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE COMPONENT development
+  FILE_SET HEADERS COMPONENT development)
+install(EXPORT OrvaneTargets NAMESPACE Orvane:: DESTINATION ${package_dir} COMPONENT development)
+
+configure_package_config_file(cmake/OrvaneConfig.cmake.in ${PROJECT_BINARY_DIR}/OrvaneConfig.cmake
+  INSTALL_DESTINATION ${package_dir} NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/OrvaneConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/OrvaneConfig.cmake ${PROJECT_BINARY_DIR}/OrvaneConfigVersion.cmake
+  DESTINATION ${package_dir} COMPONENT development)
+if(is_static)
+  install(FILES cmake/Findutf8proc.cmake DESTINATION ${package_dir} COMPONENT development)
+endif()
+
+set(requires "")
+set(threads "")
+if(is_static)
+  set(requires "libcurl >= 7.85 libutf8proc")
+  set(threads " -pthread")
+endif()
+file(RELATIVE_PATH prefix_from_pc ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(cmake/orvane.pc.in ${PROJECT_BINARY_DIR}/orvane.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/orvane.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+if(ORVANE_BUILD_TOOLS)
+  file(RELATIVE_PATH libraries_from_programs ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+  set_target_properties(orvane-signin PROPERTIES INSTALL_RPATH $ORIGIN/${libraries_from_programs})
+  install(TARGETS orvane-signin orvane-devservice COMPONENT tools)
+endif()
