@@ -11,3 +11,6 @@
 #include "orvane/network/NetworkTool.h"
 #include "orvane/platform/Platform.h"
 #include "orvane/version/Orvane_vers.h"
+
+/// All of the library but its two version records.
+namespace orvane {}

@@ -23,6 +23,7 @@ class Snapshot {
     release(replaced_.load());
   }
 
+  /// A copy of the present value; nothing before the first store.
   std::optional<T> load() const {
     readers_.fetch_add(1);
     const Node* node = current_.load();
@@ -31,6 +32,7 @@ class Snapshot {
     return value;
   }
 
+  /// Replaces the value.
   void store(T value) {
     if (Node* old = current_.exchange(make(std::move(value)))) setAside(old, old);
     Node* replaced = replaced_.exchange(nullptr);

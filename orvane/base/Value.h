@@ -22,10 +22,13 @@ namespace orvane {
 
 class Value;
 
+/// Integers of any size, but not bool.
 template <class T>
 concept Integer = std::integral<T> && !std::same_as<T, bool>;
 
+/// A byte buffer.
 using Bytes = std::vector<std::uint8_t>;
+/// Values by name, in the order of their names' bytes.
 using Map = std::map<std::string, Value, std::less<>>;
 
 /// A sequence of values. As long as all elements are integers from 0 to 255 they take one byte each, so that
@@ -34,28 +37,39 @@ class ORVANE_API Array {
  public:
   class Iterator;
 
+  /// Made of nothing, of elements, of bytes, or of another array.
+  ///@{
   Array() noexcept;
   Array(std::initializer_list<Value> values);
   explicit Array(Bytes bytes) noexcept;
   Array(const Array& other);
   Array(Array&& other) noexcept;
+  ///@}
   /// Also from an array inside this one.
   Array& operator=(Array other) noexcept;
   ~Array();
 
+  /// How many elements there are.
   std::size_t size() const noexcept;
+  /// Whether there are none.
   bool empty() const noexcept { return size() == 0; }
 
   /// The element at `index`, which is below size().
   const Value& operator[](std::size_t index) const noexcept;
 
+  /// For a range-based for, over the elements in their order.
+  ///@{
   Iterator begin() const noexcept;
   Iterator end() const noexcept;
+  ///@}
 
   /// The elements, where all of them are integers from 0 to 255 (as in an empty array); else nothing.
+  ///@{
   const Bytes* bytes() const noexcept;
   Bytes* bytes() noexcept;
+  ///@}
 
+  /// Appends a value.
   void push_back(Value value);
 
   /// Appends an array or a map and answers it in its place, where it stays until the next addition.
@@ -74,11 +88,12 @@ class ORVANE_API Array {
 /// are deep. Nesting may be of any depth; copying and destroying do not recurse.
 class ORVANE_API Value {
  public:
+  /// Made of what JSON can say; an integer beyond 64 signed bits becomes a real, a null text nothing.
+  ///@{
   Value() noexcept = default;
   Value(std::nullptr_t) noexcept {}
   template <std::same_as<bool> T>
   Value(T boolean) noexcept : data_(boolean) {}
-  /// An integer beyond 64 signed bits becomes a real.
   template <Integer T>
   Value(T integer) noexcept
       : data_(std::in_range<std::int64_t>(integer) ? Data(static_cast<std::int64_t>(integer))
@@ -90,18 +105,24 @@ class ORVANE_API Value {
   Value(const char* text) : data_(text ? Data(std::string(text)) : Data()) {}
   Value(Array array) : data_(std::make_unique<Array>(std::move(array))) {}
   Value(Map map) : data_(std::make_unique<Map>(std::move(map))) {}
+  ///@}
 
+  /// Copies are deep; what was moved from is nothing.
+  ///@{
   Value(const Value& other);
   Value(Value&& other) noexcept : data_(std::move(other.data_)) { other.data_.emplace<std::monostate>(); }
   Value& operator=(Value other) noexcept {
     std::destroy_at(this);
     return *std::construct_at(this, std::move(other));
   }
+  ///@}
   ~Value();
 
+  /// Whether it is nothing: JSON's null.
   bool isNothing() const noexcept { return std::holds_alternative<std::monostate>(data_); }
 
-  // Each answers a pointer to the content where the value is of that kind, else null.
+  /// Each answers a pointer to the content where the value is of that kind, else null.
+  ///@{
   const bool* boolean() const noexcept { return std::get_if<bool>(&data_); }
   const std::int64_t* integer() const noexcept { return std::get_if<std::int64_t>(&data_); }
   const double* real() const noexcept { return std::get_if<double>(&data_); }
@@ -111,6 +132,7 @@ class ORVANE_API Value {
   std::string* text() noexcept { return std::get_if<std::string>(&data_); }
   Array* array() noexcept { return content<Array>(); }
   Map* map() noexcept { return content<Map>(); }
+  ///@}
 
   /// A number as an integer; a real is truncated toward zero and clamped to the range (not-a-number gives 0).
   /// Nothing for any other kind: true is not a number.
@@ -139,6 +161,8 @@ class ORVANE_API Value {
 /// Visits the elements of an array in order.
 class Array::Iterator {
  public:
+  /// What the standard asks of an input iterator.
+  ///@{
   using value_type = Value;
   using difference_type = std::ptrdiff_t;
 
@@ -156,6 +180,7 @@ class Array::Iterator {
     return before;
   }
   bool operator==(const Iterator&) const noexcept = default;
+  ///@}
 
  private:
   const Array* array_ = nullptr;

@@ -29,6 +29,7 @@ class ORVANE_API OrvaneManager {
  public:
   /// `data`: the picture's bytes, possibly none, or an error.
   using PictureCodeFinished = std::function<void(std::optional<Bytes> data, ErrorPtr error)>;
+  /// `error`: why the code was not sent, or null.
   using CodeFinished = std::function<void(ErrorPtr error)>;
   /// `message`: the service's message, for an accepted and for a refused login.
   using LoginFinished = std::function<void(std::optional<std::string> message, ErrorPtr error)>;
@@ -47,8 +48,10 @@ class ORVANE_API OrvaneManager {
   /// The application's client identifier, sent with each call while it is present, also while it is empty.
   /// Absent at first. One with NUL, CR or LF cannot be a header's value and is left out. Plain memory: who
   /// changes it while another thread uses the manager must serialise the two.
+  ///@{
   virtual std::optional<std::string> clientId() const;
   virtual void setClientId(std::optional<std::string> clientId);
+  ///@}
 
   /// Sets the client identifier, unchanged, for the calls to come.
   virtual void setAppClientId(std::string clientId);

@@ -40,6 +40,7 @@ enum class DeviceName {
   Unknown,
 };
 
+/// The raw values of DeviceName.
 inline constexpr std::array<std::string_view, 28> deviceNames = {
     "iPhone4",       "iPhone4S",      "iPhone5",       "iPhone5C",      "iPhone5S",      "iPhone6",
     "iPhone6Plus",   "iPhone6S",      "iPhone6SPlus",  "iPad1",         "iPad2",         "iPadMini",
@@ -47,6 +48,7 @@ inline constexpr std::array<std::string_view, 28> deviceNames = {
     "iPadMini4",     "iPadPro",       "iPodTouch1Gen", "iPodTouch2Gen", "iPodTouch3Gen", "iPodTouch4Gen",
     "iPodTouch5Gen", "iPodTouch6Gen", "Simulator",     "Unknown"};
 
+/// Their place in Enumeration.h's functions.
 template <>
 inline constexpr std::span<const std::string_view> rawValues<DeviceName> = deviceNames;
 

@@ -14,12 +14,13 @@ namespace orvane {
 
 /// Sends what is meant for one address to another. The request stays as it is, its Host field too.
 struct Reroute {
-  std::string host;         ///< The host name in the URL.
-  std::uint16_t port = 80;  ///< The port in the URL, or its scheme's.
-  std::string toHost;       ///< A name, an IPv4 address, or an IPv6 address without brackets.
-  std::uint16_t toPort = 80;
+  std::string host;           ///< The host name in the URL.
+  std::uint16_t port = 80;    ///< The port in the URL, or its scheme's.
+  std::string toHost;         ///< A name, an IPv4 address, or an IPv6 address without brackets.
+  std::uint16_t toPort = 80;  ///< The port there.
 };
 
+/// What can be set for a session; each member has the default.
 struct HostSessionConfiguration {
   /// How long a transfer may pass without a byte of a body or a whole header line, connecting included; then
   /// error -1001. Must be positive.
@@ -33,6 +34,7 @@ struct HostSessionConfiguration {
   std::size_t connectionsPerHost = 6;
   /// A proxy's URL; empty for none. The environment is not read.
   std::string proxy = {};
+  /// The first that fits a request, a redirected one too, is followed.
   std::vector<Reroute> reroutes = {};
 };
 
@@ -49,6 +51,7 @@ class SessionThreads;
 /// a description under "NSLocalizedDescription" and the URL under "NSErrorFailingURLStringKey".
 class ORVANE_API HostSession final : public URLSession {
  public:
+  /// A session that has not started anything yet.
   explicit HostSession(HostSessionConfiguration configuration = {});
   /// Returns at once. Tasks under way go on and call their handlers.
   ~HostSession() override;

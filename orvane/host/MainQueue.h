@@ -46,6 +46,7 @@ class ORVANE_API MainQueue final : public DispatchQueue {
 /// The function is called on the thread that brings the task; it must not run the task itself.
 class ORVANE_API PostingQueue final : public DispatchQueue {
  public:
+  /// Posts with `post`.
   explicit PostingQueue(std::function<void(Task)> post) : post_(std::move(post)) {}
 
   /// Posts with a C function that takes a function and its argument, in this order, as GLib's g_idle_add_once

@@ -17,7 +17,9 @@
 
 namespace orvane {
 
+/// Header fields: values by name.
 using Headers = std::map<std::string, std::string, std::less<>>;
+/// Values by name, for a body or a query string.
 using Parameters = Map;
 
 /// Sends a request and hands over the decoded JSON reply, or the error.
@@ -74,8 +76,10 @@ class ORVANE_API NetworkTool {
 
   /// The session that requests run on: the platform's shared one from the first use on, unless another was
   /// set. May be set absent, and then stays so.
+  ///@{
   virtual std::shared_ptr<URLSession> session();
   virtual void setSession(std::shared_ptr<URLSession> session);
+  ///@}
 
  private:
   Snapshot<std::shared_ptr<const Headers>> headers_;

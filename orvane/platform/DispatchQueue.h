@@ -6,6 +6,7 @@
 
 namespace orvane {
 
+/// Something to be done once.
 using Task = std::function<void()>;
 
 /// Runs tasks later. May be used from any thread.

@@ -15,8 +15,8 @@ struct Platform {
   std::shared_ptr<URLSession> sharedSession = {};   ///< What a NetworkTool uses unless it is given another.
   std::shared_ptr<DispatchQueue> mainQueue = {};    ///< Serial, first in, first out; the application's own.
   std::shared_ptr<DispatchQueue> globalQueue = {};  ///< Concurrent.
-  std::shared_ptr<const TextRules> textRules = {};
-  std::shared_ptr<const DeviceReadings> deviceReadings = {};
+  std::shared_ptr<const TextRules> textRules = {};  ///< Which texts are URLs, which characters letters.
+  std::shared_ptr<const DeviceReadings> deviceReadings = {};  ///< The facts about the device.
 };
 
 /// Replaces parts of the platform, for a test or an application with an event loop, a session or readings of

@@ -10,10 +10,12 @@
 
 namespace orvane {
 
+/// One line of a request's header.
 struct HeaderField {
-  std::string name;
-  std::string value;
+  std::string name;   ///< As it was first added.
+  std::string value;  ///< All values of that name, joined by commas.
 
+  /// Compares names and values exactly.
   bool operator==(const HeaderField&) const = default;
 };
 
@@ -23,19 +25,26 @@ class ORVANE_API URLRequest {
  public:
   /// A GET of `url` without body and header fields. Whether the text is a URL was asked before.
   explicit URLRequest(std::string url);
+  /// Copies and moves are of the whole request.
+  ///@{
   URLRequest(const URLRequest& other);
   URLRequest(URLRequest&& other) noexcept;
   URLRequest& operator=(const URLRequest& other);
   URLRequest& operator=(URLRequest&& other) noexcept;
+  ///@}
   ~URLRequest();
 
+  /// What the request consists of.
+  ///@{
   const std::string& url() const noexcept { return url_; }
   const std::string& method() const noexcept { return method_; }
   const std::optional<Bytes>& body() const noexcept { return body_; }
   const std::vector<HeaderField>& headers() const noexcept { return headers_; }
+  ///@}
 
   /// Ignored unless `method` is an HTTP token.
   void setMethod(std::string_view method);
+  /// Replaces the body; an empty one is a body, too.
   void setBody(Bytes body) { body_ = std::move(body); }
 
   /// Adds a header field; a value for a name that is there already (in any case) is appended to the earlier

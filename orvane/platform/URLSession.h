@@ -8,18 +8,20 @@
 
 namespace orvane {
 
+/// What is told of a response beside its body.
 struct HTTPResponse {
-  int statusCode = 0;
+  int statusCode = 0;  ///< The HTTP status.
 };
 
 /// What came of a data task. A success has a body, possibly empty, and a response, whatever its status; a
 /// failure has an error and neither.
 struct DataTaskResult {
-  std::optional<Bytes> body;
-  std::optional<HTTPResponse> response;
-  ErrorPtr error;
+  std::optional<Bytes> body;             ///< Decompressed.
+  std::optional<HTTPResponse> response;  ///< The last one, after redirects.
+  ErrorPtr error;                        ///< The session's own, or null.
 };
 
+/// Takes what came of a data task.
 using DataTaskHandler = std::function<void(DataTaskResult result)>;
 
 /// Runs requests in the background. May be used from any thread.
