@@ -18,6 +18,7 @@ void measurePictures() {
   for (const std::size_t size : pictureSizes) {
     const std::string reply = pictureReply(makePicture(size, 0));
     std::vector<double> peaks;
+    peaks.reserve(codecs.size());
     for (const Codec& codec : codecs)
       peaks.push_back(static_cast<double>(peakBytes([&] { codec.picture(reply).value(); })));
     const Topic topic = {"1", "memory at most, picture reply, " + std::to_string(size / 1000) + " KB",

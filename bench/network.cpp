@@ -105,7 +105,7 @@ void compareBursts(const std::string& how, std::uint16_t port) {
   CurlMulti multi(port, connections);
   const auto bare = [&](std::size_t count) {
     multi.post(
-        count, codeCall.path, [&] { return body; }, [](const auto&) {});
+        count, codeCall.path, [&] { return std::string(body); }, [](const auto&) {});
   };
   const auto whole = [&](std::size_t count) {
     multi.post(
