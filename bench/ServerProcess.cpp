@@ -38,6 +38,7 @@ ServerProcess::ServerProcess(const char* program, const std::vector<std::string>
   std::vector<std::string> words = {programBeside(program, "bench-server"), lastProcessor()};
   words.insert(words.end(), flags.begin(), flags.end());
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
 

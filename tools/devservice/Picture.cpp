@@ -79,7 +79,8 @@ class Canvas {
   }
 
   void blend(int x, int y, Colour colour, double share) {
-    Colour& pixel = pixels_[static_cast<std::size_t>(y * pictureWidth + x)];
+    const int place = y * pictureWidth + x;
+    Colour& pixel = pixels_[static_cast<std::size_t>(place)];
     for (std::size_t i = 0; i < pixel.size(); ++i) pixel[i] += (colour[i] - pixel[i]) * share;
   }
 
