@@ -5,12 +5,14 @@
 #include <new>
 
 // The C library's own allocator, under the names by which it can still be called when replaced.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* block, std::size_t size);
 void __libc_free(void* block);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace orvane::bench {
 namespace {

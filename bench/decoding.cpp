@@ -54,6 +54,7 @@ template <class Read>
 std::vector<Figures> readInTurns(const std::vector<Reader>& readers, const std::vector<std::string>& replies,
                                  Read read) {
   std::vector<Contestant> contestants;
+  contestants.reserve(readers.size());
   for (const Reader& reader : readers) {
     contestants.push_back(contestant(reader.codec.name, [&, next = std::size_t{0}]() mutable {
       sink = read(reader.codec, replies[next++ % replies.size()]).value().size();
