@@ -40,7 +40,7 @@ std::shared_ptr<CountingSession> installSession(const std::optional<orvane::Rero
   orvane::HostSessionConfiguration configuration;
   if (reroute) configuration.reroutes.push_back(*reroute);
   // Under the tracing, so that what is waited for is hidden before a reply is traced.
-  const auto counting = std::make_shared<CountingSession>(
+  auto counting = std::make_shared<CountingSession>(
       std::make_shared<orvane::HostSession>(std::move(configuration)), hideWaiting);
   std::shared_ptr<orvane::URLSession> session = counting;
   if (traceSecrets) {
