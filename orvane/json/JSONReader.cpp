@@ -18,28 +18,62 @@ constexpr bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// Eight characters as one word, the first in the lowest bits.
+// Characters are read as words, the first of them in the lowest bits.
 static_assert(std::endian::native == std::endian::little);
-
-/// A bit in the byte of each comma among eight characters, the lowest of them without fail.
-std::uint64_t commasIn(const char* characters) {
-  std::uint64_t word = 0;
+template <class Word>
+Word wordAt(const char* characters) {
+  Word word = 0;
   std::memcpy(&word, characters, sizeof(word));
-  word ^= 0x2C2C2C2C2C2C2C2CU;
-  return (word - 0x0101010101010101U) & ~word & 0x8080808080808080U;
+  return word;
 }
 
-/// The number written in the first `length` of four characters; beyond 255 where they are no byte as JSON writes it.
-unsigned byteBefore(const char* characters, int length) {
-  constexpr unsigned none = 256;
-  if (length < 1 || length > 3) return none;
-  std::uint32_t word = 0;
-  std::memcpy(&word, characters, sizeof(word));
-  const std::uint32_t digits = ((word ^ 0x30303030U) << (8 * (3 - length))) & 0xFFFFFFU;
-  const bool hasOther = ((digits + 0x767676U) | digits) & 0x808080U;
-  const bool hasLeadingZero = length > 1 && characters[0] == '0';
-  if (hasOther || hasLeadingZero) return none;
-  return (digits & 0xFFU) * 100 + (digits >> 8 & 0xFFU) * 10 + (digits >> 16);
+struct Block {
+  static constexpr int size = 64;
+
+  std::uint64_t commas = 0;     ///< A bit for each, the lowest for the first character.
+  std::uint64_t strangers = 0;  ///< Zero where there is nothing but commas and characters from '0' to '?'.
+
+  explicit Block(const char* characters) {
+    constexpr std::uint64_t each = 0x0101010101010101U;
+    for (int at = 0; at < size; at += 8) {
+      const auto word = wordAt<std::uint64_t>(characters + at);
+      const std::uint64_t others = word ^ ',' * each;
+      const std::uint64_t here = ~(((others & 0x7F * each) + 0x7F * each) | others) >> 7 & each;
+      commas |= (here * 0x0102040810204080U >> 56) << at;  // The product gathers the eight bits at its top.
+      strangers |= ((word ^ '0' * each) & 0xF0 * each) ^ here << 4;
+    }
+  }
+};
+
+// Numbers from 0 to 255 as JSON writes them, by the low halves of the three characters which begin with them, a comma
+// behind a shorter one: the value, and above it the length, which is that of no text where they are none.
+constexpr int lengthShift = 8;
+constexpr auto byteTexts = [] {
+  constexpr unsigned comma = ',' & 15;
+  std::array<std::uint16_t, 1 << 12> texts{};
+  for (auto& text : texts) text = 255 << lengthShift;
+  for (unsigned byte = 0; byte < 256; ++byte) {
+    const unsigned hundreds = byte / 100;
+    const unsigned tens = byte / 10 % 10;
+    const unsigned ones = byte % 10;
+    const auto text = [byte](unsigned length) {
+      return static_cast<std::uint16_t>(length << lengthShift | byte);
+    };
+    if (byte > 99) {
+      texts[hundreds << 8 | tens << 4 | ones] = text(3);
+    } else if (byte > 9) {
+      texts[tens << 8 | ones << 4 | comma] = text(2);
+    } else {
+      for (unsigned any = 0; any < 16; ++any) texts[ones << 8 | comma << 4 | any] = text(1);
+    }
+  }
+  return texts;
+}();
+
+/// Reads one character more.
+unsigned byteTextAt(const char* characters) {
+  const std::uint64_t halves = wordAt<std::uint32_t>(characters) & 0x0F0F0FU;
+  return byteTexts[(halves << 24 | halves << 12 | halves) >> 16 & 0xFFFU];
 }
 
 class Reader {
@@ -182,34 +216,36 @@ bool Reader::scalar(Value& value) {
   }
 }
 
-/// The fast way through the byte values of a picture: takes numbers from 0 to 255, two at a time, as long as each is
-/// followed by a comma, and stops before whatever else comes.
+/// The fast way through the byte values of a picture: takes numbers from 0 to 255 as long as each is followed by a comma,
+/// many at a time, and stops before those among which there is anything else.
 void Reader::byteRun(Bytes& bytes) {
+  constexpr int readBeyond = 3;
   const char* at = text_.data() + at_;
   const char* const end = text_.data() + text_.size();
   std::array<std::uint8_t, 512> batch;
-  bool isOver = false;
-  while (!isOver) {
-    std::size_t size = 0;
-    while (size < batch.size()) {
-      isOver = end - at < 8;
-      if (isOver) break;
-      const std::uint64_t commas = commasIn(at);
-      const int first = std::countr_zero(commas) / 8;
-      const int second = std::countr_zero(commas & (commas - 1)) / 8;
-      const unsigned byte = byteBefore(at, first);
-      isOver = byte > 255;
-      if (isOver) break;
-      // Ends within the eight characters, since the first comma is among the first four.
-      const unsigned next = byteBefore(at + first + 1, second - first - 1);
-      isOver = next > 255;
-      if (isOver) break;
-      batch[size++] = static_cast<std::uint8_t>(byte);
-      batch[size++] = static_cast<std::uint8_t>(next);
-      at += second + 1;
+  std::size_t size = 0;
+  while (end - at >= Block::size + readBeyond) {
+    const Block block(at);
+    if (block.strangers != 0 || block.commas == 0) break;
+    const char* number = at;
+    std::size_t count = 0;
+    unsigned differences = 0;
+    for (std::uint64_t commas = block.commas; commas != 0; commas &= commas - 1) {
+      const char* const comma = at + std::countr_zero(commas);
+      const unsigned text = byteTextAt(number);
+      differences |= text ^ static_cast<unsigned>(comma - number) << lengthShift;
+      batch[size + count++] = static_cast<std::uint8_t>(text);
+      number = comma + 1;
     }
-    bytes.insert(bytes.end(), batch.begin(), batch.begin() + size);
+    if (differences >> lengthShift != 0) break;
+    at = number;
+    size += count;
+    if (size + Block::size > batch.size()) {
+      bytes.insert(bytes.end(), batch.begin(), batch.begin() + size);
+      size = 0;
+    }
   }
+  bytes.insert(bytes.end(), batch.begin(), batch.begin() + size);
   at_ = static_cast<std::size_t>(at - text_.data());
 }
 
