@@ -1,6 +1,7 @@
 #include "adapters/host/HostTextRules.h"
 
 #include <algorithm>
+#include <array>
 #include <utf8proc.h>
 
 #include "adapters/host/URLParts.h"
@@ -13,10 +14,17 @@ bool isHexDigit(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
-bool isForbidden(char c) {
+constexpr bool isForbidden(char c) {
   const auto byte = static_cast<unsigned char>(c);
   return byte <= 0x20 || byte == 0x7F || std::string_view("\"<>\\^`{|}").find(c) != std::string_view::npos;
 }
+
+/// Whether a byte is an ASCII character that may stand in a URL.
+constexpr auto isAllowed = [] {
+  std::array<bool, 256> allowed{};
+  for (std::size_t c = 0; c < 0x80; ++c) allowed[c] = !isForbidden(static_cast<char>(c));
+  return allowed;
+}();
 
 bool hasWholeEscapes(std::string_view text) {
   for (std::size_t at = text.find('%'); at != text.npos; at = text.find('%', at + 1)) {
@@ -41,9 +49,14 @@ bool isPort(std::string_view port) {
 
 bool HostTextRules::isURL(std::string_view text) const {
   for (std::size_t at = 0; at < text.size();) {
-    if (!decodeUTF8(text, at)) return false;
+    const auto byte = static_cast<unsigned char>(text[at]);
+    if (isAllowed[byte]) {
+      ++at;
+    } else if (byte < 0x80 || !decodeUTF8(text, at)) {
+      return false;
+    }
   }
-  if (std::any_of(text.begin(), text.end(), isForbidden) || !hasWholeEscapes(text)) return false;
+  if (!hasWholeEscapes(text)) return false;
   if (std::count(text.begin(), text.end(), '#') > 1) return false;
   const URLParts parts = splitURL(text);
   return isHost(parts.host) && isPort(parts.port);

@@ -114,17 +114,17 @@ void Writer::number(Number number) {
 
 bool Writer::string(std::string_view text) {
   append('"');
+  std::size_t run = 0;
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t start = at;
     if (!decodeUTF8(text, at)) return false;
     const char c = text[start];
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x20 || c == '"' || c == '\\') {
-      escape(c);
-    } else {
-      append(text.substr(start, at - start));
-    }
+    if (static_cast<unsigned char>(c) >= 0x20 && c != '"' && c != '\\') continue;
+    append(text.substr(run, start - run));
+    escape(c);
+    run = at;
   }
+  append(text.substr(run));
   append('"');
   return true;
 }

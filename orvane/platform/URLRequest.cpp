@@ -10,13 +10,18 @@ constexpr char lowerCase(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+/// Whether a byte may stand in an HTTP token.
+constexpr auto isTokenCharacter = [] {
+  std::array<bool, 256> is{};
+  for (const char c :
+       std::string_view("0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ!#$%&'*+-.^_`|~"))
+    is[static_cast<unsigned char>(c)] = true;
+  return is;
+}();
+
 bool isToken(std::string_view text) {
-  const auto isTokenCharacter = [](char c) {
-    const char lower = lowerCase(c);
-    return (lower >= 'a' && lower <= 'z') || (c >= '0' && c <= '9') ||
-           std::string_view("!#$%&'*+-.^_`|~").find(c) != std::string_view::npos;
-  };
-  return !text.empty() && std::all_of(text.begin(), text.end(), isTokenCharacter);
+  return !text.empty() && std::all_of(text.begin(), text.end(),
+                                      [](char c) { return isTokenCharacter[static_cast<unsigned char>(c)]; });
 }
 
 bool belongsToTransport(std::string_view name) {
