@@ -73,7 +73,7 @@ int Multi::watch(curl_socket_t socket, int what) try {
   return -1;
 }
 
-void Multi::wait(Clock::time_point end) {
+bool Multi::wait(Clock::time_point end) {
   using std::chrono::milliseconds;
   const auto own = std::chrono::ceil<milliseconds>(end - Clock::now()).count();
   long curls = -1;
@@ -83,13 +83,14 @@ void Multi::wait(Clock::time_point end) {
   const milliseconds::rep longest = wakeReader_ < 0 ? 20 : std::numeric_limits<int>::max();
   if (poll(watched_.data(), static_cast<nfds_t>(watched_.size()),
            static_cast<int>(std::clamp<milliseconds::rep>(limit, 0, longest))) <= 0)
-    return;
+    return false;
   if (watched_[0].revents != 0) {
     std::array<char, 64> wakes;
     static_cast<void>(!read(wakeReader_, wakes.data(), wakes.size()));
   }
   std::copy_if(watched_.begin() + 1, watched_.end(), std::back_inserter(ready_),
                [](const pollfd& watched) { return watched.revents != 0; });
+  return !ready_.empty();
 }
 
 void Multi::wake() noexcept {

@@ -25,8 +25,8 @@ class Multi {
   void add(CURL* handle) { curl_multi_add_handle(multi_.get(), handle); }
   void remove(CURL* handle) { curl_multi_remove_handle(multi_.get(), handle); }
 
-  /// Returns at `end`, or earlier when there may be something to act on.
-  void wait(Clock::time_point end);
+  /// Returns at `end`, or earlier when there may be something to act on. Whether something happened to a socket.
+  bool wait(Clock::time_point end);
 
   /// Lets the present wait() return, or the next one.
   void wake() noexcept;

@@ -5,6 +5,12 @@
 #include "adapters/host/backgroundThread.h"
 
 namespace orvane {
+namespace {
+
+/// How many handlers may wait for one wake-up.
+constexpr std::size_t callsAtOnce = 16;
+
+}  // namespace
 
 SessionThreads::SessionThreads(HostSessionConfiguration configuration)
     : totalTimeout_(configuration.totalTimeout), engine_(std::move(configuration)) {}
@@ -63,9 +69,10 @@ void SessionThreads::carryOutTransfers(Lock& lock) {
   std::vector<HandlerCall> due;
   do {
     arrived.swap(inbox_);
-    const bool isHandlerWaiting = !calls_.empty() && !isHandling_;
+    const std::size_t callsLeft = isHandling_ ? 0 : calls_.size();
     lock.unlock();
-    if (isHandlerWaiting) changed_.notify_one();
+    // One wake-up for many handlers, as long as more are to be expected at once.
+    if (callsLeft >= callsAtOnce || (callsLeft > 0 && !engine_.isReady())) changed_.notify_one();
     for (DataTask& task : arrived) engine_.add(std::move(task));
     arrived.clear();
     const bool isAnyOver = engine_.act(due);
@@ -74,7 +81,9 @@ void SessionThreads::carryOutTransfers(Lock& lock) {
     due.clear();
     if (isAnyOver || !inbox_.empty()) continue;
     isWaiting_ = true;
+    const bool areCallsLeft = !calls_.empty() && !isHandling_;
     lock.unlock();
+    if (areCallsLeft) changed_.notify_one();
     engine_.wait();
     lock.lock();
     isWaiting_ = false;

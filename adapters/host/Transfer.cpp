@@ -97,7 +97,7 @@ Transfer::Transfer(const TransferSettings& settings)
       });
 }
 
-void Transfer::prepare(DataTask task, const Clock::time_point& now) {
+void Transfer::prepare(DataTask&& task, const Clock::time_point& now) {
   task_ = std::move(task);
   now_ = &now;
   lastActivity_ = now;

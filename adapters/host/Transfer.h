@@ -40,7 +40,7 @@ class Transfer {
   DataTask takeTask() noexcept { return std::move(task_); }
 
   /// Prepares the handle for `task`. `now` is the clock by which activity is dated; it outlives the transfer.
-  void prepare(DataTask task, const Clock::time_point& now);
+  void prepare(DataTask&& task, const Clock::time_point& now);
 
   /// When the transfer has to be given up, unless a byte of a body or a whole header line comes or goes before.
   Clock::time_point end() const noexcept;

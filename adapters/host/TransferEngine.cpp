@@ -14,6 +14,9 @@
 namespace orvane {
 namespace {
 
+/// How many destinations stay known while there are no tasks for them.
+constexpr std::size_t keptDestinations = 8;
+
 /// Held shared by whoever is inside curl. Once the process ends it is held for good, so that no transfer is under way
 /// while the libraries beneath curl clean up.
 std::shared_mutex& exitGate() {
@@ -74,6 +77,11 @@ TransferEngine::TransferEngine(HostSessionConfiguration configuration)
   settings_.reroutes = makeReroutes(settings_.configuration.reroutes);
 }
 
+bool TransferEngine::isIdle() const noexcept {
+  return running_.empty() && std::all_of(destinations_.begin(), destinations_.end(),
+                                         [](const auto& place) { return place.second.waiting.empty(); });
+}
+
 bool TransferEngine::act(std::vector<HandlerCall>& due) {
   now_ = Clock::now();
   {
@@ -99,11 +107,11 @@ void TransferEngine::letGo() {
   cookies_.reset();
 }
 
-void TransferEngine::add(DataTask task) {
+void TransferEngine::add(DataTask&& task) {
   enqueue(std::move(task), Place::back);
 }
 
-void TransferEngine::enqueue(DataTask task, Place place) {
+void TransferEngine::enqueue(DataTask&& task, Place place) {
   const URLParts parts = splitURL(task.request.url());
   if (!isSupportedScheme(parts.scheme)) {
     fail(std::move(task), SessionErrorCode::unsupportedURL, "The URL's scheme is not supported");
@@ -148,7 +156,8 @@ void TransferEngine::giveUpOverdue() {
       fail(std::move(waiting.front()), SessionErrorCode::timedOut, "No connection was free in time");
       waiting.pop_front();
     }
-    place = waiting.empty() && place->second.running == 0 ? destinations_.erase(place) : std::next(place);
+    const bool isIdle = waiting.empty() && place->second.running == 0;
+    place = isIdle && destinations_.size() > keptDestinations ? destinations_.erase(place) : std::next(place);
   }
 }
 
@@ -180,13 +189,12 @@ void TransferEngine::release(const Transfer& transfer) {
     return running.transfer.get() == &transfer;
   });
   multi_->remove(transfer.handle());
-  Destination& destination = place->destination->second;
-  if (--destination.running == 0 && destination.waiting.empty()) destinations_.erase(place->destination);
+  --place->destination->second.running;
   idle_.push_back(std::move(place->transfer));
   running_.erase(place);
 }
 
-void TransferEngine::follow(DataTask task, int statusCode, const std::string& location) {
+void TransferEngine::follow(DataTask&& task, int statusCode, const std::string& location) {
   if (++task.redirects > maximumRedirects) {
     fail(std::move(task), SessionErrorCode::tooManyRedirects, "There were too many redirects");
     return;
@@ -201,11 +209,11 @@ void TransferEngine::follow(DataTask task, int statusCode, const std::string& lo
   redirectedAny_ = true;
 }
 
-void TransferEngine::report(DataTask task, DataTaskResult result) {
+void TransferEngine::report(DataTask&& task, DataTaskResult result) {
   due_.push_back({std::move(task.handler), std::move(result)});
 }
 
-void TransferEngine::fail(DataTask task, SessionErrorCode code, std::string_view description) {
+void TransferEngine::fail(DataTask&& task, SessionErrorCode code, std::string_view description) {
   ErrorPtr error = makeSessionError(code, task.request.url(), description);
   report(std::move(task), {std::nullopt, std::nullopt, std::move(error)});
 }

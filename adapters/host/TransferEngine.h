@@ -30,18 +30,20 @@ class TransferEngine {
   TransferEngine(const TransferEngine&) = delete;
   TransferEngine& operator=(const TransferEngine&) = delete;
 
-  void add(DataTask task);
+  void add(DataTask&& task);
 
   /// Does what can be done now, and puts what is over into `due`, which is empty. Whether anything was over: then there
   /// may be more to do.
   bool act(std::vector<HandlerCall>& due);
 
+  /// Whether there is something to do now.
+  bool isReady() { return multi_->wait(now_); }
   /// Returns when there may be something to do.
   void wait();
   /// Lets the present wait() return, or the next one.
   void wake() noexcept { multi_->wake(); }
 
-  bool isIdle() const noexcept { return destinations_.empty(); }
+  bool isIdle() const noexcept;
 
   /// Lets go of curl, for good. Here and not in the destructor, which may run on a thread that must not wait for ever.
   void letGo();
@@ -64,14 +66,14 @@ class TransferEngine {
   };
 
   enum class Place { back, front };
-  void enqueue(DataTask task, Place place);
+  void enqueue(DataTask&& task, Place place);
   void admitWaiting();
   void giveUpOverdue();
   void finish(Transfer& transfer, CURLcode result);
   void release(const Transfer& transfer);
-  void follow(DataTask task, int statusCode, const std::string& location);
-  void report(DataTask task, DataTaskResult result);
-  void fail(DataTask task, SessionErrorCode code, std::string_view description);
+  void follow(DataTask&& task, int statusCode, const std::string& location);
+  void report(DataTask&& task, DataTaskResult result);
+  void fail(DataTask&& task, SessionErrorCode code, std::string_view description);
 
   std::unique_ptr<CURLSH, ShareDeleter> cookies_;
   TransferSettings settings_;
