@@ -245,6 +245,18 @@ TEST(HostSession, NeedsNoDescriptorToBeMade) {
   EXPECT_EQ(first.get().text(), "ok");
 }
 
+TEST(HostSession, ForgetsAndFindsHosts) {
+  LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
+  HostSessionConfiguration configuration;
+  for (int i = 0; i < 20; ++i)
+    configuration.reroutes.push_back({"host" + std::to_string(i), 80, "127.0.0.1", server.port()});
+  HostSession session(configuration);
+  for (int round = 0; round < 2; ++round) {
+    for (const Reroute& reroute : configuration.reroutes)
+      EXPECT_EQ(perform(session, URLRequest("http://" + reroute.host)), "ok");
+  }
+}
+
 TEST(HostSession, UsesSixConnectionsAtATimeAndKeepsThem) {
   constexpr int count = 60;
   LoopbackServer* self = nullptr;
