@@ -7,6 +7,8 @@
 #include <new>
 #include <unistd.h>
 
+#include "adapters/host/closeOnExec.h"
+
 namespace orvane {
 namespace {
 
@@ -26,11 +28,9 @@ int curlEvents(const pollfd& socket) {
 
 Multi::Multi() : multi_(curl_multi_init()) {
   if (!multi_) throw std::bad_alloc();
-  if (std::array<int, 2> ends{}; pipe(ends.data()) == 0) {
-    for (const int end : ends) {
-      fcntl(end, F_SETFL, O_NONBLOCK);
-      fcntl(end, F_SETFD, FD_CLOEXEC);
-    }
+  closeWakeUpOnExec(multi_.get());
+  if (std::array<int, 2> ends{}; openPipe(ends)) {
+    for (const int end : ends) fcntl(end, F_SETFL, O_NONBLOCK);
     wakeReader_ = ends[0];
     wakeWriter_ = ends[1];
   }

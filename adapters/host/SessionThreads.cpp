@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "adapters/host/ExitGate.h"
 #include "adapters/host/backgroundThread.h"
 
 namespace orvane {
@@ -36,6 +37,7 @@ void SessionThreads::cancelHandlers() {
 }
 
 void SessionThreads::close() {
+  if (getpid() != process_) return;  // In a child made by fork() there are no threads, and the lock may be held.
   {
     const std::lock_guard lock(mutex_);
     isClosed_ = true;
@@ -99,7 +101,8 @@ void SessionThreads::callHandlers(Lock& lock) {
       HandlerCall call = std::move(calls_.front());
       calls_.pop_front();
       lock.unlock();
-      call.handler(std::move(call.result));
+      const ExitGate::Pass pass(handlerGate());
+      std::exchange(call.handler, nullptr)(std::move(call.result));
     }
     lock.lock();
   }

@@ -4,6 +4,7 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <unistd.h>
 #include <vector>
 
 #include "adapters/host/TransferEngine.h"
@@ -41,6 +42,7 @@ class SessionThreads : public std::enable_shared_from_this<SessionThreads> {
   const std::chrono::milliseconds totalTimeout_;
   TransferEngine engine_;  // The transferring thread's, but for wake().
 
+  const pid_t process_ = getpid();
   std::mutex mutex_;
   std::condition_variable changed_;
   int threads_ = 0;

@@ -7,6 +7,7 @@
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
 #include "adapters/host/URLParts.h"
+#include "adapters/host/closeOnExec.h"
 
 namespace orvane {
 namespace {
@@ -63,6 +64,7 @@ Transfer::Transfer(const TransferSettings& settings)
   // Time-outs are the engine's, across redirects. By this one curl divides the time among a host's addresses.
   set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(std::min<std::chrono::milliseconds::rep>(
                                      configuration.idleTimeout.count(), std::numeric_limits<int>::max())));
+  set(CURLOPT_OPENSOCKETFUNCTION, &openSocket);
   set(CURLOPT_ERRORBUFFER, errorText_.data());
   set(CURLOPT_PRIVATE, this);
 

@@ -1,12 +1,11 @@
 #include "adapters/host/TransferEngine.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <iterator>
 #include <new>
-#include <shared_mutex>
 #include <utility>
 
+#include "adapters/host/ExitGate.h"
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
 #include "adapters/host/URLParts.h"
@@ -17,18 +16,10 @@ namespace {
 /// How many destinations stay known while there are no tasks for them.
 constexpr std::size_t keptDestinations = 8;
 
-/// Held shared by whoever is inside curl. Once the process ends it is held for good, so that no transfer is under way
-/// while the libraries beneath curl clean up.
-std::shared_mutex& exitGate() {
-  static auto* const gate = new std::shared_mutex;
-  return *gate;
-}
-
 void initialiseCurl() {
   static const CURLcode result = [] {
     const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
-    // Registered after those libraries' own clean-up, and so run before it.
-    std::atexit([] { exitGate().lock(); });
+    closeGatesAtExit();
     return initialised;
   }();
   if (result != CURLE_OK) throw std::bad_alloc();
@@ -85,7 +76,7 @@ bool TransferEngine::isIdle() const noexcept {
 bool TransferEngine::act(std::vector<HandlerCall>& due) {
   now_ = Clock::now();
   {
-    const std::shared_lock running(exitGate());
+    const ExitGate::Pass pass(curlGate());
     admitWaiting();
     multi_->act();
     while (const auto finished = multi_->nextFinished()) {
@@ -101,7 +92,7 @@ bool TransferEngine::act(std::vector<HandlerCall>& due) {
 }
 
 void TransferEngine::letGo() {
-  const std::shared_lock cleaning(exitGate());
+  const ExitGate::Pass pass(curlGate());
   idle_.clear();
   multi_.reset();
   cookies_.reset();

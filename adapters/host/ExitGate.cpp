@@ -1,0 +1,65 @@
+#include "adapters/host/ExitGate.h"
+
+#include <cstdlib>
+#include <pthread.h>
+#include <thread>
+
+namespace orvane {
+namespace {
+
+/// The gate whose pass the calling thread holds. None is passed inside another.
+thread_local const ExitGate* passedHere = nullptr;
+
+}  // namespace
+
+void ExitGate::enter() {
+  passedHere = this;
+  ++inside_;
+  if (!closed_) return;
+  leave();
+  for (;;) std::this_thread::sleep_for(std::chrono::hours(1));
+}
+
+void ExitGate::leave() {
+  --inside_;
+  passedHere = nullptr;
+}
+
+int ExitGate::heldHere() const {
+  return passedHere == this ? 1 : 0;
+}
+
+void ExitGate::close(std::chrono::milliseconds limit) {
+  using Clock = std::chrono::steady_clock;
+  closed_ = true;
+  const auto end = Clock::now() + limit;
+  while (inside_ > heldHere() && Clock::now() < end) std::this_thread::sleep_for(std::chrono::microseconds(100));
+}
+
+void ExitGate::keepOnlyThisThread() {
+  inside_ = heldHere();
+}
+
+ExitGate& curlGate() {
+  static auto* const gate = new ExitGate;
+  return *gate;
+}
+
+ExitGate& handlerGate() {
+  static auto* const gate = new ExitGate;
+  return *gate;
+}
+
+void closeGatesAtExit() {
+  pthread_atfork(nullptr, nullptr, [] {
+    curlGate().keepOnlyThisThread();
+    handlerGate().keepOnlyThisThread();
+  });
+  std::atexit([] {
+    // A handler may wait for the very thread that ends the process. Nobody stays in curl for long.
+    handlerGate().close(std::chrono::milliseconds(500));
+    curlGate().close(std::chrono::hours(1));
+  });
+}
+
+}  // namespace orvane

@@ -1,0 +1,125 @@
+// What becomes of calls, signals and descriptors when the process, or a child of it, is not there for long.
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <set>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "adapters/host/HostSession.h"
+#include "tests/support/LoopbackServer.h"
+#include "tests/support/perform.h"
+
+namespace orvane {
+namespace {
+
+using test::LoopbackServer;
+using test::perform;
+using test::reply;
+using Then = LoopbackServer::Then;
+using Answer = LoopbackServer::Answer;
+using Request = LoopbackServer::Request;
+
+/// Runs the program and returns its wait status; `took` is the time from its announcement to its end.
+int statusOf(std::vector<std::string> words, std::chrono::duration<double, std::milli>& took) {
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  int ends[2];
+  EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+  pid_t process = 0;
+  EXPECT_EQ(posix_spawn(&process, arguments[0], &actions, nullptr, arguments.data(), environ), 0);
+  posix_spawn_file_actions_destroy(&actions);
+  ::close(ends[1]);
+  char announcement = 0;
+  static_cast<void>(!::read(ends[0], &announcement, 1));
+  const auto start = std::chrono::steady_clock::now();
+  int status = 0;
+  ::waitpid(process, &status, 0);
+  took = std::chrono::steady_clock::now() - start;
+  ::close(ends[0]);
+  return status;
+}
+
+class EndOfProcess : public testing::TestWithParam<const char*> {};
+
+TEST_P(EndOfProcess, IsCleanWhateverIsUnderWay) {
+  LoopbackServer server([](const Request& request) {
+    if (request.head.starts_with("GET /reset ")) return Answer{"", Then::reset};
+    return request.head.starts_with("GET /good ") ? Answer{reply("{}")} : Answer{"", Then::hold};
+  });
+  std::chrono::duration<double, std::milli> longest{};
+  for (const char* calls : {"0", "1", "5", "50"}) {
+    std::chrono::duration<double, std::milli> took{};
+    const int status = statusOf({LEAVING_PROGRAM, GetParam(), calls, std::to_string(server.port())}, took);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 7) << "after " << calls << " calls: " << status;
+    longest = std::max(longest, took);
+  }
+  std::printf("Longest end: %.1f ms\n", longest.count());
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, EndOfProcess,
+                         testing::Values("return", "exit-in-a-handler", "exit-on-the-main-queue",
+                                         "exit-on-another-thread", "handler-that-never-returns",
+                                         "sessions-destroyed", "calls-in-a-destructor", "child-by-fork"),
+                         [](const auto& way) {
+                           std::string name = way.param;
+                           std::replace(name.begin(), name.end(), '-', '_');
+                           return name;
+                         });
+
+std::set<int> descriptors() {
+  std::set<int> open;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+    open.insert(std::stoi(entry.path().filename()));
+  return open;
+}
+
+TEST(ChildProcess, InheritsNoDescriptor) {
+  LoopbackServer server([](const Request& request) {
+    return request.head.starts_with("GET /hold") ? Answer{"", Then::hold} : Answer{reply("")};
+  });
+  const std::set<int> before = descriptors();
+  HostSession session;
+  session.startDataTask(URLRequest(server.url("/hold")), nullptr);
+  session.startDataTask(URLRequest("https" + server.url("/").substr(4)), nullptr);
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(perform(session, URLRequest(server.url())), "");
+  int own = 0;
+  for (const int descriptor : descriptors()) {
+    const int flags = ::fcntl(descriptor, F_GETFD);
+    if (flags < 0 || before.count(descriptor) > 0) continue;
+    EXPECT_TRUE(flags & FD_CLOEXEC) << std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor));
+    ++own;
+  }
+  EXPECT_GE(own, 4);  // Two to wake up by, two connections at least.
+}
+
+TEST(BrokenPipe, ReachesNobody) {
+  // A proxy that agrees and goes: TLS, which knows nothing of MSG_NOSIGNAL, writes into the broken connection.
+  LoopbackServer server([](const Request& request) {
+    const bool isTunnel = request.head.starts_with("CONNECT");
+    return isTunnel ? Answer{"HTTP/1.1 200 OK\r\n\r\nno TLS", Then::close} : Answer{"", Then::reset};
+  });
+  std::signal(SIGPIPE, SIG_DFL);
+  HostSession session({.proxy = server.url("")});
+  for (int i = 0; i < 10; ++i) {
+    for (const char* url : {"https://name.example/", "http://name.example/"}) {
+      URLRequest request(url);
+      request.setMethod("POST");
+      request.setBody(Bytes(100'000));
+      EXPECT_TRUE(perform(session, request).starts_with("error"));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace orvane

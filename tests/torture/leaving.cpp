@@ -1,0 +1,148 @@
+// Leaves its process, with exit code 7, while calls of every kind are under way.
+//
+// leaving WAY CALLS PORT: in the way so named, once that many calls are over. PORT is a server on loopback that resets
+// what asks for "/reset", answers "/good" and holds all else. An empty line says that the process is leaving; one that
+// has not left ten seconds after its start is killed by a signal.
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+#include "adapters/host/HostSession.h"
+#include "adapters/host/MainQueue.h"
+
+namespace orvane {
+namespace {
+
+constexpr int exitCode = 7;
+
+/// What an application has beside its calls: a static that its handlers use, made before the library is.
+std::atomic<bool> isGone = false;
+struct Static {
+  ~Static() {
+    // Time for a handler to come.
+    for (int times = 0; times < 1'000'000; ++times) isGone = true;
+  }
+} applicationsStatic;
+
+bool isForked = false;
+
+std::string server;
+std::vector<std::shared_ptr<HostSession>> sessions;
+std::atomic<int> over = 0;
+std::atomic<bool> mayLeave = false;
+int limit = 0;
+void (*atLimit)() = nullptr;  // On a session's thread.
+
+[[noreturn]] void leave() {
+  static_cast<void>(!write(STDOUT_FILENO, "\n", 1));
+  std::exit(exitCode);
+}
+
+/// Starts a call that starts its successor.
+void call(const std::shared_ptr<HostSession>& session, const std::string& url) {
+  session->startDataTask(URLRequest(url), [weak = std::weak_ptr(session), url](const auto&) {
+    for (int times = 0; times < 1000; ++times) {
+      if (isGone) std::abort();
+    }
+    if (const auto locked = weak.lock()) call(locked, url);
+    ++over;
+    over.notify_all();
+    if (over > limit && mayLeave.exchange(false)) atLimit();
+  });
+}
+
+void startCalls() {
+  for (int i = 0; i < 3; ++i) {
+    sessions.push_back(std::make_shared<HostSession>());
+    for (const char* path : {"reset", "reset", "good", "good", "hold"}) call(sessions.back(), server + path);
+    for (const char* url : {"http://name.invalid/", "nowhere"}) call(sessions.back(), url);
+  }
+  call(sessions.front(), "https" + server.substr(4));
+}
+
+void awaitLimit() {
+  for (int now = over; now < limit; now = over) over.wait(now);
+}
+
+/// Uses the library while the process ends.
+struct LateCaller {
+  ~LateCaller() {
+    sessions.back()->cancelAllOperations();
+    call(sessions.back(), server + "good");
+    sessions.clear();
+    call(std::make_shared<HostSession>(), server + "good");
+  }
+};
+
+/// The exit code of a child made by fork() that leaves at once.
+int leaveInChild() {
+  const pid_t child = fork();
+  if (child == 0) {
+    isForked = true;
+    alarm(10);
+    leave();
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : EXIT_FAILURE;
+}
+
+struct Way {
+  std::string_view name;
+  void (*atLimit)();
+  void (*inMain)();
+};
+
+constexpr auto nothing = [] {};
+constexpr auto runMainQueue = [] { hostMainQueue().run(); };
+
+constexpr Way ways[] = {
+    {"return", nothing, awaitLimit},
+    {"exit-in-a-handler", leave, runMainQueue},
+    {"exit-on-the-main-queue", [] { hostMainQueue().async(leave); }, runMainQueue},
+    {"exit-on-another-thread", [] { std::thread(leave).detach(); }, runMainQueue},
+    {"handler-that-never-returns", [] { hostMainQueue().stop(), std::atomic<bool>(false).wait(false); },
+     runMainQueue},
+    {"sessions-destroyed", nothing, [] { awaitLimit(), sessions.clear(); }},
+    {"calls-in-a-destructor", nothing,
+     [] {
+       awaitLimit();
+       static const LateCaller caller;
+     }},
+    {"child-by-fork", nothing, [] { awaitLimit(), std::exit(leaveInChild()); }},
+};
+
+}  // namespace
+}  // namespace orvane
+
+// What the sanitizers ask: a child made by fork() has lost the stacks from which its memory was reached; and curl may not
+// have come to joining the thread of a look-up that is over.
+extern "C" __attribute__((visibility("default"))) int __lsan_is_turned_off() {
+  return orvane::isForked ? 1 : 0;
+}
+extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options() {
+  return "report_thread_leaks=0:atexit_sleep_ms=0";
+}
+
+int main(int count, char** arguments) {
+  using namespace orvane;
+  if (count < 4) return EXIT_FAILURE;
+  const Way& way = *std::find_if(std::begin(ways), std::end(ways), [&](const Way& each) { return each.name == arguments[1]; });
+  limit = std::atoi(arguments[2]);
+  server = "http://127.0.0.1:" + std::string(arguments[3]) + "/";
+  atLimit = way.atLimit;
+  alarm(10);
+  startCalls();
+  mayLeave = true;
+  way.inMain();
+  static_cast<void>(!write(STDOUT_FILENO, "\n", 1));
+  return exitCode;
+}
