@@ -12,7 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "adapters/host/HostSession.h"
+#include "orvane/host/HostSession.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/perform.h"
 
@@ -104,19 +104,31 @@ TEST(ChildProcess, InheritsNoDescriptor) {
 }
 
 TEST(BrokenPipe, ReachesNobody) {
-  // A proxy that agrees and goes: TLS, which knows nothing of MSG_NOSIGNAL, writes into the broken connection.
+  std::signal(SIGPIPE, SIG_DFL);
+  HostSession session;
+  EXPECT_EQ(perform(session, URLRequest("nowhere")), "error -1002");  // Its threads are there before the signal is blocked.
+  sigset_t pipe;
+  sigemptyset(&pipe);
+  sigaddset(&pipe, SIGPIPE);
+  pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
+  ::kill(::getpid(), SIGPIPE);
+  int taken = 0;
+  sigwait(&pipe, &taken);
+  EXPECT_EQ(taken, SIGPIPE);  // Here, and not by a thread of the session's.
+  pthread_sigmask(SIG_UNBLOCK, &pipe, nullptr);
+
+  // A proxy that agrees and goes: TLS writes into the broken connection.
   LoopbackServer server([](const Request& request) {
     const bool isTunnel = request.head.starts_with("CONNECT");
     return isTunnel ? Answer{"HTTP/1.1 200 OK\r\n\r\nno TLS", Then::close} : Answer{"", Then::reset};
   });
-  std::signal(SIGPIPE, SIG_DFL);
-  HostSession session({.proxy = server.url("")});
+  HostSession proxied({.proxy = server.url("")});
   for (int i = 0; i < 10; ++i) {
     for (const char* url : {"https://name.example/", "http://name.example/"}) {
       URLRequest request(url);
       request.setMethod("POST");
       request.setBody(Bytes(100'000));
-      EXPECT_TRUE(perform(session, request).starts_with("error"));
+      EXPECT_TRUE(perform(proxied, request).starts_with("error"));
     }
   }
 }

@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 #include <random>
 
-#include "adapters/host/HostSession.h"
-#include "adapters/host/MainQueue.h"
+#include "orvane/host/HostSession.h"
+#include "orvane/host/MainQueue.h"
 #include "orvane/orvane.h"
 #include "tests/support/LoopbackServer.h"
 

@@ -15,8 +15,8 @@
 #include <unistd.h>
 #include <vector>
 
-#include "adapters/host/HostSession.h"
-#include "adapters/host/MainQueue.h"
+#include "orvane/host/HostSession.h"
+#include "orvane/host/MainQueue.h"
 
 namespace orvane {
 namespace {
