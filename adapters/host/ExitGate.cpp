@@ -33,7 +33,8 @@ void ExitGate::close(std::chrono::milliseconds limit) {
   using Clock = std::chrono::steady_clock;
   closed_ = true;
   const auto end = Clock::now() + limit;
-  while (inside_ > heldHere() && Clock::now() < end) std::this_thread::sleep_for(std::chrono::microseconds(100));
+  while (inside_ > heldHere() && Clock::now() < end)
+    std::this_thread::sleep_for(std::chrono::microseconds(100));
 }
 
 void ExitGate::keepOnlyThisThread() {

@@ -29,8 +29,10 @@ std::size_t contentLength(const std::string& head) {
 
 }  // namespace
 
-LoopbackServer::LoopbackServer(Script script)
-    : script_(std::move(script)), listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+LoopbackServer::LoopbackServer(Script script, Requests requests)
+    : script_(std::move(script)),
+      handling_(requests),
+      listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -115,7 +117,7 @@ bool LoopbackServer::serve(int descriptor, Connection& connection) {
   Script script;
   {
     const std::lock_guard lock(mutex_);
-    requests_.push_back(request);
+    if (handling_ == Requests::kept) requests_.push_back(request);
     script = script_;
   }
   connection.held = true;

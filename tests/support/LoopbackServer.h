@@ -33,7 +33,10 @@ class LoopbackServer {
   /// Called on the server's thread.
   using Script = std::function<Answer(const Request&)>;
 
-  explicit LoopbackServer(Script script = {});
+  /// What has been asked is kept for requests() unless there is too much of it.
+  enum class Requests { kept, forgotten };
+
+  explicit LoopbackServer(Script script = {}, Requests requests = Requests::kept);
   ~LoopbackServer();
 
   std::uint16_t port() const { return port_; }
@@ -58,6 +61,7 @@ class LoopbackServer {
   bool serve(int descriptor, Connection& connection);
 
   Script script_;
+  const Requests handling_;
   int listener_;
   int stopPipe_[2];
   std::uint16_t port_ = 0;

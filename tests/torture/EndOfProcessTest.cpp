@@ -97,7 +97,8 @@ TEST(ChildProcess, InheritsNoDescriptor) {
   for (const int descriptor : descriptors()) {
     const int flags = ::fcntl(descriptor, F_GETFD);
     if (flags < 0 || before.count(descriptor) > 0) continue;
-    EXPECT_TRUE(flags & FD_CLOEXEC) << std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor));
+    EXPECT_TRUE(flags & FD_CLOEXEC) << std::filesystem::read_symlink("/proc/self/fd/" +
+                                                                     std::to_string(descriptor));
     ++own;
   }
   EXPECT_GE(own, 4);  // Two to wake up by, two connections at least.
@@ -106,7 +107,8 @@ TEST(ChildProcess, InheritsNoDescriptor) {
 TEST(BrokenPipe, ReachesNobody) {
   std::signal(SIGPIPE, SIG_DFL);
   HostSession session;
-  EXPECT_EQ(perform(session, URLRequest("nowhere")), "error -1002");  // Its threads are there before the signal is blocked.
+  EXPECT_EQ(perform(session, URLRequest("nowhere")),
+            "error -1002");  // Its threads are there before the signal is blocked.
   sigset_t pipe;
   sigemptyset(&pipe);
   sigaddset(&pipe, SIGPIPE);

@@ -34,7 +34,9 @@ class Ticket {
   explicit Ticket(CallsPtr calls) : calls_(std::move(calls)) { ++calls_->begun; }
   Ticket(const Ticket&) = delete;
   Ticket& operator=(const Ticket&) = delete;
-  ~Ticket() { ++(completions_ == 0 ? calls_->dropped : completions_ == 1 ? calls_->completed : calls_->wrong); }
+  ~Ticket() {
+    ++(completions_ == 0 ? calls_->dropped : completions_ == 1 ? calls_->completed : calls_->wrong);
+  }
 
   void complete(bool isAsExpected) { completions_ += isAsExpected ? 1 : 2; }
 
@@ -81,9 +83,10 @@ class Actor : public std::enable_shared_from_this<Actor> {
     };
   }
   OrvaneManager::LoginFinished loginFinished(std::uint32_t seed, int depth) {
-    return [either = finished(seed, depth)](const std::optional<std::string>& message, const ErrorPtr& error) {
-      either(error ? std::nullopt : message, error);
-    };
+    return
+        [either = finished(seed, depth)](const std::optional<std::string>& message, const ErrorPtr& error) {
+          either(error ? std::nullopt : message, error);
+        };
   }
 
  public:
@@ -105,7 +108,8 @@ class Actor : public std::enable_shared_from_this<Actor> {
       case 3:
         return own.requestCode(mood, "c", codeFinished(seed, depth));
       case 4:  // A login that fails would stop the process.
-        return OrvaneManager::shareManager().requestLogin(what & 16 ? "ok" : "busy", "c", loginFinished(seed, depth));
+        return OrvaneManager::shareManager().requestLogin(what & 16 ? "ok" : "busy", "c",
+                                                          loginFinished(seed, depth));
       case 5:
         return own.requestLogin(what & 16 ? "ok" : "busy", "c", loginFinished(seed, depth));
       case 6:
@@ -163,7 +167,8 @@ TEST_P(Torture, EveryCallCompletesOnceOrWasCancelled) {
   const auto stopMainQueue = [](Calls*) { hostMainQueue().stop(); };
   std::vector<std::thread> drivers;
   {
-    const auto actor = std::make_shared<Actor>(CallsPtr(&counts, stopMainQueue), std::make_shared<NetworkTool>(), GetParam());
+    const auto actor = std::make_shared<Actor>(CallsPtr(&counts, stopMainQueue),
+                                               std::make_shared<NetworkTool>(), GetParam());
     for (std::uint32_t driver = 0; driver < threadCount; ++driver) {
       drivers.emplace_back([actor, driver] {
         for (std::uint32_t i = 0; i < actions; ++i) actor->act(driver * actions + i, 3);
@@ -182,8 +187,9 @@ TEST_P(Torture, EveryCallCompletesOnceOrWasCancelled) {
   while (threads() > threadsBefore) std::this_thread::yield();
 }
 
-INSTANTIATE_TEST_SUITE_P(Rounds, Torture, testing::Bool(),
-                         [](const auto& round) { return round.param ? "WithCancellations" : "WithoutCancellations"; });
+INSTANTIATE_TEST_SUITE_P(Rounds, Torture, testing::Bool(), [](const auto& round) {
+  return round.param ? "WithCancellations" : "WithoutCancellations";
+});
 
 }  // namespace
 }  // namespace orvane

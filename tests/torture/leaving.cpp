@@ -135,7 +135,8 @@ extern "C" __attribute__((visibility("default"))) const char* __tsan_default_opt
 int main(int count, char** arguments) {
   using namespace orvane;
   if (count < 4) return EXIT_FAILURE;
-  const Way& way = *std::find_if(std::begin(ways), std::end(ways), [&](const Way& each) { return each.name == arguments[1]; });
+  const Way& way = *std::find_if(std::begin(ways), std::end(ways),
+                                 [&](const Way& each) { return each.name == arguments[1]; });
   limit = std::atoi(arguments[2]);
   server = "http://127.0.0.1:" + std::string(arguments[3]) + "/";
   atLimit = way.atLimit;
