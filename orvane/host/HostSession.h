@@ -47,6 +47,11 @@ class SessionThreads;
 /// A compressed body is handed over as far as its stream goes: a stream without its end is not noticed. Host names beyond
 /// ASCII need a UTF-8 locale. Starting a task throws std::system_error where the system has no thread to give.
 ///
+/// The end of the process waits for whoever is in curl, and up to half a second for a handler under way; from then on no
+/// handler begins. Statics made before the process's first session are still there until then, others may not be. A child
+/// made by fork() may end in any way, but needs sessions of its own. A program started meanwhile inherits no descriptor,
+/// but for two of curl's, without data, while a host name is being looked up, or while a session is being made.
+///
 /// A status is never an error. Errors have the domain "NSURLErrorDomain" and the codes known from there, with
 /// a description under "NSLocalizedDescription" and the URL under "NSErrorFailingURLStringKey".
 class ORVANE_API HostSession final : public URLSession {
