@@ -37,7 +37,8 @@ void SessionThreads::cancelHandlers() {
 }
 
 void SessionThreads::close() {
-  if (getpid() != process_) return;  // In a child made by fork() there are no threads, and the lock may be held.
+  if (getpid() != process_)
+    return;  // In a child made by fork() there are no threads, and the lock may be held.
   {
     const std::lock_guard lock(mutex_);
     isClosed_ = true;
