@@ -49,7 +49,7 @@ class SessionThreads;
 ///
 /// The end of the process waits for whoever is in curl, and up to half a second for a handler under way; from then on no
 /// handler begins. Statics made before the process's first session are still there until then, others may not be. A child
-/// made by fork() may end in any way, but needs sessions of its own. A program started meanwhile inherits no descriptor,
+/// made by fork() uses no session, and ends by _exit(). A program started meanwhile inherits no descriptor,
 /// but for two of curl's, without data, while a host name is being looked up, or while a session is being made.
 ///
 /// A status is never an error. Errors have the domain "NSURLErrorDomain" and the codes known from there, with

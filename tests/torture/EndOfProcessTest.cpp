@@ -70,7 +70,7 @@ TEST_P(EndOfProcess, IsCleanWhateverIsUnderWay) {
 INSTANTIATE_TEST_SUITE_P(Ways, EndOfProcess,
                          testing::Values("return", "exit-in-a-handler", "exit-on-the-main-queue",
                                          "exit-on-another-thread", "handler-that-never-returns",
-                                         "sessions-destroyed", "calls-in-a-destructor", "child-by-fork"),
+                                         "sessions-destroyed", "calls-in-a-destructor"),
                          [](const auto& way) {
                            std::string name = way.param;
                            std::replace(name.begin(), name.end(), '-', '_');

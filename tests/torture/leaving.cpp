@@ -10,7 +10,6 @@
 #include <iterator>
 #include <string>
 #include <string_view>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -31,8 +30,6 @@ struct Static {
     for (int times = 0; times < 1'000'000; ++times) isGone = true;
   }
 } applicationsStatic;
-
-bool isForked = false;
 
 std::string server;
 std::vector<std::shared_ptr<HostSession>> sessions;
@@ -82,19 +79,6 @@ struct LateCaller {
   }
 };
 
-/// The exit code of a child made by fork() that leaves at once.
-int leaveInChild() {
-  const pid_t child = fork();
-  if (child == 0) {
-    isForked = true;
-    alarm(10);
-    leave();
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : EXIT_FAILURE;
-}
-
 struct Way {
   std::string_view name;
   void (*atLimit)();
@@ -117,17 +101,12 @@ constexpr Way ways[] = {
        awaitLimit();
        static const LateCaller caller;
      }},
-    {"child-by-fork", nothing, [] { awaitLimit(), std::exit(leaveInChild()); }},
 };
 
 }  // namespace
 }  // namespace orvane
 
-// What the sanitizers ask: a child made by fork() has lost the stacks from which its memory was reached; and curl may not
-// have come to joining the thread of a look-up that is over.
-extern "C" __attribute__((visibility("default"))) int __lsan_is_turned_off() {
-  return orvane::isForked ? 1 : 0;
-}
+// Asked by the thread sanitizer: curl may not have come to joining the thread of a look-up that is over.
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options() {
   return "report_thread_leaks=0:atexit_sleep_ms=0";
 }
