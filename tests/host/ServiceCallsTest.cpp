@@ -1,11 +1,10 @@
-// The three calls of a sign-in, through the public interface, over real sockets.
+// The three calls of a sign-in, through the public interface, over real sockets, with the adapter that is linked.
 
 #include <gtest/gtest.h>
 
-#include "orvane/host/HostDeviceReadings.h"
-#include "orvane/host/HostSession.h"
 #include "orvane/host/MainQueue.h"
 #include "orvane/orvane.h"
+#include "tests/support/AdapterUnderTest.h"
 #include "tests/support/LoopbackServer.h"
 
 namespace orvane {
@@ -24,13 +23,7 @@ LoopbackServer& service() {
 
 class ServiceCalls : public testing::Test {
  protected:
-  static void SetUpTestSuite() {
-    HostSessionConfiguration configuration;
-    configuration.reroutes = {{std::string(serviceHost()), 80, "127.0.0.1", service().port()}};
-    installPlatform(
-        {.sharedSession = std::make_shared<HostSession>(configuration),
-         .deviceReadings = std::make_shared<HostDeviceReadings>(HostDeviceFacts{.carrierName = "Carrier"})});
-  }
+  static void SetUpTestSuite() { test::installAdapter(service().port()); }
 
   /// Runs the main queue until the call is over. Whether `finished` came on it.
   static bool finish(const std::function<void(std::function<void()> over)>& call) {
@@ -92,10 +85,9 @@ TEST_F(ServiceCalls, AWholeSignInOnOneConnection) {
 
   std::vector<Request> requests = service().requests();
   requests.erase(requests.begin(), requests.begin() + static_cast<std::ptrdiff_t>(before));
-  HostDeviceReadings machine;
   const std::string model(rawValue(OVDeviceInfoTool::getDeviceName()));
-  const std::string facts = R"({"IMEI":" ","IMSI":" ","carrier":"Carrier","deviceModel":"iOS )" +
-                            machine.systemVersion() + R"(","deviceName":")" + model + R"(","mobile":"139"})";
+  const std::string facts = R"({"IMEI":" ","IMSI":" ","carrier":"Carrier","deviceModel":")" +
+                            OVDeviceInfoTool::getSystemVersion() + R"(","deviceName":")" + model + R"(","mobile":"139"})";
   EXPECT_EQ(recorded(requests[0]), envelope("/tenant/verify/captcha", "") + "16\n" + R"({"mobile":"139"})");
   EXPECT_EQ(recorded(requests[1]), envelope("/tenant/getVerifyCode", "XRAPI-CLIENT-ID:\r\n") + "31\n" +
                                        R"({"captcha":"aB","mobile":"139"})");

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <gtest/gtest.h>
 
-#include "orvane/host/HostSession.h"
+#include "tests/support/AdapterUnderTest.h"
 #include "tests/support/FakeSession.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/perform.h"
@@ -12,6 +12,7 @@ namespace orvane {
 namespace {
 
 using test::LoopbackServer;
+using test::makeSession;
 using test::Outcome;
 using test::start;
 
@@ -44,9 +45,9 @@ struct FakeUnderTest final : SessionUnderTest {
   std::size_t answered = 0;
 };
 
-struct HostUnderTest final : SessionUnderTest {
-  HostUnderTest() {
-    session = std::make_shared<HostSession>();
+struct SocketsUnderTest final : SessionUnderTest {
+  SocketsUnderTest() {
+    session = makeSession();
     good = URLRequest(server.url());
   }
   void letCome(std::size_t) override {}
@@ -136,7 +137,7 @@ TEST_P(SessionContract, HandlersMayStartTasksAndCancel) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Fake, SessionContract, testing::Values(&make<FakeUnderTest>));
-INSTANTIATE_TEST_SUITE_P(Host, SessionContract, testing::Values(&make<HostUnderTest>));
+INSTANTIATE_TEST_SUITE_P(Adapter, SessionContract, testing::Values(&make<SocketsUnderTest>));
 
 }  // namespace
 }  // namespace orvane

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "orvane/platform/URLSession.h"
+
+/// The adapter that a test program is linked with. It drains hostMainQueue().
+namespace orvane::test {
+
+/// A session of its own.
+std::shared_ptr<URLSession> makeSession();
+
+/// Puts the adapter in use, on a device with the carrier "Carrier", with this loopback port in the service's place.
+void installAdapter(std::uint16_t servicePort);
+
+}  // namespace orvane::test
