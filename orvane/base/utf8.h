@@ -11,7 +11,7 @@ namespace orvane {
 /// U+10FFFF) or the text has ended.
 std::optional<char32_t> decodeUTF8(std::string_view text, std::size_t& position) noexcept;
 
-/// Appends `codePoint`, which is not a surrogate and at most U+10FFFF.
+/// Appends `codePoint`, which is at most U+10FFFF. A surrogate becomes three bytes that decodeUTF8 refuses.
 void appendUTF8(std::string& text, char32_t codePoint);
 
 }  // namespace orvane

@@ -1,0 +1,33 @@
+#import "orvane/apple/AppleError.h"
+
+#import "adapters/apple/retained.h"
+#import "adapters/apple/text.h"
+
+namespace orvane {
+
+ErrorPtr makeError(NSError* error) {
+  if (!error) return nullptr;
+  Map userInfo;
+  NSDictionary* const entries = [error userInfo];
+  for (NSString* key in entries) {
+    const id value = [entries objectForKey:key];
+    if ([value isKindOfClass:[NSString class]]) userInfo.emplace(utf8(key), utf8(value));
+  }
+  return std::make_shared<const Error>(
+      Error{utf8([error domain]), [error code], std::move(userInfo), retained(error)});
+}
+
+NSError* platformError(const ErrorPtr& error) {
+  if (!error) return nil;
+  if (error->platformError) return (NSError*)error->platformError.get();
+  NSMutableDictionary* const userInfo = [NSMutableDictionary dictionary];
+  for (const auto& [key, value] : error->userInfo) {
+    if (const std::string* text = value.text())
+      [userInfo setObject:platformText(*text) forKey:platformText(key)];
+  }
+  return [NSError errorWithDomain:platformText(error->domain)
+                             code:static_cast<NSInteger>(error->code)
+                         userInfo:[userInfo count] > 0 ? userInfo : nil];
+}
+
+}  // namespace orvane

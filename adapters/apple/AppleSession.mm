@@ -1,0 +1,58 @@
+#import "orvane/apple/AppleSession.h"
+
+#import "adapters/apple/retained.h"
+#import "adapters/apple/text.h"
+#import "orvane/apple/AppleError.h"
+
+namespace orvane {
+namespace {
+
+NSURLRequest* platformRequest(const URLRequest& request) {
+  NSURL* const url = [NSURL URLWithString:platformText(request.url())];
+  NSMutableURLRequest* const made = [[[NSMutableURLRequest alloc] initWithURL:url] autorelease];
+  [made setHTTPMethod:platformText(request.method())];
+  if (const std::optional<Bytes>& body = request.body())
+    [made setHTTPBody:[NSData dataWithBytes:body->data() length:body->size()]];
+  for (const HeaderField& field : request.headers())
+    [made addValue:platformText(field.value) forHTTPHeaderField:platformText(field.name)];
+  return made;
+}
+
+DataTaskResult resultOf(NSData* body, NSURLResponse* response, NSError* error) {
+  if (error) return {std::nullopt, std::nullopt, makeError(error)};
+  DataTaskResult result;
+  // An empty body may come as none.
+  if (body || response) {
+    const auto* const bytes = static_cast<const std::uint8_t*>([body bytes]);
+    result.body.emplace(bytes, bytes + [body length]);
+  }
+  if ([response isKindOfClass:[NSHTTPURLResponse class]])
+    result.response = HTTPResponse{static_cast<int>([(NSHTTPURLResponse*)response statusCode])};
+  return result;
+}
+
+}  // namespace
+
+AppleSession::AppleSession(NSURLSession* session) : session_(retained(session)) {}
+
+NSURLSession* AppleSession::session() const {
+  return (NSURLSession*)session_.get();
+}
+
+void AppleSession::startDataTask(URLRequest request, DataTaskHandler handler) {
+  const auto kept = std::make_shared<const DataTaskHandler>(std::move(handler));
+  @autoreleasepool {
+    [[session() dataTaskWithRequest:platformRequest(request)
+                  completionHandler:^(NSData* body, NSURLResponse* response, NSError* error) {
+                    (*kept)(resultOf(body, response, error));
+                  }] resume];
+  }
+}
+
+void AppleSession::cancelAllOperations() {
+  @autoreleasepool {
+    [[session() delegateQueue] cancelAllOperations];
+  }
+}
+
+}  // namespace orvane

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "orvane/platform/TextRules.h"
+
+namespace orvane {
+
+/// As NSURL and NSCharacterSet say.
+class AppleTextRules final : public TextRules {
+ public:
+  bool isURL(std::string_view text) const override;
+  bool isAlphanumeric(char32_t codePoint) const override;
+};
+
+}  // namespace orvane

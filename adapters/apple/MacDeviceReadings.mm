@@ -1,0 +1,37 @@
+// The readings on macOS, which has no vendor identifier, no carrier, and no screen that is the device's own.
+
+#import "adapters/apple/AppleDeviceReadings.h"
+#import "adapters/apple/text.h"
+
+namespace orvane {
+
+std::string AppleDeviceReadings::systemVersion() const {
+  @autoreleasepool {
+    const NSOperatingSystemVersion version = [[NSProcessInfo processInfo] operatingSystemVersion];
+    return utf8([NSString stringWithFormat:@"%ld.%ld.%ld", static_cast<long>(version.majorVersion),
+                                           static_cast<long>(version.minorVersion),
+                                           static_cast<long>(version.patchVersion)]);
+  }
+}
+
+std::string AppleDeviceReadings::model() const {
+  return "Mac";
+}
+
+std::optional<std::string> AppleDeviceReadings::identifierForVendor() const {
+  return std::nullopt;
+}
+
+std::optional<std::string> AppleDeviceReadings::carrierName() const {
+  return std::nullopt;
+}
+
+ScreenBounds AppleDeviceReadings::screenBounds() const {
+  return {};
+}
+
+double AppleDeviceReadings::screenScale() const {
+  return 1;
+}
+
+}  // namespace orvane

@@ -1,0 +1,33 @@
+#include "orvane/device/OVDeviceInfoTool.h"
+
+#import "adapters/apple/Orvane/Orvane.h"
+#import "adapters/apple/qualifiedName.h"
+#import "adapters/apple/text.h"
+
+@implementation OVDeviceInfoTool
+
++ (void)load {
+  orvane::registerQualifiedName(self);
+}
+
++ (NSString*)getMEIDCode {
+  return orvane::platformText(orvane::OVDeviceInfoTool::getMEIDCode());
+}
+
++ (NSString*)getSystemName {
+  return orvane::platformText(orvane::OVDeviceInfoTool::getSystemName());
+}
+
++ (NSString*)getSystemVersion {
+  return orvane::platformText(orvane::OVDeviceInfoTool::getSystemVersion());
+}
+
++ (NSString*)getcarrierName {
+  return orvane::platformText(orvane::OVDeviceInfoTool::getcarrierName());
+}
+
+- (instancetype)init {
+  return [super init];
+}
+
+@end

@@ -1,0 +1,87 @@
+#import <Foundation/Foundation.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// The library's version as a number.
+FOUNDATION_EXPORT const double OrvaneVersionNumber;
+
+/// The library's build record: program, project and project version, and a line feed.
+FOUNDATION_EXPORT const unsigned char OrvaneVersionString[];
+
+#ifdef __cplusplus
+}
+#endif
+
+/// Signs a user in with a mobile phone number: a picture code, a code by SMS, the login.
+///
+/// Each call sends one request over plain HTTP and calls its block exactly once: on the main queue for a reply, whether
+/// accepted or refused; on the URL session's background queue for a network error or a reply that is not JSON. A refusal
+/// is an error whose domain is the service's message. A network error is the URL session's own object. A reply without
+/// the members that a call reads stops the process, and the block is not called; so does a text that UTF-8 cannot hold.
+///
+/// The calls may be made from any thread. Blocks are copied, and released after the call; managers are not kept.
+__attribute__((visibility("default")))
+@interface OrvaneManager : NSObject {
+ @private
+  void* _manager;
+}
+
+/// The shared manager; made once, on first use, and never destroyed. It is also the C++ interface's.
+@property(class, nonatomic, readonly) OrvaneManager* shareManager NS_SWIFT_NAME(shareManager);
+
+/// The application's client identifier, sent with each call while it is present, also while it is empty. Nil at first.
+/// One with NUL, CR or LF cannot be a header's value and is left out. The calls read it through this getter. Who changes
+/// it while another thread uses the manager must serialise the two.
+@property(nonatomic, copy, nullable) NSString* clientId;
+
+/// A manager with a client identifier of its own. All managers use one transport.
+- (instancetype)init;
+
+/// Sets the client identifier, unchanged, for the calls to come.
+- (void)setAppClientId:(NSString*)clientId;
+
+/// Fetches the picture verification code for a mobile number: its bytes, possibly none, or an error. A network error is
+/// also written to standard output, as a line with its domain and code.
+- (void)requestPictureCode:(NSString*)mobile
+                  finished:(void (^)(NSData* _Nullable data, NSError* _Nullable error))finished;
+
+/// Has a code sent by SMS to the mobile number; `codeNumber` is what the user read from the picture. A refusal's code
+/// is the service's.
+- (void)requestCode:(NSString*)mobile
+         codeNumber:(NSString*)codeNumber
+           finished:(void (^)(NSError* _Nullable error))finished;
+
+/// Logs in with the code that came by SMS. `message` is the service's, for an accepted and for a refused login. When
+/// the login is accepted, the system's version, the carrier's name and the device's model are sent to the service. A
+/// refusal's code is 1. The process stops when the request fails: this call reads the reply first.
+- (void)requestLogin:(NSString*)mobile
+                code:(NSString*)code
+            finished:(void (^)(NSString* _Nullable message, NSError* _Nullable error))finished;
+
+@end
+
+/// Facts about the device, read from the system at the moment of each call. May be used from any thread.
+__attribute__((visibility("default")))
+@interface OVDeviceInfoTool : NSObject
+
+/// The device's identifier in the application vendor's scope. Stops the process where there is none.
++ (NSString*)getMEIDCode;
+
+/// The word for this kind of device; not the system's name, which is intended.
++ (NSString*)getSystemName;
+
+/// "iOS " and the system's version.
++ (NSString*)getSystemVersion;
+
+/// The mobile carrier's name; "nil" where there is none.
++ (NSString*)getcarrierName;
+
+- (instancetype)init;
+
+@end
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,59 @@
+#import "adapters/apple/text.h"
+
+#include <vector>
+
+#include "orvane/base/utf8.h"
+
+namespace orvane {
+namespace {
+
+bool isHighSurrogate(char32_t unit) {
+  return unit >= 0xD800 && unit < 0xDC00;
+}
+bool isLowSurrogate(char32_t unit) {
+  return unit >= 0xDC00 && unit < 0xE000;
+}
+
+}  // namespace
+
+std::string utf8(NSString* text) {
+  std::vector<unichar> units([text length]);
+  [text getCharacters:units.data() range:NSMakeRange(0, units.size())];
+  std::string bytes;
+  bytes.reserve(units.size());
+  for (std::size_t at = 0; at < units.size(); ++at) {
+    char32_t codePoint = units[at];
+    if (isHighSurrogate(codePoint) && at + 1 < units.size() && isLowSurrogate(units[at + 1]))
+      codePoint = 0x10000 + ((codePoint - 0xD800) << 10) + (units[++at] - 0xDC00U);
+    appendUTF8(bytes, codePoint);
+  }
+  return bytes;
+}
+
+std::optional<std::string> optionalUTF8(NSString* text) {
+  if (!text) return std::nullopt;
+  return utf8(text);
+}
+
+NSString* platformText(std::string_view text) {
+  std::vector<unichar> units;
+  units.reserve(text.size());
+  for (std::size_t at = 0; at < text.size();) {
+    const std::optional<char32_t> decoded = decodeUTF8(text, at);
+    if (!decoded) ++at;
+    const char32_t codePoint = decoded.value_or(0xFFFD);
+    if (codePoint < 0x10000) {
+      units.push_back(static_cast<unichar>(codePoint));
+    } else {
+      units.push_back(static_cast<unichar>(0xD800 + ((codePoint - 0x10000) >> 10)));
+      units.push_back(static_cast<unichar>(0xDC00 + (codePoint & 0x3FF)));
+    }
+  }
+  return [NSString stringWithCharacters:units.data() length:units.size()];
+}
+
+NSString* platformTextOrNil(const std::optional<std::string>& text) {
+  return text ? platformText(std::string_view(*text)) : nil;
+}
+
+}  // namespace orvane

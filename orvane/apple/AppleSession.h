@@ -1,0 +1,25 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+#include "orvane/platform/URLSession.h"
+
+namespace orvane {
+
+/// Requests over an NSURLSession, with whose configuration they run. Handlers come on its delegate queue, which must be
+/// serial and not the main one, as it is unless the application says otherwise. The session stays the
+/// application's: it is not invalidated here.
+class ORVANE_API AppleSession final : public URLSession {
+ public:
+  explicit AppleSession(NSURLSession* _Nonnull session);
+
+  void startDataTask(URLRequest request, DataTaskHandler handler) override;
+  void cancelAllOperations() override;
+
+ private:
+  NSURLSession* _Nonnull session() const;
+
+  std::shared_ptr<const void> session_;
+};
+
+}  // namespace orvane
