@@ -1,0 +1,38 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+#include <thread>
+
+#include "orvane/host/MainQueue.h"
+
+/// A text that is not Unicode: two lone surrogates, around a pair and before a letter.
+@interface BrokenText : NSString
+@end
+
+namespace orvane::test {
+
+/// A class that only the object runtime names.
+inline Class classNamed(const char* name) {
+  return NSClassFromString([NSString stringWithUTF8String:name]);
+}
+
+/// Sends a message as any caller does that knows the selector alone.
+template <class Result = void, class... Arguments>
+Result send(id receiver, const char* selector, Arguments... arguments) {
+  const SEL name = sel_registerName(selector);
+  return reinterpret_cast<Result (*)(id, SEL, Arguments...)>([receiver methodForSelector:name])(
+      receiver, name, arguments...);
+}
+
+/// Runs the main queue until `call` lets `over` be called. Whether that was on the main thread.
+inline bool finish(void (^call)(void (^over)())) {
+  __block std::thread::id thread;
+  call(^{
+    thread = std::this_thread::get_id();
+    hostMainQueue().stop();
+  });
+  hostMainQueue().run();
+  return thread == std::this_thread::get_id();
+}
+
+}  // namespace orvane::test

@@ -1,0 +1,7 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+@interface CTCarrier : NSObject
+- (NSString*)carrierName;
+@end

@@ -1,0 +1,7 @@
+#pragma once
+
+#import <CoreTelephony/CTCarrier.h>
+
+@interface CTTelephonyNetworkInfo : NSObject
+- (CTCarrier*)subscriberCellularProvider;
+@end
