@@ -87,7 +87,8 @@ TEST_F(ServiceCalls, AWholeSignInOnOneConnection) {
   requests.erase(requests.begin(), requests.begin() + static_cast<std::ptrdiff_t>(before));
   const std::string model(rawValue(OVDeviceInfoTool::getDeviceName()));
   const std::string facts = R"({"IMEI":" ","IMSI":" ","carrier":"Carrier","deviceModel":")" +
-                            OVDeviceInfoTool::getSystemVersion() + R"(","deviceName":")" + model + R"(","mobile":"139"})";
+                            OVDeviceInfoTool::getSystemVersion() + R"(","deviceName":")" + model +
+                            R"(","mobile":"139"})";
   EXPECT_EQ(recorded(requests[0]), envelope("/tenant/verify/captcha", "") + "16\n" + R"({"mobile":"139"})");
   EXPECT_EQ(recorded(requests[1]), envelope("/tenant/getVerifyCode", "XRAPI-CLIENT-ID:\r\n") + "31\n" +
                                        R"({"captcha":"aB","mobile":"139"})");
