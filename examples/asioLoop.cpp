@@ -46,7 +46,7 @@ static asio::awaitable<void> signIn() {
 }
 
 int main(int argc, char** argv) {
-  asio::io_context loop;
+  auto& loop = *new asio::io_context;  // Never destroyed: the library may post to it until the process ends.
   const auto post = [&](Task task) { asio::post(loop, std::move(task)); };
   installPlatform(
       {.sharedSession = developmentSession(argc, argv), .mainQueue = std::make_shared<PostingQueue>(post)});

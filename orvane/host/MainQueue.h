@@ -43,7 +43,8 @@ class ORVANE_API MainQueue final : public DispatchQueue {
 };
 
 /// A main queue for a program with an event loop: hands each task to a function that posts it to that loop.
-/// The function is called on the thread that brings the task; it must not run the task itself.
+/// The function is called on the thread that brings the task; it must not run the task itself. It is called as
+/// long as replies come, so what it posts to must live until the process ends.
 class ORVANE_API PostingQueue final : public DispatchQueue {
  public:
   /// Posts with `post`.
