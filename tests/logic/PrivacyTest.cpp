@@ -53,7 +53,7 @@ TEST(PrivacyDeathTest, NothingPrintedHoldsWhatTheLibraryWasGiven) {
   results.push_back({{std::nullopt, std::nullopt, std::make_shared<const Error>(error)}, "pl"});
   for (const auto& [result, printing] : results) {
     for (const char which : {'p', 'c', 'l'}) {
-      expectDiscreet(printing.find(which) != printing.npos, [&] {
+      expectDiscreet(printing.find(which) != printing.npos, [which, &result = result] {
         call(which);
         test::fakeSession().answer(result);
         test::fakeMainQueue().run();
