@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <new>
+#include <utility>
 
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
@@ -197,9 +198,10 @@ Clock::time_point Transfer::end() const noexcept {
 }
 
 DataTaskResult Transfer::finish(CURLcode result) {
+  Bytes body = std::exchange(body_, {});  // Taken in any case: an idle transfer keeps no memory for it.
   // curl takes a header that is cut within a line for a reply without a body.
   if (result == CURLE_OK && !isHeaderWhole_) result = CURLE_PARTIAL_FILE;
-  if (result == CURLE_OK) return {std::move(body_), HTTPResponse{statusCode()}, nullptr};
+  if (result == CURLE_OK) return {std::move(body), HTTPResponse{statusCode()}, nullptr};
   const SessionErrorCode code = isTooLarge_ ? SessionErrorCode::dataTooLarge : sessionErrorCode(result);
   const char* description = curl_easy_strerror(result);
   if (code == SessionErrorCode::dataTooLarge) {

@@ -99,10 +99,6 @@ void TransferEngine::letGo() {
 }
 
 void TransferEngine::add(DataTask&& task) {
-  enqueue(std::move(task), Place::back);
-}
-
-void TransferEngine::enqueue(DataTask&& task, Place place) {
   const URLParts parts = splitURL(task.request.url());
   if (!isSupportedScheme(parts.scheme)) {
     fail(std::move(task), SessionErrorCode::unsupportedURL, "The URL's scheme is not supported");
@@ -110,11 +106,11 @@ void TransferEngine::enqueue(DataTask&& task, Place place) {
     fail(std::move(task), SessionErrorCode::badURL, "The URL names no host");
   } else {
     std::deque<DataTask>& waiting = destinations_[destinationKey(parts)].waiting;
-    if (place == Place::back) {
-      waiting.push_back(std::move(task));
-    } else {
-      waiting.push_front(std::move(task));
-    }
+    // A task that was redirected is older than those which have come meanwhile.
+    const auto place =
+        std::upper_bound(waiting.begin(), waiting.end(), task,
+                         [](const DataTask& a, const DataTask& b) { return a.deadline < b.deadline; });
+    waiting.insert(place, std::move(task));
   }
 }
 
@@ -142,7 +138,6 @@ void TransferEngine::giveUpOverdue() {
   for (Transfer* transfer : overdue) finish(*transfer, CURLE_OPERATION_TIMEDOUT);
   for (auto place = destinations_.begin(); place != destinations_.end();) {
     std::deque<DataTask>& waiting = place->second.waiting;
-    // The first is the oldest, but for redirected ones among themselves.
     while (!waiting.empty() && waiting.front().deadline <= now_) {
       fail(std::move(waiting.front()), SessionErrorCode::timedOut, "No connection was free in time");
       waiting.pop_front();
@@ -196,7 +191,7 @@ void TransferEngine::follow(DataTask&& task, int statusCode, const std::string& 
     return;
   }
   task.request = std::get<URLRequest>(std::move(next));
-  enqueue(std::move(task), Place::front);
+  add(std::move(task));
   redirectedAny_ = true;
 }
 

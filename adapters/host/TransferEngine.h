@@ -56,7 +56,7 @@ class TransferEngine {
   /// The tasks for one scheme, host and port.
   struct Destination {
     std::size_t running = 0;
-    std::deque<DataTask> waiting;
+    std::deque<DataTask> waiting;  // By deadline, the earliest first.
   };
   using Destinations = std::map<std::string, Destination, std::less<>>;
 
@@ -65,8 +65,6 @@ class TransferEngine {
     Destinations::iterator destination;
   };
 
-  enum class Place { back, front };
-  void enqueue(DataTask&& task, Place place);
   void admitWaiting();
   void giveUpOverdue();
   void finish(Transfer& transfer, CURLcode result);

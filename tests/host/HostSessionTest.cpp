@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <zlib.h>
 
@@ -144,6 +145,21 @@ TEST(HostSession, HandsOverWholeBodiesUpToTheirLimit) {
   EXPECT_EQ(perform(session, head), "");
 }
 
+TEST(HostSession, KeepsNoBodyThatWasNotWhole) {
+  const auto allocated = [] {
+    const struct mallinfo2 memory = mallinfo2();  // Zeros, and so nothing to see, under a sanitizer.
+    return memory.uordblks + memory.hblkhd;
+  };
+  LoopbackServer server([](const Request&) {
+    const std::string most(8 << 20, 'x');
+    return Answer{"HTTP/1.1 200 OK\r\nContent-Length: 9999999\r\n\r\n" + most, Then::close};
+  });
+  HostSession session;
+  const std::size_t before = allocated();
+  EXPECT_EQ(perform(session, URLRequest(server.url())), "error -1005");
+  EXPECT_LT(allocated(), before + (1 << 20));
+}
+
 TEST(HostSession, UsesTheProxyItIsGivenAndNoOther) {
   ::setenv("http_proxy", "http://127.0.0.1:1/", 1);
   LoopbackServer server([](const Request&) { return Answer{reply("direct")}; });
@@ -184,6 +200,29 @@ TEST(HostSession, GivesUpInTime) {
   second = start(total, URLRequest(server.url()));
   EXPECT_EQ(first.get().text(), "error -1001");
   EXPECT_EQ(second.get().text(), "error -1001");
+}
+
+TEST(HostSession, GivesUpFirstWhatCameFirst) {
+  LoopbackServer server([](const Request& request) {
+    if (request.head.find("Host: from.example") == request.head.npos) return Answer{"", Then::hold};
+    return Answer{reply("", "Location: http://to.example/\r\n", "302 Elsewhere")};
+  });
+  HostSession session({.totalTimeout = milliseconds(400),
+                       .connectionsPerHost = 1,
+                       .reroutes = {{"from.example", 80, "127.0.0.1", server.port()},
+                                    {"to.example", 80, "127.0.0.1", server.port()}}});
+  // The first has the connection; the third and the fourth come behind the second by a redirect.
+  std::string order;
+  std::promise<void> all;
+  for (const auto& [name, host] : {std::pair('1', "to"), {'2', "to"}, {'3', "from"}, {'4', "from"}}) {
+    session.startDataTask(URLRequest("http://" + std::string(host) + ".example/"),
+                          [&, name = name](const auto&) {
+                            order.push_back(name);
+                            if (order.size() == 4) all.set_value();
+                          });
+  }
+  all.get_future().wait();
+  EXPECT_EQ(order, "1234");
 }
 
 TEST(HostSession, IsPatientWhileBytesCome) {
