@@ -1,6 +1,5 @@
-#include <thread>
-
 #include "adapters/host/HostTextRules.h"
+#include "adapters/host/backgroundThread.h"
 #include "orvane/host/HostDeviceReadings.h"
 #include "orvane/host/HostSession.h"
 #include "orvane/host/MainQueue.h"
@@ -12,7 +11,7 @@ namespace {
 /// Concurrent: a thread for each task.
 class GlobalQueue final : public DispatchQueue {
  public:
-  void async(Task task) override { std::thread(std::move(task)).detach(); }
+  void async(Task task) override { startBackgroundThread(std::move(task)); }
 };
 
 const std::shared_ptr<MainQueue>& sharedMainQueue() {
