@@ -75,6 +75,7 @@ int Multi::watch(curl_socket_t socket, int what) try {
 
 bool Multi::wait(Clock::time_point end) {
   using std::chrono::milliseconds;
+  ready_.clear();
   const auto own = std::chrono::ceil<milliseconds>(end - Clock::now()).count();
   long curls = -1;
   curl_multi_timeout(multi_.get(), &curls);
