@@ -102,8 +102,8 @@ void TransferEngine::add(DataTask&& task) {
   const URLParts parts = splitURL(task.request.url());
   if (!isSupportedScheme(parts.scheme)) {
     fail(std::move(task), SessionErrorCode::unsupportedURL, "The URL's scheme is not supported");
-  } else if (parts.host.empty()) {
-    fail(std::move(task), SessionErrorCode::badURL, "The URL names no host");
+  } else if (parts.host.empty() || task.request.url().find('\0') != std::string::npos) {
+    fail(std::move(task), SessionErrorCode::badURL, "The URL names no host, or holds a NUL character");
   } else {
     std::deque<DataTask>& waiting = destinations_[destinationKey(parts)].waiting;
     // A task that was redirected is older than those which have come meanwhile.

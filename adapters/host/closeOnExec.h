@@ -11,7 +11,8 @@ curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address) noexcept;
 /// Two ends of a pipe that no child process inherits. Whether there is one.
 bool openPipe(std::array<int, 2>& ends) noexcept;
 
-/// Keeps the wake-up sockets of a multi handle that nobody else uses yet from child processes. Linux alone.
+/// Keeps from child processes the wake-up sockets that a multi handle has, whether it needs them or not. Nobody else uses
+/// the handle yet. Linux alone.
 void closeWakeUpOnExec(CURLM* multi);
 
 }  // namespace orvane

@@ -103,7 +103,8 @@ TEST(HostSession, RefusesURLsBeforeAnythingIsSent) {
                                                          {"http:///p", -1000},
                                                          {"http:p", -1000},
                                                          {"http://:80/", -1000},
-                                                         {"http://a b/", -1000}};
+                                                         {"http://a b/", -1000},
+                                                         {std::string("http://127.0.0.1:1/\0", 20), -1000}};
   for (const auto& [url, code] : rows) {
     const DataTaskResult result = start(session, URLRequest(url)).get().result;
     ASSERT_TRUE(result.error) << url;
