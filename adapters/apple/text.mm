@@ -36,6 +36,8 @@ std::optional<std::string> optionalUTF8(NSString* text) {
 }
 
 NSString* platformText(std::string_view text) {
+  // NSString raises on a null pointer, even for no characters.
+  if (text.empty()) return @"";
   std::vector<unichar> units;
   units.reserve(text.size());
   for (std::size_t at = 0; at < text.size();) {
