@@ -29,12 +29,12 @@ class BoundManager final : public orvane::OrvaneManager {
 
 /// No method, which a subclass might take for its own.
 static orvane::OrvaneManager& managerOf(OrvaneManager* object) {
-  return *static_cast<orvane::OrvaneManager*>(object->_manager);
+  return *static_cast<orvane::OrvaneManager*>(object->_orvaneManager);
 }
 
 static OrvaneManager* makeShared() {
   OrvaneManager* const object = [OrvaneManager alloc];
-  object->_manager = &orvane::OrvaneManager::shareManager();  // For ever. `init` would make another.
+  object->_orvaneManager = &orvane::OrvaneManager::shareManager();  // For ever. `init` would make another.
   return object;
 }
 
@@ -49,12 +49,13 @@ static OrvaneManager* makeShared() {
 
 - (instancetype)init {
   if ((self = [super init]))
-    _manager = static_cast<orvane::OrvaneManager*>(std::make_unique<BoundManager>(self).release());
+    _orvaneManager = static_cast<orvane::OrvaneManager*>(std::make_unique<BoundManager>(self).release());
   return self;
 }
 
 - (void)dealloc {
-  const std::unique_ptr<orvane::OrvaneManager> owned(&managerOf(self));
+  // Null where a subclass gave up before `init`.
+  const std::unique_ptr<orvane::OrvaneManager> owned(static_cast<orvane::OrvaneManager*>(_orvaneManager));
   [super dealloc];
 }
 

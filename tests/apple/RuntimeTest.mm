@@ -98,6 +98,8 @@ TEST(ObjectRuntime, SharesOneManagerAndMakesOthers) {
     EXPECT_EQ(orvane::OrvaneManager::shareManager().clientId(), "shared");
     orvane::OrvaneManager::shareManager().setClientId({});
     EXPECT_EQ([shared clientId], nil);
+    // As by a subclass that fails before its superclass's `init`.
+    [[OrvaneManager alloc] release];
   }
 }
 
@@ -141,6 +143,13 @@ TEST(ObjectRuntime, ErrorsKeepTheirIdentityAndTheirWords) {
     EXPECT_EQ(*carried->userInfo.at("reason").text(), "why");
     EXPECT_EQ(orvane::makeError(nil), nullptr);
     EXPECT_EQ(orvane::platformError(nullptr), nil);
+
+    orvane::ErrorPtr last;
+    @autoreleasepool {
+      last = orvane::makeError([NSError errorWithDomain:[words description] code:0 userInfo:nil]);
+    }
+    NSError* const given = orvane::platformError(std::exchange(last, nullptr));
+    EXPECT_TRUE([[given domain] isEqual:[words description]]);
 
     NSError* const made = orvane::platformError(std::make_shared<const orvane::Error>(
         orvane::Error{"", std::numeric_limits<int>::min(), {{"error", "建"}, {"n", 1}}}));

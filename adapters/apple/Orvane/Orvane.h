@@ -27,7 +27,7 @@ FOUNDATION_EXPORT const unsigned char OrvaneVersionString[];
 __attribute__((visibility("default")))
 @interface OrvaneManager : NSObject {
  @private
-  void* _manager;
+  void* _orvaneManager;
 }
 
 /// The shared manager; made once, on first use, and never destroyed. It is also the C++ interface's.
