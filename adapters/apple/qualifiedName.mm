@@ -7,7 +7,8 @@ namespace orvane {
 
 void registerQualifiedName(Class type) {
   const std::string name = std::string("Orvane.").append(class_getName(type));
-  objc_registerClassPair(objc_allocateClassPair(type, name.c_str(), 0));
+  // None where another copy of the library has it.
+  if (const Class made = objc_allocateClassPair(type, name.c_str(), 0)) objc_registerClassPair(made);
 }
 
 }  // namespace orvane
