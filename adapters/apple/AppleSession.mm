@@ -3,6 +3,7 @@
 #import "adapters/apple/retained.h"
 #import "adapters/apple/text.h"
 #import "orvane/apple/AppleError.h"
+#include "orvane/base/fatal.h"
 
 namespace orvane {
 namespace {
@@ -33,7 +34,10 @@ DataTaskResult resultOf(NSData* body, NSURLResponse* response, NSError* error) {
 
 }  // namespace
 
-AppleSession::AppleSession(NSURLSession* session) : session_(retained(session)) {}
+AppleSession::AppleSession(NSURLSession* session) : session_(retained(session)) {
+  // It would take requests and never answer.
+  if (!session) fatal("AppleSession: there is no NSURLSession");
+}
 
 NSURLSession* AppleSession::session() const {
   return (NSURLSession*)session_.get();

@@ -11,6 +11,7 @@ namespace orvane {
 /// application's: it is not invalidated here.
 class ORVANE_API AppleSession final : public URLSession {
  public:
+  /// Keeps `session`. Stops the process for nil.
   explicit AppleSession(NSURLSession* _Nonnull session);
 
   void startDataTask(URLRequest request, DataTaskHandler handler) override;

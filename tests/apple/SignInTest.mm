@@ -5,6 +5,7 @@
 #include <malloc.h>
 #include <sanitizer/allocator_interface.h>
 
+#import "orvane/apple/AppleSession.h"
 #include "orvane/host/HostSession.h"
 #include "orvane/orvane.h"
 #include "tests/apple/bySelector.h"
@@ -191,12 +192,31 @@ TEST(BySelector, OutcomesComeAsTheyAreAndWhereTheyShould) {
   });
 }
 
+TEST(BySelector, NilIsAnEmptyTextAndNobodyToTell) {
+  useCanned({success(R"({"code":3,"msg":""})")});
+  const id manager = [OrvaneManager shareManager];
+  NSString* const none = nil;
+  send(manager, "requestPictureCode:finished:", none, none);
+  send(manager, "requestCode:codeNumber:finished:", none, none, none);
+  send(manager, "requestLogin:code:finished:", none, none, none);
+  // Behind them on the main queue.
+  EXPECT_EQ(requestCode(@"").text, " 3 0");
+
+  LoopbackServer server;
+  orvane::test::installAdapter(server.port());
+  server.setScript([](const auto&) { return Answer{reply(R"({"code":0})")}; });
+  EXPECT_EQ(requestCode(none).text, "none");
+  EXPECT_EQ(server.requests().at(0).body, R"({"captcha":"","mobile":""})");
+}
+
 /// Makes one call; the process ends well if its block is called, and if nothing stops it.
 void callOnce(const std::string& call, const DataTaskResult& result) {
   @autoreleasepool {
     useCanned({result});
     OrvaneManager* const manager = [OrvaneManager shareManager];
     if (call == "getMEIDCode") [OVDeviceInfoTool getMEIDCode];
+    NSURLSession* none = nil;
+    if (call == "session") const orvane::AppleSession session(none);
     if (call == "picture")
       [manager requestPictureCode:@"1"
                          finished:^(id, id) {
@@ -220,7 +240,7 @@ void callOnce(const std::string& call, const DataTaskResult& result) {
                   finished:^(id) {
                     _exit(0);
                   }];
-    if (call != "getMEIDCode") orvane::hostMainQueue().run();
+    if (call != "getMEIDCode" && call != "session") orvane::hostMainQueue().run();
   }
   _exit(0);
 }
@@ -237,6 +257,7 @@ TEST(BySelectorDeathTest, FatalCasesEndTheProcess) {
       {"login", lost, "requestLogin: there is no reply"},
       {"surrogate", success(R"({"code":0})"), "cannot be represented"},
       {"getMEIDCode", success(""), "no vendor identifier"},
+      {"session", success(""), "there is no NSURLSession"},
   };
   for (const auto& [call, result, complaint] : rows)
     EXPECT_EXIT(callOnce(call, result), testing::KilledBySignal(SIGABRT), complaint) << call;
