@@ -7,6 +7,9 @@
 #import "adapters/apple/AppleDeviceReadings.h"
 #import "adapters/apple/text.h"
 
+// The carrier and the main screen are deprecated, and without successors that know as much.
+#pragma clang diagnostic ignored "-Wdeprecated-declarations"
+
 namespace orvane {
 
 std::string AppleDeviceReadings::systemVersion() const {
@@ -30,11 +33,7 @@ std::optional<std::string> AppleDeviceReadings::identifierForVendor() const {
 std::optional<std::string> AppleDeviceReadings::carrierName() const {
   @autoreleasepool {
     CTTelephonyNetworkInfo* const info = [[[CTTelephonyNetworkInfo alloc] init] autorelease];
-    // Deprecated, and without a successor that knows more.
-#pragma clang diagnostic push
-#pragma clang diagnostic ignored "-Wdeprecated-declarations"
     return optionalUTF8([[info subscriberCellularProvider] carrierName]);
-#pragma clang diagnostic pop
   }
 }
 
