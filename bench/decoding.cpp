@@ -6,13 +6,12 @@
 #include <iostream>
 #include <string>
 
-#include "orvane/device/DeviceName.h"
-#include "orvane/network/NetworkTool.h"
-
 #include "bench/Codec.h"
 #include "bench/Rounds.h"
 #include "bench/ServiceReplies.h"
 #include "bench/process.h"
+#include "orvane/device/DeviceName.h"
+#include "orvane/network/NetworkTool.h"
 
 namespace orvane::bench {
 namespace {

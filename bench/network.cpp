@@ -8,14 +8,13 @@
 #include <iostream>
 #include <string_view>
 
-#include "orvane/client/Envelope.h"
-
 #include "bench/CurlMulti.h"
 #include "bench/Rounds.h"
 #include "bench/ServerProcess.h"
 #include "bench/ServiceReplies.h"
 #include "bench/SignIns.h"
 #include "bench/process.h"
+#include "orvane/client/Envelope.h"
 
 namespace orvane::bench {
 namespace {

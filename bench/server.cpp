@@ -21,10 +21,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "orvane/client/Envelope.h"
-
 #include "bench/ServiceReplies.h"
 #include "bench/process.h"
+#include "orvane/client/Envelope.h"
 
 namespace orvane::bench {
 namespace {
