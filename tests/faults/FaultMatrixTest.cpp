@@ -7,7 +7,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <set>
-#include <spawn.h>
 #include <sstream>
 #include <string>
 #include <sys/resource.h>
@@ -17,6 +16,7 @@
 #include <vector>
 
 #include "tests/faults/Faults.h"
+#include "tests/support/spawn.h"
 
 namespace orvane::test {
 namespace {
@@ -67,22 +67,13 @@ struct Ended {
 };
 
 Ended run(std::vector<std::string> words) {
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
   std::FILE* const output = std::tmpfile();
   std::FILE* const errors = std::tmpfile();
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, fileno(output), STDOUT_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, fileno(errors), STDERR_FILENO);
-  Ended ended;
-  pid_t child = 0;
+  int status = -1;
   rusage usage{};
-  if (::posix_spawn(&child, arguments[0], &actions, nullptr, arguments.data(), environ) == 0)
-    ::wait4(child, &ended.status, 0, &usage);
-  posix_spawn_file_actions_destroy(&actions);
-  return {ended.status, usage.ru_maxrss, takeLines(output), takeLines(errors)};
+  if (const pid_t child = spawn(std::move(words), fileno(output), fileno(errors)))
+    ::wait4(child, &status, 0, &usage);
+  return {status, usage.ru_maxrss, takeLines(output), takeLines(errors)};
 }
 
 /// What the call comes to, in the page's words; what is not in order, in others.

@@ -8,6 +8,8 @@
 #include <unistd.h>
 #include <vector>
 
+#include "tests/support/spawn.h"
+
 namespace orvane::test {
 
 /// How a process ended: its exit status, or the signal as a negative number.
@@ -53,13 +55,6 @@ class Conversation {
   }
 
  private:
-  static std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> result;
-    for (std::string& text : texts) result.push_back(text.data());
-    result.push_back(nullptr);
-    return result;
-  }
-
   int terminal_ = -1;
   pid_t child_ = -1;
   std::string heard_;

@@ -8,13 +8,13 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <set>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "orvane/host/HostSession.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/perform.h"
+#include "tests/support/spawn.h"
 
 namespace orvane {
 namespace {
@@ -28,17 +28,10 @@ using Request = LoopbackServer::Request;
 
 /// Runs the program and returns its wait status; `took` is the time from its announcement to its end.
 int statusOf(std::vector<std::string> words, std::chrono::duration<double, std::milli>& took) {
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
   int ends[2];
   EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-  pid_t process = 0;
-  EXPECT_EQ(posix_spawn(&process, arguments[0], &actions, nullptr, arguments.data(), environ), 0);
-  posix_spawn_file_actions_destroy(&actions);
+  const pid_t process = test::spawn(std::move(words), ends[1]);
+  EXPECT_GT(process, 0);
   ::close(ends[1]);
   char announcement = 0;
   static_cast<void>(!::read(ends[0], &announcement, 1));
