@@ -18,8 +18,8 @@ ErrorPtr judge(const Reply& reply) {
 void submitMobileInformation(NetworkManager& transport, const std::string& mobile) {
   Map body;
   body["mobile"] = mobile;
-  body["deviceModel"] =
-      OVDeviceInfoTool::getSystemVersion();  // The system's version, not the model: intended.
+  // The system's version, not the model: intended.
+  body["deviceModel"] = OVDeviceInfoTool::getSystemVersion();
   body["carrier"] = OVDeviceInfoTool::getcarrierName();
   body["deviceName"] = rawValue(OVDeviceInfoTool::getDeviceName());
   // The device's real identifiers never leave it.

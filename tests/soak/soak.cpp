@@ -82,8 +82,8 @@ constexpr Kind kinds[] = {
     {Kind::noScheme, "no such scheme", "NSURLErrorDomain (-1002)", 50},
     {Kind::noRequest, "no request can be built", "com.brovent.error (-1)", 50},
     {Kind::sessionGone, "session destroyed at once", "done", 20},
-    {Kind::cancelled, "cancelled at once", "NSURLErrorDomain (-1002)",
-     20},  // Where it was not dropped in time.
+    // The outcome where it was not dropped in time.
+    {Kind::cancelled, "cancelled at once", "NSURLErrorDomain (-1002)", 20},
 };
 
 /// The kinds take turns in the order of no pattern.

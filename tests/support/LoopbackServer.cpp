@@ -88,7 +88,7 @@ void LoopbackServer::run() {
   }
 }
 
-/// Likewise; and false once the server is to stop.
+/// Whether the client was there to the end, and the server is not to stop.
 bool LoopbackServer::sendPaced(int descriptor, const std::string& bytes,
                                std::chrono::milliseconds pace) const {
   if (pace.count() == 0) return sendAll(descriptor, bytes);

@@ -100,8 +100,8 @@ TEST(ChildProcess, InheritsNoDescriptor) {
 TEST(BrokenPipe, ReachesNobody) {
   std::signal(SIGPIPE, SIG_DFL);
   HostSession session;
-  EXPECT_EQ(perform(session, URLRequest("nowhere")),
-            "error -1002");  // Its threads are there before the signal is blocked.
+  // Its threads are there before the signal is blocked.
+  EXPECT_EQ(perform(session, URLRequest("nowhere")), "error -1002");
   sigset_t pipe;
   sigemptyset(&pipe);
   sigaddset(&pipe, SIGPIPE);
