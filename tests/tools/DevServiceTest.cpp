@@ -9,6 +9,7 @@
 #include <netinet/in.h>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <poll.h>
 #include <set>
 #include <string>
 #include <string_view>
@@ -327,10 +328,14 @@ class Client {
     return *this;
   }
 
-  /// Sends byte by byte while the connection lasts; how many went.
+  /// Sends byte by byte, no faster than one in a millisecond, until the server replies or ends the connection; how many
+  /// went.
   std::size_t drip(std::string_view text) {
     std::size_t count = 0;
-    while (count < text.size() && ::send(descriptor_, &text[count], 1, MSG_NOSIGNAL) == 1) ++count;
+    pollfd heard{descriptor_, POLLIN, 0};
+    while (count < text.size() && poll(&heard, 1, 1) == 0 &&
+           ::send(descriptor_, &text[count], 1, MSG_NOSIGNAL) == 1)
+      ++count;
     return count;
   }
 
