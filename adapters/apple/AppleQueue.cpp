@@ -3,12 +3,33 @@
 #include <memory>
 
 namespace orvane {
+namespace {
+
+void* keep(Task task) {
+  return std::make_unique<Task>(std::move(task)).release();
+}
+
+void runKept(void* task) {
+  const std::unique_ptr<const Task> owned(static_cast<Task*>(task));
+  (*owned)();
+}
+
+}  // namespace
 
 void AppleQueue::async(Task task) {
-  dispatch_async_f(queue_, std::make_unique<Task>(std::move(task)).release(), [](void* context) {
-    const std::unique_ptr<const Task> owned(static_cast<Task*>(context));
-    (*owned)();
-  });
+  dispatch_async_f(queue_, keep(std::move(task)), runKept);
+}
+
+void AppleQueue::asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification) {
+  const auto* theirs = dynamic_cast<const AppleQueue*>(notified.get());
+  if (!theirs) {
+    DispatchQueue::asyncGroup(std::move(task), std::move(notified), std::move(notification));
+    return;
+  }
+  const dispatch_group_t group = dispatch_group_create();
+  dispatch_group_async_f(group, queue_, keep(std::move(task)), runKept);
+  dispatch_group_notify_f(group, theirs->queue_, keep(std::move(notification)), runKept);
+  dispatch_release(group);
 }
 
 }  // namespace orvane

@@ -13,6 +13,9 @@ class AppleQueue final : public DispatchQueue {
 
   void async(Task task) override;
 
+  /// By a group of the system's, where `notified` is one of its queues, too.
+  void asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification) override;
+
  private:
   dispatch_queue_t queue_;
 };

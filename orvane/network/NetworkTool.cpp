@@ -52,8 +52,7 @@ NetworkTool::NetworkTool() = default;
 NetworkTool::~NetworkTool() = default;
 
 void NetworkTool::demoGCDGroup() {
-  // The group has one task: the notification follows it.
-  platform().globalQueue->async([] { platform().mainQueue->async([] {}); });
+  platform().globalQueue->asyncGroup([] {}, platform().mainQueue, [] {});
 }
 
 void NetworkTool::addHeader(Headers headers) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 #include "orvane/base/Export.h"
 
@@ -19,6 +20,9 @@ class ORVANE_API DispatchQueue {
 
   /// Takes a task and returns; the task is called once, later, never inside this call.
   virtual void async(Task task) = 0;
+
+  /// Takes a task that is a group by itself: once it has run, `notification` goes to the queue `notified`.
+  virtual void asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification);
 };
 
 }  // namespace orvane

@@ -32,6 +32,15 @@ bool putInUse(Platform candidate) {
 
 URLSession::~URLSession() = default;
 DispatchQueue::~DispatchQueue() = default;
+
+void DispatchQueue::asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification) {
+  async([task = std::move(task), notified = std::move(notified),
+         notification = std::move(notification)]() mutable {
+    task();
+    notified->async(std::move(notification));
+  });
+}
+
 TextRules::~TextRules() = default;
 DeviceReadings::~DeviceReadings() = default;
 

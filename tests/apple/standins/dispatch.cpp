@@ -1,12 +1,24 @@
 // libdispatch: the main queue is the one that the tests run, the global one a thread for each task.
 
 #include <dispatch/dispatch.h>
+#include <functional>
+#include <memory>
 #include <thread>
 
 #include "orvane/host/MainQueue.h"
 
 struct dispatch_queue_s {
   bool isMain;
+};
+
+/// Its tasks keep `notify`, and the last of them to let go of it calls it.
+struct dispatch_group_s {
+  using Notify = std::function<void()>;
+
+  std::shared_ptr<Notify> notify = {new Notify, [](Notify* notify) {
+                                      if (*notify) (*notify)();
+                                      delete notify;
+                                    }};
 };
 
 namespace orvane {
@@ -28,11 +40,33 @@ dispatch_queue_t dispatch_get_global_queue(long, unsigned long) {
   return &queue;
 }
 
-void dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_function_t work) {
-  const auto task = [=] { work(context); };
+static void submit(dispatch_queue_t queue, std::function<void()> task) {
   if (queue->isMain) {
-    orvane::hostMainQueue().async(task);
+    orvane::hostMainQueue().async(std::move(task));
   } else {
-    std::thread(task).detach();
+    std::thread(std::move(task)).detach();
   }
+}
+
+void dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_function_t work) {
+  submit(queue, [=] { work(context); });
+}
+
+dispatch_group_t dispatch_group_create() {
+  return new dispatch_group_s;
+}
+
+void dispatch_group_async_f(dispatch_group_t group, dispatch_queue_t queue, void* context,
+                            dispatch_function_t work) {
+  submit(queue, [=, kept = group->notify] { work(context); });
+}
+
+/// Whether the tasks are over or not: the group itself keeps `notify` until it is released.
+void dispatch_group_notify_f(dispatch_group_t group, dispatch_queue_t queue, void* context,
+                             dispatch_function_t work) {
+  *group->notify = [=] { dispatch_async_f(queue, context, work); };
+}
+
+void dispatch_release(dispatch_group_t group) {
+  delete group;
 }
