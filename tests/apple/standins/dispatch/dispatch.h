@@ -15,8 +15,10 @@ dispatch_queue_t dispatch_get_global_queue(long priority, unsigned long flags);
 void dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_function_t work);
 
 dispatch_group_t dispatch_group_create(void);
-void dispatch_group_async_f(dispatch_group_t group, dispatch_queue_t queue, void* context, dispatch_function_t work);
-void dispatch_group_notify_f(dispatch_group_t group, dispatch_queue_t queue, void* context, dispatch_function_t work);
+void dispatch_group_async_f(dispatch_group_t group, dispatch_queue_t queue, void* context,
+                            dispatch_function_t work);
+void dispatch_group_notify_f(dispatch_group_t group, dispatch_queue_t queue, void* context,
+                             dispatch_function_t work);
 void dispatch_release(dispatch_group_t group);
 
 #ifdef __cplusplus
