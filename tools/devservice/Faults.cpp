@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace devservice {
+#include "tools/devservice/Json.h"
 
-using Json = nlohmann::ordered_json;
+namespace devservice {
 
 struct Draft {
   Json object;
@@ -78,6 +77,12 @@ Reply makeReply(const Envelope& envelope, const Fault* fault) {
   return {draft.status, "application/json",
           draft.body ? *draft.body : draft.object.dump(-1, ' ', false, Json::error_handler_t::replace),
           draft.transport};
+}
+
+Reply makeRefusal(int status, Code reason, std::string_view detail) {
+  Reply reply = makeReply(refusal(reason, detail));
+  reply.status = status;
+  return reply;
 }
 
 }  // namespace devservice

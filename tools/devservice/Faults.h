@@ -39,4 +39,7 @@ const Fault* demandedFault(std::string_view mobile, Call call);
 /// The envelope as a reply, spoiled by the fault if there is one.
 Reply makeReply(const Envelope& envelope, const Fault* fault = nullptr);
 
+/// The refusal for that reason, as a reply with that HTTP status.
+Reply makeRefusal(int status, Code reason, std::string_view detail = {});
+
 }  // namespace devservice

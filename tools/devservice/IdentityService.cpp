@@ -2,19 +2,17 @@
 
 #include <algorithm>
 #include <iterator>
-#include <nlohmann/json.hpp>
 #include <random>
 #include <span>
 #include <utility>
 
 #include "tools/devservice/Glyphs.h"
+#include "tools/devservice/Json.h"
 #include "tools/devservice/LocalCaller.h"
 #include "tools/devservice/Picture.h"
 
 namespace devservice {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 using Names = std::span<const std::string_view>;
 
@@ -73,17 +71,6 @@ std::string takeMembers(const Json& object, Names names, Members& members) {
   return {};
 }
 
-Reply refuse(int status, Code reason, std::string_view detail = {}) {
-  Reply reply = makeReply(refusal(reason, detail));
-  reply.status = status;
-  return reply;
-}
-
-template <typename Value>
-Json orNull(const std::optional<Value>& value) {
-  return value ? Json(*value) : Json();
-}
-
 }  // namespace
 
 std::uint32_t systemRandom() {
@@ -95,19 +82,19 @@ IdentityService::IdentityService(Environment environment) : environment_(std::mo
 Reply IdentityService::answer(const Request& request) {
   if (request.path == "/inspect") return answerInspect(request);
   const auto route = std::ranges::find(routes, request.path, &Route::path);
-  if (route == std::end(routes)) return refuse(404, Code::unknownPath);
-  if (request.method != "POST") return refuse(405, Code::wrongMethod);
-  if (request.body.size() > maxBodySize) return refuse(413, Code::tooLarge);
-  if (const auto name = wrongHeader(request); !name.empty()) return refuse(200, Code::badHeader, name);
+  if (route == std::end(routes)) return makeRefusal(404, Code::unknownPath);
+  if (request.method != "POST") return makeRefusal(405, Code::wrongMethod);
+  if (request.body.size() > maxBodySize) return makeRefusal(413, Code::tooLarge);
+  if (const auto name = wrongHeader(request); !name.empty()) return makeRefusal(200, Code::badHeader, name);
 
   const Json object = Json::parse(request.body, nullptr, false);
-  if (!object.is_object()) return refuse(200, Code::malformedBody);
+  if (!object.is_object()) return makeRefusal(200, Code::malformedBody);
   Members members;
   if (const auto name = takeMembers(object, route->members, members); !name.empty()) {
-    return refuse(200, Code::badMember, name);
+    return makeRefusal(200, Code::badMember, name);
   }
   const std::string& mobile = members.find("mobile")->second;
-  if (!isMobileNumber(mobile)) return refuse(200, Code::badNumber, mobile);
+  if (!isMobileNumber(mobile)) return makeRefusal(200, Code::badNumber, mobile);
 
   const Fault* fault = faultFor(mobile, route->call);
   if (fault && !fault->spoil) return makeReply(refusal(Code::demanded));
@@ -155,8 +142,8 @@ const Fault* IdentityService::faultFor(std::string_view mobile, Call call) {
 }
 
 Reply IdentityService::answerInspect(const Request& request) const {
-  if (request.method != "GET") return refuse(405, Code::wrongMethod);
-  if (!isLocalCaller(request)) return refuse(403, Code::notLocal);
+  if (request.method != "GET") return makeRefusal(405, Code::wrongMethod);
+  if (!isLocalCaller(request)) return makeRefusal(403, Code::notLocal);
 
   Json all = Json::object();
   for (const auto& [mobile, known] : recent(maxNumbers)) {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <iterator>
-#include <nlohmann/json.hpp>
 #include <utility>
 
+#include "tools/devservice/Json.h"
 #include "tools/devservice/Limits.h"
 #include "tools/devservice/LocalCaller.h"
 #include "tools/devservice/PageFiles.h"
@@ -13,8 +13,6 @@
 
 namespace devservice {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr std::string_view picturePrefix = "/page/picture/";
 
@@ -29,17 +27,6 @@ constexpr std::pair<std::string_view, std::string_view> guards[] = {
     {"Referrer-Policy", "no-referrer"},
     {"X-Content-Type-Options", "nosniff"},
 };
-
-Reply refuse(int status, Code reason, std::string_view detail = {}) {
-  Reply reply = makeReply(refusal(reason, detail));
-  reply.status = status;
-  return reply;
-}
-
-template <typename Value>
-Json orNull(const std::optional<Value>& value) {
-  return value ? Json(*value) : Json();
-}
 
 std::int64_t milliseconds(std::chrono::system_clock::time_point time) {
   return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
@@ -88,14 +75,14 @@ bool Page::owns(std::string_view path) {
 
 Reply Page::answer(const Request& request) {
   const auto reply = [&] {
-    if (!isLocalCaller(request)) return refuse(403, Code::notLocal);
+    if (!isLocalCaller(request)) return makeRefusal(403, Code::notLocal);
     const bool chooses = request.path == "/page/fault";
-    if (request.method != (chooses ? "POST" : "GET")) return refuse(405, Code::wrongMethod);
+    if (request.method != (chooses ? "POST" : "GET")) return makeRefusal(405, Code::wrongMethod);
     if (chooses) return chooseFault(request);
     if (request.path == "/page/state") return state();
     if (request.path.starts_with(picturePrefix)) return picture(request.path.substr(picturePrefix.size()));
     const auto file = std::ranges::find(pageFiles(), request.path, &PageFile::path);
-    if (file == pageFiles().end()) return refuse(404, Code::unknownPath);
+    if (file == pageFiles().end()) return makeRefusal(404, Code::unknownPath);
     return Reply{200, std::string(file->contentType), std::string(file->content)};
   };
   Reply guarded = reply();
@@ -137,20 +124,20 @@ Reply Page::state() const {
 
 Reply Page::picture(std::string_view mobile) const {
   const auto known = service_.inspect(mobile);
-  if (!known || !known->drawing) return refuse(404, Code::noPicture);
+  if (!known || !known->drawing) return makeRefusal(404, Code::noPicture);
   const auto bytes = drawPicture(known->drawing->text, known->drawing->seed);
   return {200, "image/png", std::string(bytes.begin(), bytes.end())};
 }
 
 /// The body is {"fault": N}, or null for none.
 Reply Page::chooseFault(const Request& request) {
-  if (!isFromOwnPage(request)) return refuse(403, Code::notLocal, "Origin");
+  if (!isFromOwnPage(request)) return makeRefusal(403, Code::notLocal, "Origin");
   const Json object = Json::parse(request.body, nullptr, false);
-  if (!object.is_object()) return refuse(400, Code::malformedBody);
+  if (!object.is_object()) return makeRefusal(400, Code::malformedBody);
   const Json number = object.value("fault", Json("missing"));
   const auto fault =
       std::ranges::find_if(faultTable(), [&](const Fault& each) { return number == each.number; });
-  if (fault == faultTable().end() && !number.is_null()) return refuse(400, Code::badMember, "fault");
+  if (fault == faultTable().end() && !number.is_null()) return makeRefusal(400, Code::badMember, "fault");
   service_.chooseFault(number.is_null() ? nullptr : &*fault);
   return makeReply({Code::success, "chosen", {}});
 }

@@ -176,9 +176,7 @@ class Server::Implementation : private httplib::Server {
   /// What the library does not understand; where the next request would start is anybody's guess.
   Reply refuse(int status) {
     current().makeLast();
-    Reply reply = makeReply(refusal(status == 413 ? Code::tooLarge : Code::malformedRequest));
-    reply.status = status;
-    return reply;
+    return makeRefusal(status, status == 413 ? Code::tooLarge : Code::malformedRequest);
   }
 
   bool process_and_close_socket(socket_t socket) override {
