@@ -6,7 +6,7 @@
 
 #include "adapters/host/Redirect.h"
 #include "adapters/host/Transfer.h"
-#include "adapters/host/URLParts.h"
+#include "orvane/platform/URLParts.h"
 #include "fuzz/fuzz.h"
 
 namespace orvane {

@@ -4,7 +4,7 @@
 #include <array>
 #include <utf8proc.h>
 
-#include "adapters/host/URLParts.h"
+#include "orvane/platform/URLParts.h"
 #include "orvane/base/utf8.h"
 
 namespace orvane {

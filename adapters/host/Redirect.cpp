@@ -1,6 +1,6 @@
 #include "adapters/host/Redirect.h"
 
-#include "adapters/host/URLParts.h"
+#include "orvane/platform/URLParts.h"
 
 namespace orvane {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
-#include "adapters/host/URLParts.h"
+#include "orvane/platform/URLParts.h"
 #include "adapters/host/closeOnExec.h"
 
 namespace orvane {

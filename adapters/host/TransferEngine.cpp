@@ -8,7 +8,7 @@
 #include "adapters/host/ExitGate.h"
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
-#include "adapters/host/URLParts.h"
+#include "orvane/platform/URLParts.h"
 
 namespace orvane {
 namespace {

@@ -42,6 +42,8 @@ class ORVANE_API URLRequest {
   const std::vector<HeaderField>& headers() const noexcept { return headers_; }
   ///@}
 
+  /// Replaces the URL, and nothing else.
+  void setURL(std::string url) { url_ = std::move(url); }
   /// Ignored unless `method` is an HTTP token.
   void setMethod(std::string_view method);
   /// Replaces the body; an empty one is a body, too.

@@ -1,4 +1,4 @@
-#include "adapters/host/URLParts.h"
+#include "orvane/platform/URLParts.h"
 
 #include <algorithm>
 
