@@ -1,6 +1,50 @@
 #include "adapters/host/SessionError.h"
 
 namespace orvane {
+namespace {
+
+/// What a person is told, whatever the details.
+constexpr std::string_view sentence(SessionErrorCode code) noexcept {
+  switch (code) {
+    case SessionErrorCode::unknown:
+      return "The request failed.";
+    case SessionErrorCode::badURL:
+      return "The URL is not valid.";
+    case SessionErrorCode::timedOut:
+      return "The request timed out.";
+    case SessionErrorCode::unsupportedURL:
+      return "The URL is not supported.";
+    case SessionErrorCode::cannotFindHost:
+      return "The server could not be found.";
+    case SessionErrorCode::cannotConnectToHost:
+      return "Could not connect to the server.";
+    case SessionErrorCode::connectionLost:
+      return "The connection to the server was lost.";
+    case SessionErrorCode::tooManyRedirects:
+      return "There were too many redirects.";
+    case SessionErrorCode::undecodableContent:
+      return "The server's reply could not be decoded.";
+    case SessionErrorCode::cannotParseReply:
+      return "The server's reply could not be understood.";
+    case SessionErrorCode::dataTooLarge:
+      return "The server's reply is too large.";
+    case SessionErrorCode::secureConnectionFailed:
+      return "A secure connection to the server could not be made.";
+    case SessionErrorCode::serverCertificateHasBadDate:
+      return "The server's certificate has expired.";
+    case SessionErrorCode::serverCertificateUntrusted:
+      return "The server's certificate is not trusted.";
+    case SessionErrorCode::serverCertificateHasUnknownRoot:
+      return "The server's certificate is from an unknown authority.";
+    case SessionErrorCode::serverCertificateNotYetValid:
+      return "The server's certificate is not valid yet.";
+    case SessionErrorCode::clientCertificateRequired:
+      return "The server requires a client certificate.";
+  }
+  return {};
+}
+
+}  // namespace
 
 SessionErrorCode sessionErrorCode(CURLcode result) noexcept {
   switch (result) {
@@ -46,11 +90,11 @@ SessionErrorCode sessionErrorCode(CURLcode result) noexcept {
   }
 }
 
-ErrorPtr makeSessionError(SessionErrorCode code, std::string_view url, std::string_view description) {
+ErrorPtr makeSessionError(SessionErrorCode code, std::string_view url, std::string_view detail) {
+  Map userInfo = {{"NSLocalizedDescription", sentence(code)}, {"NSErrorFailingURLStringKey", url}};
+  if (!detail.empty()) userInfo.emplace("NSDebugDescription", detail);
   return std::make_shared<const Error>(
-      Error{"NSURLErrorDomain",
-            static_cast<std::int64_t>(code),
-            {{"NSLocalizedDescription", description}, {"NSErrorFailingURLStringKey", url}}});
+      Error{"NSURLErrorDomain", static_cast<std::int64_t>(code), std::move(userInfo)});
 }
 
 }  // namespace orvane

@@ -21,12 +21,17 @@ enum class SessionErrorCode {
   cannotParseReply = -1017,
   dataTooLarge = -1103,
   secureConnectionFailed = -1200,
+  serverCertificateHasBadDate = -1201,
   serverCertificateUntrusted = -1202,
+  serverCertificateHasUnknownRoot = -1203,
+  serverCertificateNotYetValid = -1204,
   clientCertificateRequired = -1206,
 };
 
 SessionErrorCode sessionErrorCode(CURLcode result) noexcept;
 
-ErrorPtr makeSessionError(SessionErrorCode code, std::string_view url, std::string_view description);
+/// Returns the error of that code, with its sentence for people under "NSLocalizedDescription", the URL under
+/// "NSErrorFailingURLStringKey" and `detail`, unless it is empty, under "NSDebugDescription".
+ErrorPtr makeSessionError(SessionErrorCode code, std::string_view url, std::string_view detail = {});
 
 }  // namespace orvane

@@ -7,8 +7,8 @@
 
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
-#include "orvane/platform/URLParts.h"
 #include "adapters/host/closeOnExec.h"
+#include "orvane/platform/URLParts.h"
 
 namespace orvane {
 namespace {
@@ -203,15 +203,8 @@ DataTaskResult Transfer::finish(CURLcode result) {
   if (result == CURLE_OK && !isHeaderWhole_) result = CURLE_PARTIAL_FILE;
   if (result == CURLE_OK) return {std::move(body), HTTPResponse{statusCode()}, nullptr};
   const SessionErrorCode code = isTooLarge_ ? SessionErrorCode::dataTooLarge : sessionErrorCode(result);
-  const char* description = curl_easy_strerror(result);
-  if (code == SessionErrorCode::dataTooLarge) {
-    description = "The reply is larger than allowed";
-  } else if (result == CURLE_ABORTED_BY_CALLBACK) {
-    description = "The connection was lost before a reply came";
-  } else if (errorText_[0] != '\0') {
-    description = errorText_.data();
-  }
-  return {std::nullopt, std::nullopt, makeSessionError(code, task_.request.url(), description)};
+  const char* const detail = errorText_[0] != '\0' ? errorText_.data() : curl_easy_strerror(result);
+  return {std::nullopt, std::nullopt, makeSessionError(code, task_.request.url(), detail)};
 }
 
 std::string_view Transfer::redirectLocation() const {

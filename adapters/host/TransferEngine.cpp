@@ -101,9 +101,9 @@ void TransferEngine::letGo() {
 void TransferEngine::add(DataTask&& task) {
   const URLParts parts = splitURL(task.request.url());
   if (!isSupportedScheme(parts.scheme)) {
-    fail(std::move(task), SessionErrorCode::unsupportedURL, "The URL's scheme is not supported");
+    fail(std::move(task), SessionErrorCode::unsupportedURL);
   } else if (parts.host.empty() || task.request.url().find('\0') != std::string::npos) {
-    fail(std::move(task), SessionErrorCode::badURL, "The URL names no host, or holds a NUL character");
+    fail(std::move(task), SessionErrorCode::badURL);
   } else {
     std::deque<DataTask>& waiting = destinations_[destinationKey(parts)].waiting;
     // A task that was redirected is older than those which have come meanwhile.
@@ -139,7 +139,7 @@ void TransferEngine::giveUpOverdue() {
   for (auto place = destinations_.begin(); place != destinations_.end();) {
     std::deque<DataTask>& waiting = place->second.waiting;
     while (!waiting.empty() && waiting.front().deadline <= now_) {
-      fail(std::move(waiting.front()), SessionErrorCode::timedOut, "No connection was free in time");
+      fail(std::move(waiting.front()), SessionErrorCode::timedOut);
       waiting.pop_front();
     }
     const bool isIdle = waiting.empty() && place->second.running == 0;
@@ -182,12 +182,12 @@ void TransferEngine::release(const Transfer& transfer) {
 
 void TransferEngine::follow(DataTask&& task, int statusCode, const std::string& location) {
   if (++task.redirects > maximumRedirects) {
-    fail(std::move(task), SessionErrorCode::tooManyRedirects, "There were too many redirects");
+    fail(std::move(task), SessionErrorCode::tooManyRedirects);
     return;
   }
   auto next = redirect(task.request, statusCode, location);
   if (const auto* code = std::get_if<SessionErrorCode>(&next)) {
-    fail(std::move(task), *code, "The redirect leads to a URL that is not supported");
+    fail(std::move(task), *code);
     return;
   }
   task.request = std::get<URLRequest>(std::move(next));
@@ -199,8 +199,8 @@ void TransferEngine::report(DataTask&& task, DataTaskResult result) {
   due_.push_back({std::move(task.handler), std::move(result)});
 }
 
-void TransferEngine::fail(DataTask&& task, SessionErrorCode code, std::string_view description) {
-  ErrorPtr error = makeSessionError(code, task.request.url(), description);
+void TransferEngine::fail(DataTask&& task, SessionErrorCode code) {
+  ErrorPtr error = makeSessionError(code, task.request.url());
   report(std::move(task), {std::nullopt, std::nullopt, std::move(error)});
 }
 

@@ -71,7 +71,7 @@ class TransferEngine {
   void release(const Transfer& transfer);
   void follow(DataTask&& task, int statusCode, const std::string& location);
   void report(DataTask&& task, DataTaskResult result);
-  void fail(DataTask&& task, SessionErrorCode code, std::string_view description);
+  void fail(DataTask&& task, SessionErrorCode code);
 
   std::unique_ptr<CURLSH, ShareDeleter> cookies_;
   TransferSettings settings_;

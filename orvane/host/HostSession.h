@@ -52,8 +52,9 @@ class SessionThreads;
 /// made by fork() uses no session, and ends by _exit(). A program started meanwhile inherits no descriptor,
 /// but for two of curl's, without data, while a host name is being looked up, or while a session is being made.
 ///
-/// A status is never an error. Errors have the domain "NSURLErrorDomain" and the codes known from there, with
-/// a description under "NSLocalizedDescription" and the URL under "NSErrorFailingURLStringKey".
+/// A status is never an error. Errors have the domain "NSURLErrorDomain" and the codes known from there; their user
+/// information has a sentence for people under "NSLocalizedDescription", the same for each error of that code, the URL
+/// under "NSErrorFailingURLStringKey", and where libcurl said more, its words under "NSDebugDescription".
 class ORVANE_API HostSession final : public URLSession {
  public:
   /// A session that has not started anything yet.

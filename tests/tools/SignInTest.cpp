@@ -250,7 +250,7 @@ TEST(SignInProgram, TellsScriptsHowEachStepEnded) {
        R"({"step":"picture","outcome":"usage","domain":null,"code":null,"message":"--picture: cannot)"},
       {"--mobile=\xff", 2, 1, R"({"step":null,"outcome":"usage",)"},
       {nobodyThere, 3, 1,
-       R"({"step":"picture","outcome":"network","domain":"NSURLErrorDomain","code":-1004,"message":"Fa)"},
+       R"({"step":"picture","outcome":"network","domain":"NSURLErrorDomain","code":-1004,"message":"Could)"},
       {"--mobile=+99900000105", 3, 1,
        R"({"step":"picture","outcome":"network","domain":"com.brovent.error",)"},
       {"--mobile=+99900000302", -SIGABRT, 3, R"({"step":"login","outcome":"aborted",)"},
