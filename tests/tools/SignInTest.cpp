@@ -57,6 +57,7 @@ TEST(SignInOptions, AreUnderstoodOrRefused) {
       {{"--connect=localhost:0"}, true, wrongAddress},
       {{"--connect=::1:80"}, true, wrongAddress},
       {{"--connect=a:1", "--live"}, true, "--live: contradicts --connect"},
+      {{"--proxy=http://localhost:1", "--connect=a:1"}, true, "--proxy: needs --live"},
       {{"--auto=yes"}, true, "--auto: takes no value"},
       {{"--mobile"}, true, "--mobile: a value is missing"},
       {{"+4477"}, true, "+4477: no such option"},
@@ -95,9 +96,12 @@ TEST(SignInTrace, WritesLinesThatCanBePasted) {
   request.addValue("4", "xrapi-client-id");
   request.addValue("", "X-Empty");
   request.setBody({body.begin(), body.end()});
-  const orvane::Reroute reroute{.host = "example.test", .toHost = "::1", .toPort = 8080};
-  EXPECT_EQ(requestLine(request, reroute, secrets),
-            "curl -X POST --connect-to 'example.test:80:[::1]:8080' -H 'xrapi-client-id: ***' -H 'X-Empty;'"
+  const orvane::HostSessionConfiguration configuration{
+      .proxy = "http://me:pa@ss@proxy.test",
+      .reroutes = {{.host = "example.test", .toHost = "::1", .toPort = 8080}}};
+  EXPECT_EQ(requestLine(request, configuration, secrets),
+            "curl -X POST --connect-to 'example.test:80:[::1]:8080' -x 'http://***@proxy.test' -H "
+            "'xrapi-client-id: ***' -H 'X-Empty;'"
             R"( --data-raw '{"mobile":"***","msg":"*** isn'\''t ö"}')"
             " 'http://example.test/a?b=***'");
 

@@ -50,6 +50,7 @@ constexpr OptionKind kinds[] = {
     {"--connect", "HOST:PORT", "send the requests for the service to this address; [IPV6]:PORT, too",
      setConnect},
     {"--live", "", "send them to the service's own address", setFlag<&Options::live>},
+    {"--proxy", "URL", "with --live: send them by this HTTP proxy", setText<&Options::proxy>},
     {"--mobile", "NUMBER", "the mobile number", setText<&Options::mobile>},
     {"--captcha", "TEXT", "what the picture says", setText<&Options::captcha>},
     {"--code", "TEXT", "the code in the text message", setText<&Options::code>},
@@ -86,6 +87,7 @@ constexpr Use uses[] = {
 
 void refuseContradictions(const Options& options) {
   if (options.connect && options.live) throw UsageError("--live: contradicts --connect");
+  if (options.proxy && !options.live) throw UsageError("--proxy: needs --live");
   for (const Use& use : uses) {
     if (options.*use.value && !options.includes(use.call)) {
       throw UsageError(std::string(use.name) + ": the call that --only names has no use for it");

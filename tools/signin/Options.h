@@ -36,6 +36,7 @@ struct Options {
   std::optional<std::string> pictureFile;
   std::optional<Call> only;
   std::optional<Address> connect;
+  std::optional<std::string> proxy;  ///< A URL.
   bool live = false;
   bool automatic = false;
   bool trace = false;

@@ -27,6 +27,14 @@ std::string authority(const std::string& host, std::uint16_t port) {
   return (host.find(':') == host.npos ? host : "[" + host + "]") + ":" + std::to_string(port);
 }
 
+/// The URL without the name and password in it, if it has any.
+std::string maskedUser(const std::string& url) {
+  const std::size_t at = url.rfind('@');
+  if (at == url.npos) return url;
+  const std::size_t scheme = url.find("//");
+  return url.substr(0, scheme < at ? scheme + 2 : 0) + std::string(mask) + url.substr(at);
+}
+
 std::string headerWord(const orvane::HeaderField& field, const Secrets& secrets) {
   if (field.value.empty()) return shellWord(field.name + ";");  // curl's way to send an empty one
   const bool isSecret = orvane::equalIgnoringCase(field.name, "XRAPI-CLIENT-ID");
@@ -53,14 +61,15 @@ std::string shellWord(std::string_view text) {
   return word + "'";
 }
 
-std::string requestLine(const orvane::URLRequest& request, const std::optional<orvane::Reroute>& reroute,
-                        const Secrets& secrets) {
+std::string requestLine(const orvane::URLRequest& request,
+                        const orvane::HostSessionConfiguration& configuration, const Secrets& secrets) {
   std::string line = "curl -X " + request.method();
-  if (reroute) {
+  for (const orvane::Reroute& reroute : configuration.reroutes) {
     line.append(" --connect-to ");
-    line += shellWord(authority(reroute->host, reroute->port) + ":" +
-                      authority(reroute->toHost, reroute->toPort));
+    line +=
+        shellWord(authority(reroute.host, reroute.port) + ":" + authority(reroute.toHost, reroute.toPort));
   }
+  if (!configuration.proxy.empty()) line.append(" -x ").append(shellWord(maskedUser(configuration.proxy)));
   for (const orvane::HeaderField& field : request.headers()) {
     line.append(" -H ").append(headerWord(field, secrets));
   }

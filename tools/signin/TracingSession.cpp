@@ -7,15 +7,15 @@
 namespace signin {
 
 TracingSession::TracingSession(std::shared_ptr<orvane::URLSession> inner,
-                               std::optional<orvane::Reroute> reroute, std::shared_ptr<const Secrets> secrets,
-                               Write write)
+                               orvane::HostSessionConfiguration configuration,
+                               std::shared_ptr<const Secrets> secrets, Write write)
     : inner_(std::move(inner)),
-      reroute_(std::move(reroute)),
+      configuration_(std::move(configuration)),
       secrets_(std::move(secrets)),
       write_(std::move(write)) {}
 
 void TracingSession::startDataTask(orvane::URLRequest request, orvane::DataTaskHandler handler) {
-  write_(requestLine(request, reroute_, *secrets_));
+  write_(requestLine(request, configuration_, *secrets_));
   auto traced = [url = request.url(), secrets = secrets_, write = write_,
                  handler = std::move(handler)](orvane::DataTaskResult result) {
     write(replyLine(url, result, *secrets));

@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "orvane/host/HostSession.h"
@@ -18,8 +17,8 @@ class TracingSession final : public orvane::URLSession {
   /// a reply before anybody else learns of it.
   using Write = std::function<void(std::string line)>;
 
-  /// `reroute` is that of the inner session, if it has one.
-  TracingSession(std::shared_ptr<orvane::URLSession> inner, std::optional<orvane::Reroute> reroute,
+  /// `configuration` is that of the inner session.
+  TracingSession(std::shared_ptr<orvane::URLSession> inner, orvane::HostSessionConfiguration configuration,
                  std::shared_ptr<const Secrets> secrets, Write write);
 
   void startDataTask(orvane::URLRequest request, orvane::DataTaskHandler handler) override;
@@ -27,7 +26,7 @@ class TracingSession final : public orvane::URLSession {
 
  private:
   std::shared_ptr<orvane::URLSession> inner_;
-  std::optional<orvane::Reroute> reroute_;
+  orvane::HostSessionConfiguration configuration_;
   std::shared_ptr<const Secrets> secrets_;
   Write write_;
 };

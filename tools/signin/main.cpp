@@ -35,16 +35,14 @@ orvane::Reroute rerouteTo(const Address& address) {
 }
 
 /// Puts the tool's own session under the library.
-std::shared_ptr<CountingSession> installSession(const std::optional<orvane::Reroute>& reroute,
+std::shared_ptr<CountingSession> installSession(const orvane::HostSessionConfiguration& configuration,
                                                 std::shared_ptr<const Secrets> traceSecrets) {
-  orvane::HostSessionConfiguration configuration;
-  if (reroute) configuration.reroutes.push_back(*reroute);
   // Under the tracing, so that what is waited for is hidden before a reply is traced.
-  auto counting = std::make_shared<CountingSession>(
-      std::make_shared<orvane::HostSession>(std::move(configuration)), hideWaiting);
+  auto counting =
+      std::make_shared<CountingSession>(std::make_shared<orvane::HostSession>(configuration), hideWaiting);
   std::shared_ptr<orvane::URLSession> session = counting;
   if (traceSecrets) {
-    session = std::make_shared<TracingSession>(counting, reroute, std::move(traceSecrets), writeError);
+    session = std::make_shared<TracingSession>(counting, configuration, std::move(traceSecrets), writeError);
   }
   orvane::installPlatform({.sharedSession = std::move(session)});
   return counting;
@@ -60,15 +58,15 @@ Outcome signIn(const Options& options, Report& report) {
   std::optional<EmbeddedService> embedded;
   if (options.embedsService()) embedded.emplace();
 
-  std::optional<orvane::Reroute> reroute;
-  if (embedded) reroute = rerouteTo({"127.0.0.1", embedded->server.port()});
-  if (options.connect) reroute = rerouteTo(*options.connect);
+  orvane::HostSessionConfiguration configuration{.proxy = options.proxy.value_or("")};
+  if (embedded) configuration.reroutes.push_back(rerouteTo({"127.0.0.1", embedded->server.port()}));
+  if (options.connect) configuration.reroutes.push_back(rerouteTo(*options.connect));
 
   const auto secrets = std::make_shared<Secrets>();
   for (const auto& given : {options.mobile, options.clientId, options.captcha, options.code}) {
     if (given) secrets->add(*given);
   }
-  const auto session = installSession(reroute, options.trace ? secrets : nullptr);
+  const auto session = installSession(configuration, options.trace ? secrets : nullptr);
   if (options.clientId) orvane::OrvaneManager::shareManager().setAppClientId(*options.clientId);
   return SignIn(options, answerer, embedded ? &embedded->service : nullptr, *session, *secrets, report).run();
 }

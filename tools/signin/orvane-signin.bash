@@ -16,10 +16,10 @@ _orvane_signin() {
       kind=(-A hostname -S :)
       compopt -o nospace
       ;;
-    --mobile | --captcha | --code | --client-id) return ;;
+    --mobile | --captcha | --code | --client-id | --proxy) return ;;
     *)
-      kind=(-W '--connect --live --mobile --captcha --code --client-id --picture --only --auto --json --trace
-        --help --version')
+      kind=(-W '--connect --live --proxy --mobile --captcha --code --client-id --picture --only --auto --json
+        --trace --help --version')
       ;;
   esac
   mapfile -t COMPREPLY < <(compgen "${kind[@]}" -- "$word")
