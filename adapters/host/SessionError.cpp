@@ -47,7 +47,8 @@ constexpr std::string_view sentence(SessionErrorCode code) noexcept {
 }  // namespace
 
 SessionErrorCode sessionErrorCode(CURLcode result) noexcept {
-  switch (result) {
+  constexpr int tooLarge = 100;  // CURLE_TOO_LARGE, since curl 8.6.
+  switch (static_cast<int>(result)) {
     case CURLE_URL_MALFORMAT:
       return SessionErrorCode::badURL;
     case CURLE_OPERATION_TIMEDOUT:
@@ -62,7 +63,7 @@ SessionErrorCode sessionErrorCode(CURLcode result) noexcept {
     case CURLE_PARTIAL_FILE:
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
-    case CURLE_ABORTED_BY_CALLBACK:  // Only ever asked for to keep a lost request from being sent twice.
+    case CURLE_ABORTED_BY_CALLBACK:  // Keeps a lost request from being sent twice.
       return SessionErrorCode::connectionLost;
     case CURLE_BAD_CONTENT_ENCODING:
     case CURLE_WRITE_ERROR:  // Bytes behind a compressed stream. What a transfer refuses has its code.
@@ -73,7 +74,8 @@ SessionErrorCode sessionErrorCode(CURLcode result) noexcept {
     case CURLE_HTTP2_STREAM:
       return SessionErrorCode::cannotParseReply;
     case CURLE_FILESIZE_EXCEEDED:
-    case CURLE_OUT_OF_MEMORY:  // Also a header line beyond curl's limit of 100 KiB.
+    case CURLE_OUT_OF_MEMORY:  // Before curl 8.6 also a header line beyond curl's limit of 100 KiB.
+    case tooLarge:
       return SessionErrorCode::dataTooLarge;
     case CURLE_SSL_CONNECT_ERROR:
     case CURLE_SSL_CIPHER:

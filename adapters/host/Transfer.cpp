@@ -15,9 +15,10 @@ namespace {
 
 constexpr const char* userAgent = "Orvane/1.0";
 
-/// Of all header lines of an exchange, in bytes: also those before the reply proper and behind its body. curl
-/// keeps each.
-constexpr std::size_t maximumHeaderSize = 256U << 10;
+/// Limits on all header lines of an exchange: interim replies, the reply, trailers. Below those of every curl, which keeps
+/// each line and counts with some versions.
+constexpr std::size_t maximumHeaderSize = 256U << 10;  // In bytes.
+constexpr std::size_t maximumHeaderLines = 4000;
 
 /// Sends bytes beyond ASCII percent-encoded, but in the host, whose name curl encodes as the name system
 /// wants it.
@@ -85,8 +86,7 @@ Transfer::Transfer(const TransferSettings& settings)
   set(
       CURLOPT_XFERINFOFUNCTION,
       +[](void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) {
-        static_cast<Self*>(self)->noteProgress(received + sent);
-        return 0;
+        return static_cast<Self*>(self)->noteProgress(received, sent) ? 0 : 1;
       });
   // Called before each sending: curl sends again by itself what a kept-alive connection lost. What is no mere
   // question must not be asked twice.
@@ -107,6 +107,7 @@ void Transfer::prepare(DataTask&& task, const Clock::time_point& now) {
   progress_ = 0;
   attempts_ = 0;
   headerSize_ = 0;
+  headerLines_ = 0;
   isHeaderWhole_ = false;
   isTooLarge_ = false;
   body_.clear();
@@ -183,14 +184,16 @@ std::size_t Transfer::takeHeaderLine(std::string_view line) noexcept {
   if (line.starts_with("HTTP/")) isHeaderWhole_ = false;
   if (line == "\r\n" || line == "\n") isHeaderWhole_ = true;
   headerSize_ += line.size();
-  isTooLarge_ = headerSize_ > maximumHeaderSize;
+  isTooLarge_ = headerSize_ > maximumHeaderSize || ++headerLines_ > maximumHeaderLines;
   return isTooLarge_ ? 0 : line.size();
 }
 
-void Transfer::noteProgress(curl_off_t bytes) noexcept {
-  if (bytes == progress_) return;
-  progress_ = bytes;
-  lastActivity_ = *now_;
+/// Returns false if the body is too large as it came, compressed: curl counts it so only since 8.4.
+bool Transfer::noteProgress(curl_off_t received, curl_off_t sent) noexcept {
+  if (received + sent != progress_) lastActivity_ = *now_;
+  progress_ = received + sent;
+  isTooLarge_ = isTooLarge_ || static_cast<std::uint64_t>(received) > settings_.configuration.maximumBodySize;
+  return !isTooLarge_;
 }
 
 Clock::time_point Transfer::end() const noexcept {

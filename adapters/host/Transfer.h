@@ -61,7 +61,7 @@ class Transfer {
   void setHeaders();
   std::size_t take(const char* bytes, std::size_t size) noexcept;
   std::size_t takeHeaderLine(std::string_view line) noexcept;
-  void noteProgress(curl_off_t bytes) noexcept;
+  bool noteProgress(curl_off_t received, curl_off_t sent) noexcept;
 
   const TransferSettings& settings_;
   std::unique_ptr<CURL, HandleDeleter> handle_;
@@ -76,6 +76,7 @@ class Transfer {
   curl_off_t progress_ = 0;
   int attempts_ = 0;
   std::size_t headerSize_ = 0;
+  std::size_t headerLines_ = 0;
   bool isHeaderWhole_ = false;
   bool isTooLarge_ = false;
 };

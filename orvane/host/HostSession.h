@@ -27,8 +27,8 @@ struct HostSessionConfiguration {
   std::chrono::milliseconds idleTimeout = std::chrono::seconds(60);
   /// How long a task may take in all, from its start; then error -1001. Must be positive.
   std::chrono::milliseconds totalTimeout = std::chrono::hours(7 * 24);
-  /// The greatest reply body, after decompression, in bytes; beyond it error -1103. A reply's header lines may
-  /// have 256 KiB together, and 100 KiB each.
+  /// The greatest reply body in bytes, before and after decompression; beyond it error -1103. A reply may also
+  /// have 4,000 header lines, of 100 KiB each and 256 KiB together.
   std::size_t maximumBodySize = 64U << 20;
   /// How many connections to one host at a time; further requests wait. At least one.
   std::size_t connectionsPerHost = 6;

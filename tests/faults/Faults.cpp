@@ -64,6 +64,14 @@ Fault::Script unfolding() {
                  stream.substr(headerSize));
 }
 
+/// A gzip stream with more empty blocks than a body may have bytes.
+Fault::Script padded(const std::string& stream) {
+  constexpr std::size_t headerSize = 10;
+  std::string longer = ok + "Content-Encoding: gzip\r\n\r\n" + stream.substr(0, headerSize);
+  for (std::size_t size = 0; size <= bodyLimit; size += 5) longer.append("\0\0\0\xFF\xFF", 5);
+  return always(longer + stream.substr(headerSize), Then::close);
+}
+
 std::string damaged(std::string stream) {
   stream[stream.size() / 2] ^= 1;
   return stream;
@@ -128,6 +136,7 @@ std::vector<Fault> makeFaults() {
       {"A second reply follows, for which nobody asked", always(reply(good) + reply(refusal)), 3},
 
       {"A header line of 1 MiB", always(reply(good, "X: " + std::string(1 << 20, 'x') + "\r\n"))},
+      {"3,900 short header lines", always(reply(good, headerLines(3'900)))},
       {"10,000 short header lines", always(reply(good, headerLines(10'000)))},
       {"Header lines without end", endless(ok, headerLines(100))},
       {"Header lines without end behind the body", endless(chunked + "0\r\n", headerLines(100))},
@@ -140,6 +149,7 @@ std::vector<Fault> makeFaults() {
       {"A compressed body that unfolds without end", unfolding()},
       {"A body compressed twice that unfolds beyond the limit",
        compressed(gzip(gzip(std::string(bodyLimit + 1, ' '))), "gzip, gzip")},
+      {"A compressed body beyond the limit that unfolds to little", padded(stream)},
 
       {"Its stream is damaged", compressed(damaged(stream))},
       {"Its stream is followed by other bytes", compressed(stream + "more")},
