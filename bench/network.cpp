@@ -103,8 +103,8 @@ void compareBursts(const std::string& how, std::uint16_t port) {
   const std::string body = codec.body(codeFields());
   CurlMulti multi(port, connections);
   const auto bare = [&](std::size_t count) {
-    multi.post(
-        count, codeCall.path, [&] { return std::string(body); }, [](const auto&) {});
+    const auto written = [&] { return std::string(body); };
+    multi.post(count, codeCall.path, written, [](const auto&) {});
   };
   const auto whole = [&](std::size_t count) {
     multi.post(

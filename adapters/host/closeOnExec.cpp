@@ -49,7 +49,7 @@ std::vector<int> inheritableSockets() {
   while (const dirent* entry = list ? readdir(list.get()) : nullptr) {
     const int file = std::atoi(entry->d_name);
     const int flags = fcntl(file, F_GETFD);
-    struct stat facts {};
+    struct stat facts = {};
     if (flags >= 0 && (flags & FD_CLOEXEC) == 0 && stat((folder + entry->d_name).c_str(), &facts) == 0 &&
         S_ISSOCK(facts.st_mode))
       sockets.push_back(file);

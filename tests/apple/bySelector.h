@@ -16,12 +16,13 @@ inline Class classNamed(const char* name) {
   return NSClassFromString([NSString stringWithUTF8String:name]);
 }
 
-/// Sends a message as any caller does that knows the selector alone.
+/// Sends a message as any caller does that knows the selector alone. The cast by way of `void (*)()` is the one that
+/// compilers leave without a warning.
 template <class Result = void, class... Arguments>
 Result send(id receiver, const char* selector, Arguments... arguments) {
   const SEL name = sel_registerName(selector);
-  return reinterpret_cast<Result (*)(id, SEL, Arguments...)>([receiver methodForSelector:name])(
-      receiver, name, arguments...);
+  const auto method = reinterpret_cast<void (*)()>([receiver methodForSelector:name]);
+  return reinterpret_cast<Result (*)(id, SEL, Arguments...)>(method)(receiver, name, arguments...);
 }
 
 /// Runs the main queue until `call` lets `over` be called. Whether that was on the main thread.

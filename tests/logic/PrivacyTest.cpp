@@ -20,8 +20,8 @@ void expectDiscreet(bool prints, const std::function<void()>& path) {
     path();
     std::exit(0);
   };
-  EXPECT_EXIT(
-      run(), [](int) { return true; }, prints ? "^orvane: [^9\n]*\n$" : "^$");
+  const auto ends = [](int) { return true; };
+  EXPECT_EXIT(run(), ends, prints ? "^orvane: [^9\n]*\n$" : "^$");
 }
 
 void call(char which) {

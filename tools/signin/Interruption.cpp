@@ -11,7 +11,7 @@ void onInterruption(std::function<void()> tidyUp) {
   sigset_t signals;
   sigemptyset(&signals);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    struct sigaction before {};
+    struct sigaction before = {};
     sigaction(signal, nullptr, &before);
     if (before.sa_handler != SIG_IGN) sigaddset(&signals, signal);
   }

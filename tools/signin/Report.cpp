@@ -41,7 +41,7 @@ void Report::open(bool hasPerson) {
   lines_ = fdopen(lines, "w");
   checked(lines_ ? 0 : -1);
   opened = this;
-  struct sigaction action {};
+  struct sigaction action = {};
   action.sa_handler = tellAbortion;
   sigaction(SIGABRT, &action, nullptr);
 }
