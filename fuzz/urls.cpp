@@ -6,8 +6,8 @@
 
 #include "adapters/host/Redirect.h"
 #include "adapters/host/Transfer.h"
-#include "orvane/platform/URLParts.h"
 #include "fuzz/fuzz.h"
+#include "orvane/platform/URLParts.h"
 
 namespace orvane {
 namespace {

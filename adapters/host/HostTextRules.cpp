@@ -4,8 +4,8 @@
 #include <array>
 #include <utf8proc.h>
 
-#include "orvane/platform/URLParts.h"
 #include "orvane/base/utf8.h"
+#include "orvane/platform/URLParts.h"
 
 namespace orvane {
 namespace {
