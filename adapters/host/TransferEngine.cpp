@@ -190,7 +190,7 @@ void TransferEngine::follow(DataTask&& task, int statusCode, const std::string& 
     fail(std::move(task), *code);
     return;
   }
-  task.request = std::get<URLRequest>(std::move(next));
+  task.request = std::move(*std::get_if<URLRequest>(&next));
   add(std::move(task));
   redirectedAny_ = true;
 }

@@ -1,8 +1,9 @@
 #include "orvane/base/Value.h"
 
 #include <array>
-#include <charconv>
 #include <cmath>
+
+#include "orvane/base/writeNumber.h"
 
 namespace orvane {
 namespace {
@@ -127,16 +128,10 @@ std::optional<std::int64_t> Value::asInteger() const noexcept {
 }
 
 std::optional<std::string> Value::decimalText() const {
-  std::array<char, 32> text;
-  std::to_chars_result end{};
-  if (const std::int64_t* number = integer()) {
-    end = std::to_chars(text.data(), text.data() + text.size(), *number);
-  } else if (const double* number = real()) {
-    end = std::to_chars(text.data(), text.data() + text.size(), *number, std::chars_format::general, 16);
-  } else {
-    return std::nullopt;
-  }
-  return std::string(text.data(), end.ptr);
+  NumberBuffer buffer;
+  if (const std::int64_t* number = integer()) return std::string(writeInteger(buffer, *number));
+  if (const double* number = real()) return std::string(writeRounded(buffer, *number));
+  return std::nullopt;
 }
 
 }  // namespace orvane

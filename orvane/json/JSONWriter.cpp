@@ -1,11 +1,10 @@
 #include "orvane/json/JSONWriter.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <string_view>
 
 #include "orvane/base/utf8.h"
+#include "orvane/base/writeNumber.h"
 
 namespace orvane {
 namespace {
@@ -41,12 +40,11 @@ class Writer {
   void open(const Map& map);
   bool contents();
   bool begin(const Value& value);
-  template <class Number>
-  void number(Number number);
   bool string(std::string_view text);
   void escape(char c);
 
   Bytes out_;
+  NumberBuffer number_;
   std::vector<Open> open_;
 };
 
@@ -94,22 +92,14 @@ bool Writer::begin(const Value& value) {
   } else if (const bool* boolean = value.boolean()) {
     append(*boolean ? "true" : "false");
   } else if (const std::int64_t* integer = value.integer()) {
-    number(*integer);
+    append(writeInteger(number_, *integer));
   } else if (const double* real = value.real()) {
     if (!std::isfinite(*real)) return false;
-    number(*real);
+    append(writeShortest(number_, *real));
   } else {
     append("null");
   }
   return true;
-}
-
-/// In the fewest digits that read back as the same number.
-template <class Number>
-void Writer::number(Number number) {
-  std::array<char, 32> text;
-  const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
-  append(std::string_view(text.data(), end));
 }
 
 bool Writer::string(std::string_view text) {

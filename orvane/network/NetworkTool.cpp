@@ -128,7 +128,7 @@ void NetworkTool::cancleAllNetwork() {
 std::shared_ptr<URLSession> NetworkTool::session() {
   if (std::optional<std::shared_ptr<URLSession>> session = session_.load()) return *std::move(session);
   session_.storeIfEmpty(platform().sharedSession);
-  return session_.load().value();
+  return *session_.load();
 }
 
 void NetworkTool::setSession(std::shared_ptr<URLSession> session) {

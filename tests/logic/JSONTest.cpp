@@ -1,3 +1,6 @@
+#include <array>
+#include <bit>
+#include <charconv>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <random>
@@ -82,6 +85,25 @@ TEST(JSON, KeepsIntegerRealAndBooleanApart) {
   EXPECT_TRUE(array[2].boolean());
   EXPECT_TRUE(array[3].integer());
   EXPECT_TRUE(array[4].real());
+}
+
+TEST(JSON, WritesRealsLikeTheStandardLibrary) {
+  const auto expected = [](double real, auto... form) {
+    std::array<char, 64> text;
+    return std::string(text.data(), std::to_chars(text.data(), text.data() + text.size(), real, form...).ptr);
+  };
+  std::mt19937_64 random(11);
+  for (std::uint64_t round = 0; round < 40'000; ++round) {
+    // Any bits, the neighbourhood of powers of two, integers and amounts of any size.
+    const std::uint64_t bits = random();
+    for (const double real :
+         {std::bit_cast<double>(bits), std::bit_cast<double>((round << 52) + bits % 5 - 2),
+          static_cast<double>(bits >> bits % 64) * 1000, static_cast<double>(bits % 1'000'000) / 1000}) {
+      if (!std::isfinite(real)) continue;
+      ASSERT_EQ(written(real), expected(real));
+      ASSERT_EQ(Value(real).decimalText(), expected(real, std::chars_format::general, 16));
+    }
+  }
 }
 
 TEST(JSON, WritesNothingThatIsNotJSON) {
