@@ -22,22 +22,22 @@ namespace orvane {
 
 class Value;
 
-/// An integer type of any size, except bool.
+/// Integers of any size, but not bool.
 template <class T>
 concept Integer = std::integral<T> && !std::same_as<T, bool>;
 
 /// A byte buffer.
 using Bytes = std::vector<std::uint8_t>;
-/// Values by name, ordered by the bytes of their names.
+/// Values by name, in the order of their names' bytes.
 using Map = std::map<std::string, Value, std::less<>>;
 
-/// A sequence of values. As long as every element is an integer from 0 to 255, each takes one byte: so a
-/// picture passes through the library as plain bytes.
+/// A sequence of values. As long as all elements are integers from 0 to 255 they take one byte each, so that
+/// a picture travels through the library without being unfolded.
 class ORVANE_API Array {
  public:
   class Iterator;
 
-  /// Makes an array that is empty, or holds the given elements or bytes, or what another array holds.
+  /// Made of nothing, of elements, of bytes, or of another array.
   ///@{
   Array() noexcept;
   Array(std::initializer_list<Value> values);
@@ -45,34 +45,34 @@ class ORVANE_API Array {
   Array(const Array& other);
   Array(Array&& other) noexcept;
   ///@}
-  /// Safe if `other` is nested inside this array.
+  /// Also from an array inside this one.
   Array& operator=(Array other) noexcept;
   ~Array();
 
-  /// Returns the number of elements.
+  /// How many elements there are.
   std::size_t size() const noexcept;
-  /// Returns true if there are no elements.
+  /// Whether there are none.
   bool empty() const noexcept { return size() == 0; }
 
-  /// Returns the element at `index`, which must be below size().
+  /// The element at `index`, which is below size().
   const Value& operator[](std::size_t index) const noexcept;
 
-  /// Iterates over the elements in order.
+  /// For a range-based for, over the elements in their order.
   ///@{
   Iterator begin() const noexcept;
   Iterator end() const noexcept;
   ///@}
 
-  /// Returns the elements as bytes if every one is an integer from 0 to 255, as in an empty array; else null.
+  /// The elements, where all of them are integers from 0 to 255 (as in an empty array); else nothing.
   ///@{
   const Bytes* bytes() const noexcept;
   Bytes* bytes() noexcept;
   ///@}
 
-  /// Appends `value`.
+  /// Appends a value.
   void push_back(Value value);
 
-  /// Appends `container`, an array or a map, and returns a reference to it, valid until the next append.
+  /// Appends an array or a map and answers it in its place, where it stays until the next addition.
   Value& pushContainer(Value container);
 
  private:
@@ -80,16 +80,15 @@ class ORVANE_API Array {
 
   void unpack();
 
-  Bytes bytes_;                // All elements, or none.
-  std::vector<Value> values_;  // The elements, once one of them is not a byte.
+  Bytes bytes_;                // all elements, or none of them
+  std::vector<Value> values_;  // the elements, once one of them is no byte
 };
 
-/// A JSON value: nothing (null), a boolean, an integer, a real, a text, an array or a map. A value type:
-/// copies are deep. May nest to any depth, since copying and destroying do not recurse.
+/// What JSON can say: nothing, a boolean, an integer, a real, a text, an array or a map. A value type: copies
+/// are deep. Nesting may be of any depth; copying and destroying do not recurse.
 class ORVANE_API Value {
  public:
-  /// Makes a value of the argument's kind. An integer that does not fit std::int64_t becomes a real, and a
-  /// null text pointer becomes nothing.
+  /// Made of what JSON can say; an integer beyond 64 signed bits becomes a real, a null text nothing.
   ///@{
   Value() noexcept = default;
   Value(std::nullptr_t) noexcept {}
@@ -108,7 +107,7 @@ class ORVANE_API Value {
   Value(Map map) : data_(std::make_unique<Map>(std::move(map))) {}
   ///@}
 
-  /// Copies deeply. A value that was moved from is nothing.
+  /// Copies are deep; what was moved from is nothing.
   ///@{
   Value(const Value& other);
   Value(Value&& other) noexcept : data_(std::move(other.data_)) { other.data_.emplace<std::monostate>(); }
@@ -119,10 +118,10 @@ class ORVANE_API Value {
   ///@}
   ~Value();
 
-  /// Returns true if the value is nothing: JSON's null.
+  /// Whether it is nothing: JSON's null.
   bool isNothing() const noexcept { return std::holds_alternative<std::monostate>(data_); }
 
-  /// Returns a pointer to the content if the value is of that kind, else null.
+  /// Each answers a pointer to the content where the value is of that kind, else null.
   ///@{
   const bool* boolean() const noexcept { return std::get_if<bool>(&data_); }
   const std::int64_t* integer() const noexcept { return std::get_if<std::int64_t>(&data_); }
@@ -135,12 +134,12 @@ class ORVANE_API Value {
   Map* map() noexcept { return content<Map>(); }
   ///@}
 
-  /// Returns a number as an integer, or nothing if the value is not a number; a boolean is not one. A real is
-  /// truncated toward zero and clamped to the range of std::int64_t; not-a-number becomes 0.
+  /// A number as an integer; a real is truncated toward zero and clamped to the range (not-a-number gives 0).
+  /// Nothing for any other kind: true is not a number.
   std::optional<std::int64_t> asInteger() const noexcept;
 
-  /// Returns a number in decimal, or nothing if the value is not a number. A real has up to 16 significant
-  /// digits and no trailing zeros: 137.0 is "137", 12.5 is "12.5".
+  /// A number in decimal: an integer as it is, a real with up to 16 significant digits and no trailing zeros
+  /// (137.0 is "137", 12.5 is "12.5"). Nothing for any other kind.
   std::optional<std::string> decimalText() const;
 
  private:
@@ -159,10 +158,10 @@ class ORVANE_API Value {
   Data data_;
 };
 
-/// Iterates over the elements of an array in order.
+/// Visits the elements of an array in order.
 class Array::Iterator {
  public:
-  /// The members of a standard input iterator.
+  /// What the standard asks of an input iterator.
   ///@{
   using value_type = Value;
   using difference_type = std::ptrdiff_t;

@@ -8,29 +8,28 @@
 
 namespace orvane {
 
-/// Facts about the device. Each call reads them from the platform anew. May be used from any thread.
+/// Facts about the device, read from the platform at the moment of each call. May be used from any thread.
 class ORVANE_API OVDeviceInfoTool {
  public:
   OVDeviceInfoTool();
   virtual ~OVDeviceInfoTool();
 
-  /// Returns the identifier that the device has for the application's vendor. Stops the process if it has
-  /// none.
+  /// The device's identifier in the application vendor's scope. Stops the process where there is none.
   static std::string getMEIDCode();
 
-  /// Returns the model word, such as "iPhone". Despite its name it does not return the system's name.
+  /// The word for this kind of device; not the system's name, which is intended.
   static std::string getSystemName();
 
-  /// Returns the device's model. Stops the process if the machine identifier is not ASCII.
+  /// The device's model. Stops the process where the machine identifier is not ASCII.
   static DeviceName getDeviceName();
 
-  /// Returns "iOS " followed by the system's version, such as "iOS 12.4".
+  /// "iOS " and the system's version.
   static std::string getSystemVersion();
 
-  /// Returns the mobile carrier's name, or the text "nil" if there is no carrier.
+  /// The mobile carrier's name; "nil" where there is none.
   static std::string getcarrierName();
 
-  /// Returns the class of the main screen, as screenSizeForScreen() determines it.
+  /// The class of the main screen.
   virtual ScreenSize screenSize() const;
 };
 

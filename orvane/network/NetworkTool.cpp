@@ -4,6 +4,7 @@
 #include "orvane/json/JSONReader.h"
 #include "orvane/json/JSONWriter.h"
 #include "orvane/network/percentEncoding.h"
+#include "orvane/network/transportErrors.h"
 #include "orvane/platform/Platform.h"
 
 namespace orvane {
@@ -29,7 +30,7 @@ URLRequest makeJSONPost(std::string_view url, const std::optional<Parameters>& p
   return request;
 }
 
-/// Decodes a reply on the session queue, so that the main queue runs the completion and nothing else.
+/// Decodes a reply on the session's queue, so that nothing but the completion runs on the main queue.
 void deliver(DataTaskResult reply, NetworkTool::Completion completion) {
   if (reply.error) {
     completion(std::nullopt, std::move(reply.error));
@@ -38,7 +39,7 @@ void deliver(DataTaskResult reply, NetworkTool::Completion completion) {
   if (!reply.body) fatal("requestJSON: the session reported neither a body nor an error");
   std::optional<Value> result = readJSON(*reply.body);
   if (!result) {
-    completion(std::nullopt, transportError("反序列化失败"));
+    completion(std::nullopt, transportError(replyNotDecoded));
     return;
   }
   platform().mainQueue->async([completion = std::move(completion), result = std::move(result)]() mutable {
@@ -65,7 +66,7 @@ void NetworkTool::requestJSON(HTTPMethod method, std::string_view url,
   if (!completion) completion = [](const auto&...) {};
   std::optional<URLRequest> request = this->request(method, url, parameters);
   if (!request) {
-    completion(std::nullopt, transportError("请求建立失败"));
+    completion(std::nullopt, transportError(requestNotBuilt));
     return;
   }
   const std::shared_ptr<URLSession> session = this->session();
@@ -93,7 +94,7 @@ std::optional<URLRequest> NetworkTool::request(HTTPMethod method, std::string_vi
       break;
     case HTTPMethod::GET: {
       std::string whole(url);
-      // Appended even to a URL that has a query already: a caller puts all of a query in one place.
+      // Also behind a URL that holds a query already: intended.
       if (const std::optional<std::string> query = queryString(parameters)) whole.append("?").append(*query);
       request = makeRequest(std::move(whole));
       break;

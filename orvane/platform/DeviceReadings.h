@@ -13,7 +13,8 @@ struct ScreenBounds {
   double height = 0;  ///< Down.
 };
 
-/// Facts about the device. Each call reads them from the system anew. May be used from any thread.
+/// The facts about the device, each read from the system at the moment of the call. May be used from any
+/// thread.
 class ORVANE_API DeviceReadings {
  public:
   DeviceReadings() = default;
@@ -21,20 +22,20 @@ class ORVANE_API DeviceReadings {
   DeviceReadings& operator=(const DeviceReadings&) = delete;
   virtual ~DeviceReadings();
 
-  /// Returns the hardware model as the system's `uname` reports it, such as "iPhone8,1". May end in the NUL
-  /// bytes that pad the field. Empty if the system reports none.
+  /// The hardware model as the system's `uname` gives it, with or without the NUL bytes that pad its field;
+  /// empty where the system gives none.
   virtual std::string machine() const = 0;
-  /// Returns the system's version, such as "15.4".
+  /// The system's version, such as "15.4".
   virtual std::string systemVersion() const = 0;
-  /// Returns the word for this kind of device, such as "iPhone".
+  /// The word for this kind of device.
   virtual std::string model() const = 0;
-  /// Returns the identifier that the device has for the application's vendor, or nothing if it has none.
+  /// The device's identifier in the application vendor's own scope.
   virtual std::optional<std::string> identifierForVendor() const = 0;
-  /// Returns the name of the mobile carrier, or nothing if there is none.
+  /// The name of the mobile carrier.
   virtual std::optional<std::string> carrierName() const = 0;
-  /// Returns the size of the main screen, in points.
+  /// The size of the main screen.
   virtual ScreenBounds screenBounds() const = 0;
-  /// Returns the number of pixels per point of the main screen.
+  /// Pixels a point.
   virtual double screenScale() const = 0;
 };
 

@@ -1,0 +1,62 @@
+#include <fstream>
+#include <gtest/gtest.h>
+#include <regex>
+
+#include "orvane/client/ErrorKind.h"
+
+namespace orvane {
+namespace {
+
+TEST(ErrorKind, IsWhatThePageSays) {
+  std::ifstream page(ERRORS_PAGE);
+  std::string line;
+  while (std::getline(page, line) && line != "| kind | errors | sentence |") continue;
+  std::getline(page, line);
+  std::size_t rows = 0;
+  std::size_t codes = 0;
+  for (std::smatch row;
+       std::getline(page, line) && std::regex_match(line, row, std::regex(R"(\| (.+) \| (.+) \| (.+) \|)"));
+       ++rows) {
+    const std::string errors = row[2];
+    const std::regex number("-\\d+");
+    for (std::sregex_iterator code(errors.begin(), errors.end(), number), end; code != end; ++code, ++codes) {
+      const Error error{
+          "NSURLErrorDomain", std::stoi(code->str()), {{"NSErrorFailingURLStringKey", "http://a"}}};
+      EXPECT_EQ(rawValue(kind(error)), row[1].str()) << code->str();
+      EXPECT_EQ(message(error), row[3].str()) << code->str();
+    }
+  }
+  EXPECT_EQ(rows, errorKindNames.size());
+  EXPECT_EQ(codes, 28U);
+}
+
+TEST(ErrorKind, OfARefusalIsNotToldByItsText) {
+  const std::tuple<Error, ErrorKind, std::string> cases[] = {
+      {{"NSURLErrorDomain", -1004, {}}, ErrorKind::refused, "NSURLErrorDomain"},
+      {{"com.brovent.error", -1, {}}, ErrorKind::refused, "com.brovent.error"},
+      {{"", 7, {}}, ErrorKind::refused, "The service refused the request."},
+      {{"NSURLErrorDomain", -1001, {}, std::make_shared<int>()},
+       ErrorKind::timedOut,
+       "The service took too long to answer."},
+      {{"NSURLErrorDomain", -1001, {{"NSLocalizedDescription", "Too late."}}},
+       ErrorKind::timedOut,
+       "Too late."},
+      {{"NSURLErrorDomain", -1001, {{"NSLocalizedDescription", 7}}},
+       ErrorKind::timedOut,
+       "The service took too long to answer."},
+      {{"Another", -1001, {{"a", "b"}}}, ErrorKind::other, "The request failed."},
+      {{"com.brovent.error", -1, {{"error", "反序列化失败"}}},
+       ErrorKind::notReadable,
+       "The service's reply could not be read."},
+      {{"com.brovent.error", -1, {{"error", "请求建立失败"}}},
+       ErrorKind::notSent,
+       "The request could not be sent."},
+  };
+  for (const auto& [error, expected, sentence] : cases) {
+    EXPECT_EQ(kind(error), expected) << description(error);
+    EXPECT_EQ(message(error), sentence) << description(error);
+  }
+}
+
+}  // namespace
+}  // namespace orvane
