@@ -55,7 +55,10 @@ struct Calls {
   }
 };
 
-TEST(Manager, SendsTheEnvelope) {
+class Manager : public test::OnFakes {};
+using ManagerDeathTest = Manager;
+
+TEST_F(Manager, SendsTheEnvelope) {
   OrvaneManager manager;
   const auto lastHeaders = [] {
     std::string lines;
@@ -98,7 +101,7 @@ TEST(Manager, SendsTheEnvelope) {
   EXPECT_EQ(&OrvaneManager::shareManager(), &OrvaneManager::shareManager());
 }
 
-TEST(Manager, ReadsTheIdentifierThroughItsGetter) {
+TEST_F(Manager, ReadsTheIdentifierThroughItsGetter) {
   struct Manager : OrvaneManager {
     std::optional<std::string> clientId() const override { return "own"; }
   } manager;
@@ -107,7 +110,7 @@ TEST(Manager, ReadsTheIdentifierThroughItsGetter) {
   answer(R"({"code":0})");
 }
 
-TEST(Manager, JudgesReplies) {
+TEST_F(Manager, JudgesReplies) {
   struct Row {
     std::string (*call)(std::string_view);
     const char* reply;
@@ -134,7 +137,7 @@ TEST(Manager, JudgesReplies) {
   }
 }
 
-TEST(Manager, HandsOnTheSameErrorAndTracesItForThePicture) {
+TEST_F(Manager, HandsOnTheSameErrorAndTracesItForThePicture) {
   const auto own = std::make_shared<const Error>(Error{"Domain", -9, {{"number", "139"}}});
   std::vector<ErrorPtr> received;
   OrvaneManager manager;
@@ -150,15 +153,14 @@ TEST(Manager, HandsOnTheSameErrorAndTracesItForThePicture) {
   EXPECT_EQ(received, (std::vector<ErrorPtr>{own, own}));
 }
 
-TEST(Manager, ReportsAnAcceptedLoginAfterTheSubmissionHasLeft) {
+TEST_F(Manager, ReportsAnAcceptedLoginAfterTheSubmissionHasLeft) {
   test::FakeSession& session = fakeSession();
   OrvaneManager manager;
   manager.setAppClientId("app");
   std::size_t requestsAtFinish = 0;
   manager.requestLogin("139", "1", [&](const auto&...) { requestsAtFinish = session.requests.size(); });
-  const std::size_t requestsBefore = session.requests.size();
   answer(R"({"code":0,"msg":"ok","mobile":"other"})");
-  EXPECT_EQ(requestsAtFinish, requestsBefore + 1);
+  EXPECT_EQ(requestsAtFinish, 2U);
   const URLRequest& submission = session.requests.back();
   EXPECT_EQ(submission.url(), std::string(serviceBaseURL()) + "/tenant/submitMobileInformation");
   EXPECT_EQ(*submission.value("XRAPI-CLIENT-ID"), "app");
@@ -168,7 +170,7 @@ TEST(Manager, ReportsAnAcceptedLoginAfterTheSubmissionHasLeft) {
   EXPECT_EQ(fakeMainQueue().run(), 0U);
 }
 
-TEST(Manager, LoginReadsTheReplyBeforeTheError) {
+TEST_F(Manager, LoginReadsTheReplyBeforeTheError) {
   const auto error = std::make_shared<const Error>(Error{"d", 1, {}});
   std::string message;
   ErrorPtr received;
@@ -181,7 +183,7 @@ TEST(Manager, LoginReadsTheReplyBeforeTheError) {
   EXPECT_EQ(received, error);
 }
 
-TEST(ManagerDeathTest, MalformedRepliesStopTheProcess) {
+TEST_F(ManagerDeathTest, MalformedRepliesStopTheProcess) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
   struct Row {
     std::string (*call)(std::string_view);

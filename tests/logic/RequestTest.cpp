@@ -17,14 +17,15 @@ std::string headerLines(const URLRequest& request) {
 }
 
 TEST(HTTPMethod, HasTextRawValues) {
-  EXPECT_EQ(rawValue(HTTPMethod::JSON_POST), "JSON_POST");
-  EXPECT_EQ(fromRawValue<HTTPMethod>("GET"), HTTPMethod::GET);
-  EXPECT_EQ(fromRawValue<HTTPMethod>("POST"), HTTPMethod::POST);
-  EXPECT_EQ(fromRawValue<HTTPMethod>("JSON_POST"), HTTPMethod::JSON_POST);
+  using enum HTTPMethod;
+  for (const auto& [method, name] : {std::pair(GET, "GET"), {POST, "POST"}, {JSON_POST, "JSON_POST"}}) {
+    EXPECT_EQ(rawValue(method), name);
+    EXPECT_EQ(fromRawValue<HTTPMethod>(name), method);
+  }
   for (const char* other : {"post", "PUT", "", "GET "})
     EXPECT_EQ(fromRawValue<HTTPMethod>(other), std::nullopt);
-  EXPECT_EQ(hashValue(HTTPMethod::GET), 0U);
-  EXPECT_EQ(hashValue(HTTPMethod::JSON_POST), 2U);
+  EXPECT_EQ(hashValue(GET), 0U);
+  EXPECT_EQ(hashValue(JSON_POST), 2U);
 }
 
 TEST(Request, IsBuiltByKind) {

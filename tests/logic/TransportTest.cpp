@@ -11,7 +11,7 @@ namespace {
 using test::FakeSession;
 
 /// A tool on a session of the test's own, and what its last call came to.
-class Transport : public testing::Test {
+class Transport : public test::OnFakes {
  protected:
   Transport() { tool.setSession(session); }
 
@@ -119,15 +119,23 @@ TEST_F(Transport, GoesThroughItsOverridableOperations) {
 
 TEST_F(Transport, MakesItsSessionOnFirstUseAndOnce) {
   NetworkTool fresh;
-  const int before = test::fakeSession().cancellations;
   fresh.cancleAllNetwork();
-  EXPECT_EQ(test::fakeSession().cancellations, before + 1);
+  EXPECT_EQ(test::fakeSession().cancellations, 1);
   EXPECT_EQ(fresh.session().get(), &test::fakeSession());
   fresh.setSession(nullptr);
   EXPECT_EQ(fresh.session(), nullptr);
   fresh.cancleAllNetwork();
-  fresh.demoGCDGroup();
-  EXPECT_EQ(test::fakeSession().cancellations, before + 1);
+  EXPECT_EQ(test::fakeSession().cancellations, 1);
+}
+
+TEST_F(Transport, AGroupNotifiesAfterItsTask) {
+  const auto notified = std::make_shared<test::ManualQueue>();
+  test::ManualQueue queue;
+  int step = 0;
+  queue.asyncGroup([&] { EXPECT_EQ(++step, 1); }, notified, [&] { EXPECT_EQ(++step, 2); });
+  EXPECT_EQ(notified->run(), 0U);
+  EXPECT_EQ(queue.run() + notified->run(), 2U);
+  EXPECT_EQ(step, 2);
 }
 
 TEST_F(Transport, UpgradesRequestsForItsHostsAndNothingElse) {
@@ -187,9 +195,8 @@ TEST_F(Transport, ManagerForwardsToOneTool) {
   manager.requestJSON(HTTPMethod::GET, "http://h/", std::nullopt, nullptr);
   EXPECT_EQ(*shared.requests.back().value("A"), "1");
   shared.answer("");
-  const int before = shared.cancellations;
   manager.cancleAllNetwork();
-  EXPECT_EQ(shared.cancellations, before + 1);
+  EXPECT_EQ(shared.cancellations, 1);
   manager.requestJSON(HTTPMethod::GET, "", std::nullopt, [this](const auto&...) { ++calls; });
   EXPECT_EQ(calls, 1);
 }

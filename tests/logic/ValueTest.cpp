@@ -56,9 +56,13 @@ TEST(Value, PacksBytesUntilSomethingElseComes) {
     EXPECT_EQ(*unpacked[255].integer(), 255);
     EXPECT_EQ(*unpacked[257].integer(), 5);
   }
-  int sum = 0;
-  for (const Value& value : array) sum += static_cast<int>(*value.integer());
-  EXPECT_EQ(sum, 255 * 128);
+  std::int64_t expected = 0;
+  for (auto place = array.begin(); place != array.end(); expected += 2) {
+    EXPECT_EQ(*(*place++).integer(), expected);
+    EXPECT_EQ(*(*place).integer(), expected + 1);
+    ++place;
+  }
+  EXPECT_EQ(expected, 256);
 }
 
 TEST(Value, CopiesAreIndependent) {

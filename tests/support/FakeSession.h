@@ -52,6 +52,15 @@ class FakeSession final : public URLSession {
     answer(DataTaskResult{Bytes(body.begin(), body.end()), HTTPResponse{200}, nullptr});
   }
 
+  /// Makes the session as good as new.
+  void forget() {
+    const std::lock_guard lock(mutex_);
+    requests.clear();
+    held_.clear();
+    due_.clear();
+    cancellations = 0;
+  }
+
   std::thread::id threadId() const { return thread_.get_id(); }
 
   std::vector<URLRequest> requests;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <gtest/gtest.h>
 #include <mutex>
 #include <string>
 
@@ -63,5 +64,14 @@ struct TestReadings final : DeviceReadings {
 FakeSession& fakeSession();
 ManualQueue& fakeMainQueue();
 TestReadings& fakeReadings();
+
+/// A test that finds the platform's fakes as good as new.
+class OnFakes : public testing::Test {
+ protected:
+  OnFakes() {
+    fakeSession().forget();
+    fakeReadings().facts = {};
+  }
+};
 
 }  // namespace orvane::test
