@@ -1,7 +1,8 @@
 #pragma once
 
-/// Phone sign-in: see OrvaneManager for the three calls, NetworkTool for the transport they use,
-/// OVDeviceInfoTool for what they report about the device, Platform for what an application may replace.
+/// Sign-in by mobile phone number. OrvaneManager makes the three calls, NetworkTool sends their requests,
+/// OVDeviceInfoTool reads what is reported about the device, and Platform holds what an application may
+/// replace.
 
 #include "orvane/base/Error.h"
 #include "orvane/base/Value.h"
@@ -14,5 +15,5 @@
 #include "orvane/platform/onMainQueue.h"
 #include "orvane/version/Orvane_vers.h"
 
-/// All of the library but its two version records.
+/// Everything in the library except its two version records.
 namespace orvane {}

@@ -8,23 +8,24 @@
 
 namespace orvane {
 
-/// The raw values of an enumeration with text raw values, in the order of its cases; specialised beside each.
+/// The raw values of an enumeration's cases, in the order of their declaration. Each such enumeration
+/// specialises it.
 template <class E>
 inline constexpr std::span<const std::string_view> rawValues;
 
-/// The text of a case.
+/// Returns the raw value of a case: a text.
 template <class E>
 constexpr std::string_view rawValue(E value) noexcept {
   return rawValues<E>[static_cast<std::size_t>(value)];
 }
 
-/// The place of a case in the order of declaration, from 0.
+/// Returns the position of a case in the order of declaration, counted from 0.
 template <class E>
 constexpr std::size_t hashValue(E value) noexcept {
   return static_cast<std::size_t>(value);
 }
 
-/// The case whose raw value is exactly `text`; nothing for any other text.
+/// Returns the case whose raw value equals `text`, or nothing if there is none.
 template <class E>
 constexpr std::optional<E> fromRawValue(std::string_view text) noexcept {
   const auto found = std::find(rawValues<E>.begin(), rawValues<E>.end(), text);

@@ -9,19 +9,23 @@
 
 namespace orvane {
 
-/// Why a call failed. Shared and never changed, so that the error which a session reported and the error
-/// which a callback receives are one object; an absent error is a null `ErrorPtr`.
+/// The reason why a call failed. Errors are shared and immutable: a callback receives the very object that
+/// the session reported. A null `ErrorPtr` means that there is no error.
 struct Error {
-  std::string domain;                              ///< Whose code it is; the message of a refusal.
-  std::int64_t code = 0;                           ///< What happened, in the domain's numbering.
-  Map userInfo;                                    ///< Empty where there is none.
-  std::shared_ptr<const void> platformError = {};  ///< The platform's own error object, where it made one.
+  /// Says whose numbering `code` follows, such as "NSURLErrorDomain". For a refusal: the service's message.
+  std::string domain;
+  /// The kind of failure, in the domain's numbering.
+  std::int64_t code = 0;
+  /// Details by key. Empty for a refusal.
+  Map userInfo;
+  /// The platform's own error object, if it made one.
+  std::shared_ptr<const void> platformError = {};
 };
 
 /// An error, or null for none.
 using ErrorPtr = std::shared_ptr<const Error>;
 
-/// "DOMAIN (CODE)", without the user information.
+/// Returns "DOMAIN (CODE)", without the user information.
 ORVANE_API std::string description(const Error& error);
 
 }  // namespace orvane

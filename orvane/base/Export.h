@@ -1,4 +1,4 @@
 #pragma once
 
-/// Marks what the library exports; everything else is hidden.
+/// Marks a declaration that the library exports. Everything else is hidden.
 #define ORVANE_API __attribute__((visibility("default")))

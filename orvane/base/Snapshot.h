@@ -7,11 +7,11 @@
 
 namespace orvane {
 
-/// A value that is read and replaced whole, by any number of threads, without a lock: a reader gets the value
-/// as one store left it. Empty until the first store.
+/// A value that any number of threads may read and replace at the same time, without a lock. A read returns
+/// the value that one of the stores left, never a mixture. Empty until the first store.
 ///
-/// A replaced value is set aside first, and released by a store that finds no reader under way: whoever reads
-/// after that can only meet its successor.
+/// A store sets the replaced value aside. A later store that finds no reader releases what was set aside: a
+/// reader that starts afterwards can only find a newer value.
 template <class T>
 class Snapshot {
  public:
@@ -23,7 +23,7 @@ class Snapshot {
     release(replaced_.load());
   }
 
-  /// A copy of the present value; nothing before the first store.
+  /// Returns a copy of the current value, or nothing before the first store.
   std::optional<T> load() const {
     readers_.fetch_add(1);
     const Node* node = current_.load();
@@ -46,7 +46,7 @@ class Snapshot {
     setAside(replaced, last);
   }
 
-  /// Stores unless something is stored already.
+  /// Stores `value` unless a value is stored already.
   void storeIfEmpty(T value) {
     Node* none = nullptr;
     Node* node = make(std::move(value));
@@ -73,7 +73,7 @@ class Snapshot {
     }
   }
 
-  // All in sequentially consistent order, which the argument above needs.
+  // All operations are sequentially consistent: the release of replaced values depends on it.
   mutable std::atomic<int> readers_ = 0;
   std::atomic<Node*> current_ = nullptr;
   std::atomic<Node*> replaced_ = nullptr;

@@ -8,9 +8,9 @@
 namespace orvane {
 namespace {
 
-/// The values 0 to 255, for the elements of packed arrays to refer to.
+/// The values 0 to 255, to which references to the elements of packed arrays refer.
 const std::array<Value, 256>& byteValues() {
-  // Lives for ever: values may be read while the process ends.
+  // Never destroyed, since values may be read while the process ends.
   static const auto* const values = [] {
     auto* made = new std::array<Value, 256>;
     for (std::size_t byte = 0; byte < made->size(); ++byte) (*made)[byte] = byte;
@@ -62,7 +62,8 @@ Value::Value(const Value& other) {
   }
 }
 
-/// Copies what is no container, and notes the containers inside, each with the place where its copy is due.
+/// Copies `other` except for the containers directly inside it: appends each of those to `deeper`, with the
+/// value that its copy belongs into.
 void Value::copyShallow(const Value& other, std::vector<std::pair<const Value*, Value*>>& deeper) {
   const auto copyInto = [&deeper](Value& to, const Value& from) {
     if (from.isContainer()) {
@@ -119,7 +120,7 @@ std::optional<std::int64_t> Value::asInteger() const noexcept {
   const double* number = real();
   if (!number) return std::nullopt;
   if (std::isnan(*number)) return 0;
-  // 2^63 is a double; the greatest integer below it is not.
+  // 2^63 is exact as a double; the greatest std::int64_t, one less, is not.
   constexpr double bound = 9223372036854775808.0;
   if (*number >= bound) return Limits::max();
   if (*number < -bound) return Limits::min();

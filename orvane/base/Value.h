@@ -22,22 +22,22 @@ namespace orvane {
 
 class Value;
 
-/// Integers of any size, but not bool.
+/// An integer type of any size, except bool.
 template <class T>
 concept Integer = std::integral<T> && !std::same_as<T, bool>;
 
 /// A byte buffer.
 using Bytes = std::vector<std::uint8_t>;
-/// Values by name, in the order of their names' bytes.
+/// Values by name, ordered by the bytes of their names.
 using Map = std::map<std::string, Value, std::less<>>;
 
-/// A sequence of values. As long as all elements are integers from 0 to 255 they take one byte each, so that
-/// a picture travels through the library without being unfolded.
+/// A sequence of values. As long as every element is an integer from 0 to 255, each takes one byte: so a
+/// picture passes through the library as plain bytes.
 class ORVANE_API Array {
  public:
   class Iterator;
 
-  /// Made of nothing, of elements, of bytes, or of another array.
+  /// Makes an array that is empty, or holds the given elements or bytes, or what another array holds.
   ///@{
   Array() noexcept;
   Array(std::initializer_list<Value> values);
@@ -45,34 +45,34 @@ class ORVANE_API Array {
   Array(const Array& other);
   Array(Array&& other) noexcept;
   ///@}
-  /// Also from an array inside this one.
+  /// Safe if `other` is nested inside this array.
   Array& operator=(Array other) noexcept;
   ~Array();
 
-  /// How many elements there are.
+  /// Returns the number of elements.
   std::size_t size() const noexcept;
-  /// Whether there are none.
+  /// Returns true if there are no elements.
   bool empty() const noexcept { return size() == 0; }
 
-  /// The element at `index`, which is below size().
+  /// Returns the element at `index`, which must be below size().
   const Value& operator[](std::size_t index) const noexcept;
 
-  /// For a range-based for, over the elements in their order.
+  /// Iterates over the elements in order.
   ///@{
   Iterator begin() const noexcept;
   Iterator end() const noexcept;
   ///@}
 
-  /// The elements, where all of them are integers from 0 to 255 (as in an empty array); else nothing.
+  /// Returns the elements as bytes if every one is an integer from 0 to 255, as in an empty array; else null.
   ///@{
   const Bytes* bytes() const noexcept;
   Bytes* bytes() noexcept;
   ///@}
 
-  /// Appends a value.
+  /// Appends `value`.
   void push_back(Value value);
 
-  /// Appends an array or a map and answers it in its place, where it stays until the next addition.
+  /// Appends `container`, an array or a map, and returns a reference to it, valid until the next append.
   Value& pushContainer(Value container);
 
  private:
@@ -80,15 +80,16 @@ class ORVANE_API Array {
 
   void unpack();
 
-  Bytes bytes_;                // all elements, or none of them
-  std::vector<Value> values_;  // the elements, once one of them is no byte
+  Bytes bytes_;                // All elements, or none.
+  std::vector<Value> values_;  // The elements, once one of them is not a byte.
 };
 
-/// What JSON can say: nothing, a boolean, an integer, a real, a text, an array or a map. A value type: copies
-/// are deep. Nesting may be of any depth; copying and destroying do not recurse.
+/// A JSON value: nothing (null), a boolean, an integer, a real, a text, an array or a map. A value type:
+/// copies are deep. May nest to any depth, since copying and destroying do not recurse.
 class ORVANE_API Value {
  public:
-  /// Made of what JSON can say; an integer beyond 64 signed bits becomes a real, a null text nothing.
+  /// Makes a value of the argument's kind. An integer that does not fit std::int64_t becomes a real, and a
+  /// null text pointer becomes nothing.
   ///@{
   Value() noexcept = default;
   Value(std::nullptr_t) noexcept {}
@@ -107,7 +108,7 @@ class ORVANE_API Value {
   Value(Map map) : data_(std::make_unique<Map>(std::move(map))) {}
   ///@}
 
-  /// Copies are deep; what was moved from is nothing.
+  /// Copies deeply. A value that was moved from is nothing.
   ///@{
   Value(const Value& other);
   Value(Value&& other) noexcept : data_(std::move(other.data_)) { other.data_.emplace<std::monostate>(); }
@@ -118,10 +119,10 @@ class ORVANE_API Value {
   ///@}
   ~Value();
 
-  /// Whether it is nothing: JSON's null.
+  /// Returns true if the value is nothing: JSON's null.
   bool isNothing() const noexcept { return std::holds_alternative<std::monostate>(data_); }
 
-  /// Each answers a pointer to the content where the value is of that kind, else null.
+  /// Returns a pointer to the content if the value is of that kind, else null.
   ///@{
   const bool* boolean() const noexcept { return std::get_if<bool>(&data_); }
   const std::int64_t* integer() const noexcept { return std::get_if<std::int64_t>(&data_); }
@@ -134,12 +135,12 @@ class ORVANE_API Value {
   Map* map() noexcept { return content<Map>(); }
   ///@}
 
-  /// A number as an integer; a real is truncated toward zero and clamped to the range (not-a-number gives 0).
-  /// Nothing for any other kind: true is not a number.
+  /// Returns a number as an integer, or nothing if the value is not a number; a boolean is not one. A real is
+  /// truncated toward zero and clamped to the range of std::int64_t; not-a-number becomes 0.
   std::optional<std::int64_t> asInteger() const noexcept;
 
-  /// A number in decimal: an integer as it is, a real with up to 16 significant digits and no trailing zeros
-  /// (137.0 is "137", 12.5 is "12.5"). Nothing for any other kind.
+  /// Returns a number in decimal, or nothing if the value is not a number. A real has up to 16 significant
+  /// digits and no trailing zeros: 137.0 is "137", 12.5 is "12.5".
   std::optional<std::string> decimalText() const;
 
  private:
@@ -158,10 +159,10 @@ class ORVANE_API Value {
   Data data_;
 };
 
-/// Visits the elements of an array in order.
+/// Iterates over the elements of an array in order.
 class Array::Iterator {
  public:
-  /// What the standard asks of an input iterator.
+  /// The members of a standard input iterator.
   ///@{
   using value_type = Value;
   using difference_type = std::ptrdiff_t;

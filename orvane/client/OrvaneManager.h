@@ -11,63 +11,71 @@
 namespace orvane {
 
 /// Signs a user in with a mobile phone number, in three calls: requestPictureCode fetches a picture to read,
-/// requestCode has a code sent by SMS, requestLogin logs in with it.
+/// requestCode has a code sent by SMS, requestLogin logs in with that code.
 ///
-/// Each call sends one request, returns, and reports through `finished`, which is called exactly once:
-/// | outcome | where `finished` runs |
-/// | the service accepted or refused the call | the main queue |
-/// | no reply came, or none that is JSON | the URL session's background queue |
-/// A refusal is an error whose domain is the service's message, without user information. A failed transport
-/// is the platform's own error, or one of the domain NetworkTool::errorDomain. A reply without the members
-/// that a call reads, or with members of another kind, stops the process, and `finished` is not called; so
-/// does an argument that is not UTF-8.
+/// Each call sends one request, returns, and reports its outcome by calling `finished` exactly once:
 ///
-/// The calls may be made from any thread. A call that is under way when another changes the client identifier
-/// may carry either identifier. `finished` may be empty, must not throw, and is kept until the call is over,
-/// the manager is not.
+/// | outcome | `finished` receives | it runs on |
+/// |---|---|---|
+/// | the service accepts the call | no error | the main queue |
+/// | the service refuses the call | an error whose domain is the service's message | the main queue |
+/// | the transfer fails | the session's own error; a login stops the process | the session queue |
+/// | the reply is not JSON | an error of NetworkTool's; a login stops the process | the session queue |
+///
+/// Stops the process, without calling `finished`, if the reply lacks a member that the call reads or has one
+/// of another kind, and if an argument is not UTF-8. docs/errors.md lists what can go wrong and what becomes
+/// of it.
+///
+/// The calls may be made from any thread. If two threads make calls while the client identifier changes,
+/// either call may carry either identifier. `finished` may be empty and must not throw. The library keeps it
+/// until the call ends. It does not keep the manager, which may be destroyed earlier.
 class ORVANE_API OrvaneManager {
  public:
-  /// `data`: the picture's bytes, possibly none, or an error.
+  /// Receives the bytes of the picture, which may be empty, or an error.
   using PictureCodeFinished = std::function<void(std::optional<Bytes> data, ErrorPtr error)>;
-  /// `error`: why the code was not sent, or null.
+  /// Receives the reason why the code was not sent, or null if it was.
   using CodeFinished = std::function<void(ErrorPtr error)>;
-  /// `message`: the service's message, for an accepted and for a refused login.
+  /// Receives the service's message, for an accepted and for a refused login, and for a refused one an error.
   using LoginFinished = std::function<void(std::optional<std::string> message, ErrorPtr error)>;
 
-  /// The shared manager; made once, on first use, and never destroyed.
+  /// Returns the shared manager, which is made on first use and never destroyed.
   static OrvaneManager& shareManager();
 
-  /// A manager with a client identifier of its own. All managers use one transport.
+  /// Makes a manager with a client identifier of its own. All managers send through the same NetworkTool.
   OrvaneManager();
-  /// A manager is an identity: use the shared one, or make another.
+  /// A manager cannot be copied: use the shared one, or make another.
   OrvaneManager(const OrvaneManager&) = delete;
   OrvaneManager& operator=(const OrvaneManager&) = delete;
-  /// Cancels nothing: calls under way still report.
+  /// Cancels nothing: calls in flight still call their `finished`.
   virtual ~OrvaneManager();
 
-  /// The application's client identifier, sent with each call while it is present, also while it is empty.
-  /// Absent at first. One with NUL, CR or LF cannot be a header's value and is left out. Plain memory: who
-  /// changes it while another thread uses the manager must serialise the two.
+  /// The application's client identifier. Absent at first. Sent as the header XRAPI-CLIENT-ID once set, even
+  /// if empty. Left out if it contains NUL, CR or LF. Not synchronised: do not set it while another thread
+  /// makes a call on this manager.
   ///@{
   virtual std::optional<std::string> clientId() const;
   virtual void setClientId(std::optional<std::string> clientId);
   ///@}
 
-  /// Sets the client identifier, unchanged, for the calls to come.
+  /// Sets the client identifier of later calls, by setClientId().
   virtual void setAppClientId(std::string clientId);
 
-  /// Fetches the picture verification code for a mobile number. A transport's error is also written to
-  /// standard output, as a line with its domain and code.
+  /// Fetches the picture verification code for the mobile number `mobile`. Also writes the error of a failed
+  /// transfer, or of a reply that is not JSON, to standard output: one line with its domain and code.
   virtual void requestPictureCode(std::string mobile, PictureCodeFinished finished);
 
-  /// Has a code sent by SMS to the mobile number; `codeNumber` is what the user read from the picture. A
-  /// refusal's code is the service's.
+  /// Has a code sent by SMS to `mobile`. `codeNumber` is what the user read from the picture. A refusal has
+  /// the code of the service's reply.
   virtual void requestCode(std::string mobile, std::string codeNumber, CodeFinished finished);
 
-  /// Logs in with the code that came by SMS. When the login is accepted, the system's version, the carrier's
-  /// name and the device's model are sent to the service before `finished` is called; nobody waits for that
-  /// to arrive, so a process that ends at once may end before it has left. A refusal's code is 1. The process
-  /// stops when the request fails: this call reads the reply first.
+  /// Logs in with `code`, which came by SMS. A refusal has the code 1.
+  ///
+  /// Warning: stops the process if the transfer fails or the reply is not JSON, because the reply is read
+  /// before the error.
+  ///
+  /// After an accepted login a report is sent to the service: the system's version, the carrier's name and
+  /// the device's model. It is started before `finished` is called, and its outcome is ignored. A process
+  /// that ends at once may end before the report is sent.
   virtual void requestLogin(std::string mobile, std::string code, LoginFinished finished);
 
  private:

@@ -6,11 +6,11 @@
 
 namespace orvane {
 
-/// The base URL of the identity service that this build of the library talks to: "http://", a host name, no
-/// port and no trailing slash.
+/// Returns the base URL of the identity service for which this library was built: "http://" and a host name,
+/// without a port or a trailing slash.
 ORVANE_API std::string_view serviceBaseURL() noexcept;
 
-/// The host name in it.
+/// Returns the host name in serviceBaseURL().
 ORVANE_API std::string_view serviceHost() noexcept;
 
 }  // namespace orvane

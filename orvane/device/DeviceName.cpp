@@ -8,7 +8,7 @@ struct Model {
   DeviceName name;
 };
 
-// Closed, gaps included: a model that is not listed is Unknown to the service too.
+// Never extended: the service knows these models and no others, so a later one is Unknown to it too.
 constexpr std::array<Model, 52> models = {{
     {"iPhone3,1", DeviceName::iPhone4},     {"iPhone3,2", DeviceName::iPhone4},
     {"iPhone3,3", DeviceName::iPhone4},     {"iPhone4,1", DeviceName::iPhone4S},

@@ -40,7 +40,7 @@ enum class DeviceName {
   Unknown,
 };
 
-/// The raw values of DeviceName.
+/// The raw values of DeviceName, in the order of its cases.
 inline constexpr std::array<std::string_view, 28> deviceNames = {
     "iPhone4",       "iPhone4S",      "iPhone5",       "iPhone5C",      "iPhone5S",      "iPhone6",
     "iPhone6Plus",   "iPhone6S",      "iPhone6SPlus",  "iPad1",         "iPad2",         "iPadMini",
@@ -48,12 +48,12 @@ inline constexpr std::array<std::string_view, 28> deviceNames = {
     "iPadMini4",     "iPadPro",       "iPodTouch1Gen", "iPodTouch2Gen", "iPodTouch3Gen", "iPodTouch4Gen",
     "iPodTouch5Gen", "iPodTouch6Gen", "Simulator",     "Unknown"};
 
-/// Their place in Enumeration.h's functions.
+/// Enables rawValue(), hashValue() and fromRawValue() for this enumeration.
 template <>
 inline constexpr std::span<const std::string_view> rawValues<DeviceName> = deviceNames;
 
-/// The model with that machine identifier, such as "iPhone8,1", compared exactly; Unknown for any other text.
-/// May be called from any thread.
+/// Returns the model with the machine identifier `identifier`, such as "iPhone8,1", or Unknown if the library
+/// does not list it. Compares exactly. May be called from any thread.
 ORVANE_API DeviceName deviceNameForMachine(std::string_view identifier) noexcept;
 
 }  // namespace orvane

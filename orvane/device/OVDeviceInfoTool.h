@@ -8,28 +8,29 @@
 
 namespace orvane {
 
-/// Facts about the device, read from the platform at the moment of each call. May be used from any thread.
+/// Facts about the device. Each call reads them from the platform anew. May be used from any thread.
 class ORVANE_API OVDeviceInfoTool {
  public:
   OVDeviceInfoTool();
   virtual ~OVDeviceInfoTool();
 
-  /// The device's identifier in the application vendor's scope. Stops the process where there is none.
+  /// Returns the identifier that the device has for the application's vendor. Stops the process if it has
+  /// none.
   static std::string getMEIDCode();
 
-  /// The word for this kind of device; not the system's name, which is intended.
+  /// Returns the model word, such as "iPhone". Despite its name it does not return the system's name.
   static std::string getSystemName();
 
-  /// The device's model. Stops the process where the machine identifier is not ASCII.
+  /// Returns the device's model. Stops the process if the machine identifier is not ASCII.
   static DeviceName getDeviceName();
 
-  /// "iOS " and the system's version.
+  /// Returns "iOS " followed by the system's version, such as "iOS 12.4".
   static std::string getSystemVersion();
 
-  /// The mobile carrier's name; "nil" where there is none.
+  /// Returns the mobile carrier's name, or the text "nil" if there is no carrier.
   static std::string getcarrierName();
 
-  /// The class of the main screen.
+  /// Returns the class of the main screen, as screenSizeForScreen() determines it.
   virtual ScreenSize screenSize() const;
 };
 

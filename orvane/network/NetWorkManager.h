@@ -4,11 +4,11 @@
 
 namespace orvane {
 
-/// The library's own front to its transport: one tool for all service calls, so that the header set which a
-/// call installs is the one its request carries. May be used from any thread.
+/// The library's own front to NetworkTool. All service calls share its one tool and with it the stored header
+/// set. May be used from any thread.
 class NetworkManager {
  public:
-  /// The shared instance; made once, on first use, and never destroyed.
+  /// Returns the shared instance, which is made on first use and never destroyed.
   static NetworkManager& sharedManager();
 
   NetworkManager();
@@ -16,7 +16,7 @@ class NetworkManager {
   NetworkManager& operator=(const NetworkManager&) = delete;
   virtual ~NetworkManager();
 
-  // As the NetworkTool's operations; addHeaders is its addHeader.
+  // These call the tool's operations of the same names; addHeaders calls addHeader.
   virtual void requestJSON(HTTPMethod method, std::string_view url,
                            const std::optional<Parameters>& parameters, NetworkTool::Completion completion);
   virtual void addHeaders(Headers headers);

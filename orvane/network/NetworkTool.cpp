@@ -30,7 +30,7 @@ URLRequest makeJSONPost(std::string_view url, const std::optional<Parameters>& p
   return request;
 }
 
-/// Decodes a reply on the session's queue, so that nothing but the completion runs on the main queue.
+/// Decodes a reply on the session queue, so that the main queue runs the completion and nothing else.
 void deliver(DataTaskResult reply, NetworkTool::Completion completion) {
   if (reply.error) {
     completion(std::nullopt, std::move(reply.error));
@@ -94,7 +94,7 @@ std::optional<URLRequest> NetworkTool::request(HTTPMethod method, std::string_vi
       break;
     case HTTPMethod::GET: {
       std::string whole(url);
-      // Also behind a URL that holds a query already: intended.
+      // Appended even to a URL that has a query already: a caller puts all of a query in one place.
       if (const std::optional<std::string> query = queryString(parameters)) whole.append("?").append(*query);
       request = makeRequest(std::move(whole));
       break;

@@ -19,24 +19,24 @@ namespace orvane {
 
 /// Header fields: values by name.
 using Headers = std::map<std::string, std::string, std::less<>>;
-/// Values by name, for a body or a query string.
+/// The parameters of a request: values by name, for a body or a query string.
 using Parameters = Map;
 
-/// Sends a request and hands over the decoded JSON reply, or the error.
+/// Sends a request and hands over the decoded JSON reply, or an error.
 ///
-/// May be used from any thread. A tool keeps a header set and a session; both are replaced whole, so that
-/// racing calls may see one or the other and never a mixture. A request in flight keeps its completion and
-/// nothing of the tool: destroying a tool cancels nothing.
+/// May be used from any thread. A tool keeps a header set and a session. Each is replaced as a whole: a call
+/// that races with a replacement uses the old one or the new one, never a mixture. A request in flight keeps
+/// its completion and nothing of the tool, so destroying a tool cancels nothing.
 class ORVANE_API NetworkTool {
  public:
-  /// Called at most once, with a result (a map or an array) or an error, never both. It must not throw.
+  /// Called at most once, with either a result (a map or an array) or an error. Must not throw.
   using Completion = std::function<void(std::optional<Value> result, ErrorPtr error)>;
 
-  /// The domain of the errors that the transport makes itself.
+  /// The domain of the errors that the tool makes itself.
   static constexpr std::string_view errorDomain = "com.brovent.error";
 
   NetworkTool();
-  /// A tool is an identity: share it, or make another.
+  /// A tool cannot be copied: share it, or make another.
   NetworkTool(const NetworkTool&) = delete;
   NetworkTool& operator=(const NetworkTool&) = delete;
   virtual ~NetworkTool();
@@ -44,38 +44,48 @@ class ORVANE_API NetworkTool {
   /// Runs an empty task in a group on the global queue and an empty notification on the main queue.
   virtual void demoGCDGroup();
 
-  /// Replaces the whole header set of the requests to come. An empty set changes nothing.
+  /// Replaces the header set of later requests as a whole. An empty set changes nothing.
   virtual void addHeader(Headers headers);
 
-  /// Builds a request with `request`, runs it on `session` and returns. `completion` is called exactly once:
-  /// | outcome | with | where |
-  /// | no request could be built | error errorDomain (-1), "error": "请求建立失败" | here, before the return |
-  /// | the session failed | the session's own error object | the session's background queue |
-  /// | the body is not JSON | error errorDomain (-1), "error": "反序列化失败" | the session's background queue |
-  /// | the body is a JSON map or array, whatever the HTTP status | the value | the main queue |
-  /// or not at all, if its turn on the session's queue was dropped by cancleAllNetwork. Stops the process where
-  /// the session is absent.
+  /// Builds a request with request(), starts it on session() and returns. Calls `completion` exactly once:
+  ///
+  /// | outcome | argument | thread |
+  /// |---|---|---|
+  /// | the request cannot be built | error errorDomain -1, "error": "请求建立失败" | the caller's, at once |
+  /// | the transfer fails | the session's own error object | the session queue |
+  /// | the body is not JSON | error errorDomain -1, "error": "反序列化失败" | the session queue |
+  /// | the body is a JSON map or array, with any HTTP status | the value | the main queue |
+  ///
+  /// Does not call `completion` if cancleAllNetwork() drops its turn on the session queue. Stops the process
+  /// if the session is absent.
   virtual void requestJSON(HTTPMethod method, std::string_view url,
                            const std::optional<Parameters>& parameters, Completion completion);
 
-  /// Builds a request and adds the header set. JSON_POST: the parameters as JSON body, none if absent or
-  /// empty. POST: their query string as body. GET: "?" and their query string behind the URL. Nothing for an
-  /// empty URL, and for a POST with absent parameters. Stops the process on a text that is no URL, on
-  /// parameters that cannot be encoded, and on a POST with absent parameters while there is a header set.
+  /// Builds a request and adds the header set.
+  ///
+  /// | method | parameters |
+  /// |---|---|
+  /// | JSON_POST | sent as a JSON body; no body if absent or empty |
+  /// | POST | their query string is the body |
+  /// | GET | "?" and their query string are appended to the URL |
+  ///
+  /// Returns nothing for an empty URL, and for POST without parameters. Stops the process if `url` is not a
+  /// URL, if the parameters cannot be encoded, and for POST without parameters once a header set is stored.
   virtual std::optional<URLRequest> request(HTTPMethod method, std::string_view url,
                                             const std::optional<Parameters>& parameters);
 
-  /// "key=value" pairs joined by "&"; nothing for absent parameters. A value keeps its letters, marks and
-  /// numbers of every script and has the UTF-8 bytes of all else percent-encoded; a key stays as it is. Stops
-  /// the process on a value that is no text, or not UTF-8.
+  /// Returns the parameters as "key=value" pairs joined by "&", or nothing if they are absent. A value keeps
+  /// letters, marks and numbers of every script; everything else in it is percent-encoded. A key stays as it
+  /// is. Stops the process if a value is not a text, or not UTF-8.
   virtual std::optional<std::string> queryString(const std::optional<Parameters>& parameters);
 
-  /// Drops the session's handler calls that have not started. Transfers go on, and completions already on
-  /// their way to the main queue still come. (The name is intended.)
+  /// Drops the handlers that wait on the session queue and have not started. Does not stop any transfer, and
+  /// completions that are already queued on the main queue are still called. The spelling is part of the
+  /// interface.
   virtual void cancleAllNetwork();
 
-  /// The session that requests run on: the platform's shared one from the first use on, unless another was
-  /// set. May be set absent, and then stays so.
+  /// The session that requests run on. Unless another was set before, the first use chooses the platform's
+  /// shared session. May be set to null, and then stays null.
   ///@{
   virtual std::shared_ptr<URLSession> session();
   virtual void setSession(std::shared_ptr<URLSession> session);

@@ -8,8 +8,8 @@ namespace orvane {
 
 class TextRules;
 
-/// `text` with every character that is no letter, mark or number replaced by "%" and two upper-case
-/// hexadecimal digits for each of its UTF-8 bytes. Nothing where `text` is not UTF-8.
+/// Returns `text` with each character that is not a letter, mark or number percent-encoded: each of its UTF-8
+/// bytes becomes "%" and two upper-case hexadecimal digits. Returns nothing if `text` is not UTF-8.
 std::optional<std::string> percentEncode(std::string_view text, const TextRules& rules);
 
 }  // namespace orvane

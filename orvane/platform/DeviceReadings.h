@@ -13,8 +13,7 @@ struct ScreenBounds {
   double height = 0;  ///< Down.
 };
 
-/// The facts about the device, each read from the system at the moment of the call. May be used from any
-/// thread.
+/// Facts about the device. Each call reads them from the system anew. May be used from any thread.
 class ORVANE_API DeviceReadings {
  public:
   DeviceReadings() = default;
@@ -22,20 +21,20 @@ class ORVANE_API DeviceReadings {
   DeviceReadings& operator=(const DeviceReadings&) = delete;
   virtual ~DeviceReadings();
 
-  /// The hardware model as the system's `uname` gives it, with or without the NUL bytes that pad its field;
-  /// empty where the system gives none.
+  /// Returns the hardware model as the system's `uname` reports it, such as "iPhone8,1". May end in the NUL
+  /// bytes that pad the field. Empty if the system reports none.
   virtual std::string machine() const = 0;
-  /// The system's version, such as "15.4".
+  /// Returns the system's version, such as "15.4".
   virtual std::string systemVersion() const = 0;
-  /// The word for this kind of device.
+  /// Returns the word for this kind of device, such as "iPhone".
   virtual std::string model() const = 0;
-  /// The device's identifier in the application vendor's own scope.
+  /// Returns the identifier that the device has for the application's vendor, or nothing if it has none.
   virtual std::optional<std::string> identifierForVendor() const = 0;
-  /// The name of the mobile carrier.
+  /// Returns the name of the mobile carrier, or nothing if there is none.
   virtual std::optional<std::string> carrierName() const = 0;
-  /// The size of the main screen.
+  /// Returns the size of the main screen, in points.
   virtual ScreenBounds screenBounds() const = 0;
-  /// Pixels a point.
+  /// Returns the number of pixels per point of the main screen.
   virtual double screenScale() const = 0;
 };
 

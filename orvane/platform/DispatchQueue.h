@@ -7,10 +7,10 @@
 
 namespace orvane {
 
-/// Something to be done once.
+/// A function to be called once.
 using Task = std::function<void()>;
 
-/// Runs tasks later. May be used from any thread.
+/// A queue that runs tasks later. May be used from any thread.
 class ORVANE_API DispatchQueue {
  public:
   DispatchQueue() = default;
@@ -18,10 +18,10 @@ class ORVANE_API DispatchQueue {
   DispatchQueue& operator=(const DispatchQueue&) = delete;
   virtual ~DispatchQueue();
 
-  /// Takes a task and returns; the task is called once, later, never inside this call.
+  /// Queues `task` and returns. The task is called exactly once, later, and never inside this call.
   virtual void async(Task task) = 0;
 
-  /// Takes a task that is a group by itself: once it has run, `notification` goes to the queue `notified`.
+  /// Queues `task` as a group of its own: after it has run, `notification` is queued on `notified`.
   virtual void asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification);
 };
 

@@ -9,7 +9,8 @@ namespace {
 
 std::atomic<const Platform*> platformInUse = nullptr;
 
-/// Puts `candidate`, completed, in use for ever, unless a platform is in use already.
+/// Makes `candidate` the platform until the process ends, its null members replaced by the adapter's. Returns
+/// false if a platform is in use already.
 bool putInUse(Platform candidate) {
   const Platform defaults = makeDefaultPlatform();
   const auto complete = [&](auto member) {
@@ -24,7 +25,7 @@ bool putInUse(Platform candidate) {
   auto completed = std::make_unique<const Platform>(std::move(candidate));
   const Platform* none = nullptr;
   if (!platformInUse.compare_exchange_strong(none, completed.get())) return false;
-  static_cast<void>(completed.release());  // For ever.
+  static_cast<void>(completed.release());  // Never destroyed.
   return true;
 }
 

@@ -10,24 +10,26 @@
 
 namespace orvane {
 
-/// Who answers the library's questions to the system it runs on.
+/// The services of the system that the library uses.
 struct Platform {
-  std::shared_ptr<URLSession> sharedSession = {};   ///< What a NetworkTool uses unless it is given another.
-  std::shared_ptr<DispatchQueue> mainQueue = {};    ///< Serial, first in, first out; the application's own.
+  std::shared_ptr<URLSession> sharedSession = {};  ///< Used by each NetworkTool that was not given another.
+  std::shared_ptr<DispatchQueue> mainQueue =
+      {};  ///< Serial, first in, first out. Belongs to the application.
   std::shared_ptr<DispatchQueue> globalQueue = {};  ///< Concurrent.
-  std::shared_ptr<const TextRules> textRules = {};  ///< Which texts are URLs, which characters letters.
-  std::shared_ptr<const DeviceReadings> deviceReadings = {};  ///< The facts about the device.
+  std::shared_ptr<const TextRules> textRules = {};  ///< What is a URL, and what is a letter, mark or number.
+  std::shared_ptr<const DeviceReadings> deviceReadings = {};  ///< Facts about the device.
 };
 
-/// Replaces parts of the platform, for a test or an application with an event loop, a session or readings of
-/// its own; what is null in `platform` stays as the adapter provides it. Before the library's first use:
-/// later it stops the process.
+/// Replaces parts of the platform: for a test, or for an application with an event loop, a session or device
+/// readings of its own. A null member of `platform` stays as the adapter provides it. Call it at most once,
+/// and before the first use of the library: later it stops the process.
 ORVANE_API void installPlatform(Platform platform);
 
-/// The platform in use, which from now on stays the same until the process ends. Every member is set.
+/// Returns the platform in use, with every member set. From the first call on it is the same until the
+/// process ends.
 ORVANE_API const Platform& platform();
 
-/// The platform as the adapter provides it. Each adapter defines it; the one linked into the program answers.
+/// Makes the adapter's own platform. Each adapter defines this function, and a program links one adapter.
 Platform makeDefaultPlatform();
 
 }  // namespace orvane

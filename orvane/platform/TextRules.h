@@ -6,7 +6,7 @@
 
 namespace orvane {
 
-/// What only a platform knows about text. May be used from any thread.
+/// What the library asks its platform about text. May be used from any thread.
 class ORVANE_API TextRules {
  public:
   TextRules() = default;
@@ -14,10 +14,10 @@ class ORVANE_API TextRules {
   TextRules& operator=(const TextRules&) = delete;
   virtual ~TextRules();
 
-  /// Whether the text parses as a URL, absolute or relative.
+  /// Returns true if `text` parses as a URL, absolute or relative.
   virtual bool isURL(std::string_view text) const = 0;
 
-  /// Whether the code point is in one of Unicode's categories letter, mark and number.
+  /// Returns true if `codePoint` belongs to one of Unicode's categories letter, mark and number.
   virtual bool isAlphanumeric(char32_t codePoint) const = 0;
 };
 

@@ -10,7 +10,7 @@ constexpr char lowerCase(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-/// Whether a byte may stand in an HTTP token.
+/// Says for each byte if an HTTP token may contain it.
 constexpr auto isTokenCharacter = [] {
   std::array<bool, 256> is{};
   for (const char c :
@@ -24,7 +24,7 @@ bool isToken(std::string_view text) {
                                       [](char c) { return isTokenCharacter[static_cast<unsigned char>(c)]; });
 }
 
-bool belongsToTransport(std::string_view name) {
+bool belongsToSession(std::string_view name) {
   constexpr std::array<std::string_view, 4> names = {"Content-Length", "Host", "Connection",
                                                      "Transfer-Encoding"};
   const auto isName = [name](std::string_view own) { return equalIgnoringCase(own, name); };
@@ -38,7 +38,7 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept {
                     [](char inA, char inB) { return lowerCase(inA) == lowerCase(inB); });
 }
 
-// Here once and not wherever a request is handed on: they are long.
+// Defined once, because they are long and would otherwise be repeated wherever a request is handed on.
 URLRequest::URLRequest(std::string url) : url_(std::move(url)) {}
 URLRequest::URLRequest(const URLRequest& other) = default;
 URLRequest::URLRequest(URLRequest&& other) noexcept = default;
@@ -54,7 +54,7 @@ void URLRequest::setMethod(std::string_view method) {
 
 void URLRequest::addValue(std::string_view value, std::string_view name) {
   constexpr std::string_view lineEnders("\0\r\n", 3);
-  if (!isToken(name) || value.find_first_of(lineEnders) != value.npos || belongsToTransport(name)) return;
+  if (!isToken(name) || value.find_first_of(lineEnders) != value.npos || belongsToSession(name)) return;
   for (HeaderField& field : headers_) {
     if (equalIgnoringCase(field.name, name)) {
       field.value.append(",").append(value);

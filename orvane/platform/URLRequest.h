@@ -12,20 +12,20 @@ namespace orvane {
 
 /// One line of a request's header.
 struct HeaderField {
-  std::string name;   ///< As it was first added.
-  std::string value;  ///< All values of that name, joined by commas.
+  std::string name;   ///< Spelled as in the first addition.
+  std::string value;  ///< The values added for the name, joined by commas.
 
   /// Compares names and values exactly.
   bool operator==(const HeaderField&) const = default;
 };
 
-/// One HTTP request: what the logic hands to a URL session. No request object can hold a verb or a header
-/// field that would put anything else on the wire than one well-formed line. A value type.
+/// One HTTP request, as the library hands it to a URL session. A value type. It cannot hold a method or a
+/// header field that would break out of its line on the wire.
 class ORVANE_API URLRequest {
  public:
-  /// A GET of `url` without body and header fields. Whether the text is a URL was asked before.
+  /// Makes a GET request without body and header fields. Does not check `url`: see TextRules::isURL.
   explicit URLRequest(std::string url);
-  /// Copies and moves are of the whole request.
+  /// Copies or moves the whole request.
   ///@{
   URLRequest(const URLRequest& other);
   URLRequest(URLRequest&& other) noexcept;
@@ -34,7 +34,7 @@ class ORVANE_API URLRequest {
   ///@}
   ~URLRequest();
 
-  /// What the request consists of.
+  /// Returns a part of the request. The body is absent until setBody() is called.
   ///@{
   const std::string& url() const noexcept { return url_; }
   const std::string& method() const noexcept { return method_; }
@@ -44,17 +44,17 @@ class ORVANE_API URLRequest {
 
   /// Replaces the URL, and nothing else.
   void setURL(std::string url) { url_ = std::move(url); }
-  /// Ignored unless `method` is an HTTP token.
+  /// Sets the method, such as "POST". Ignored unless `method` is an HTTP token.
   void setMethod(std::string_view method);
-  /// Replaces the body; an empty one is a body, too.
+  /// Sets the body. An empty body counts as a body: it is sent with a length of 0.
   void setBody(Bytes body) { body_ = std::move(body); }
 
-  /// Adds a header field; a value for a name that is there already (in any case) is appended to the earlier
-  /// one behind a comma. Ignored: a name that is no HTTP token, a value with NUL, CR or LF, and the fields
-  /// that belong to the transport: Content-Length, Host, Connection, Transfer-Encoding.
+  /// Adds a header field. If the request has a field of that name, ignoring case, appends a comma and `value`
+  /// to it. Ignored if `name` is not an HTTP token, if `value` contains NUL, CR or LF, and for the fields
+  /// that a session sets itself: Content-Length, Host, Connection and Transfer-Encoding.
   void addValue(std::string_view value, std::string_view name);
 
-  /// The value of the field of that name, in any case; null without one.
+  /// Returns the value of the field `name`, ignoring case, or null if there is no such field.
   const std::string* value(std::string_view name) const noexcept;
 
  private:
@@ -64,7 +64,8 @@ class ORVANE_API URLRequest {
   std::vector<HeaderField> headers_;
 };
 
-/// Whether two names of header fields, schemes or hosts are the same but for the case of ASCII letters.
+/// Returns true if `a` and `b` differ at most in the case of ASCII letters, as names of header fields,
+/// schemes and hosts may.
 ORVANE_API bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept;
 
 }  // namespace orvane

@@ -8,23 +8,23 @@
 
 namespace orvane {
 
-/// What is told of a response beside its body.
+/// What is known of a response besides its body.
 struct HTTPResponse {
-  int statusCode = 0;  ///< The HTTP status.
+  int statusCode = 0;  ///< The HTTP status code.
 };
 
-/// What came of a data task. A success has a body, possibly empty, and a response, whatever its status; a
-/// failure has an error and neither.
+/// The outcome of a data task. A success has a response, with any status, and a body, which may be empty. A
+/// failure has an error and neither of them.
 struct DataTaskResult {
-  std::optional<Bytes> body;             ///< Decompressed.
-  std::optional<HTTPResponse> response;  ///< The last one, after redirects.
-  ErrorPtr error;                        ///< The session's own, or null.
+  std::optional<Bytes> body;             ///< After decompression.
+  std::optional<HTTPResponse> response;  ///< The last one, if there were redirects.
+  ErrorPtr error;                        ///< The session's own error, or null.
 };
 
-/// Takes what came of a data task.
+/// Receives the outcome of a data task.
 using DataTaskHandler = std::function<void(DataTaskResult result)>;
 
-/// Runs requests in the background. May be used from any thread.
+/// Carries out HTTP requests in the background. May be used from any thread.
 class ORVANE_API URLSession {
  public:
   URLSession() = default;
@@ -32,13 +32,13 @@ class ORVANE_API URLSession {
   URLSession& operator=(const URLSession&) = delete;
   virtual ~URLSession();
 
-  /// Starts one request and returns. `handler` is called exactly once, or not at all after
-  /// cancelAllOperations, on the session's serial background queue: never inside this call, never on the main
-  /// queue, one handler at a time. It is released either way. A task outlives the session object that started
-  /// it.
+  /// Starts one request and returns. Calls `handler` exactly once, on the session queue: a serial queue in
+  /// the background, so never inside this call, never on the main queue, and one handler at a time. After
+  /// cancelAllOperations() the handler may not be called at all. It is released in either case. A task
+  /// continues if the session object is destroyed.
   virtual void startDataTask(URLRequest request, DataTaskHandler handler) = 0;
 
-  /// Drops the handlers that wait on the session's queue and have not started. Transfers go on.
+  /// Drops the handlers that wait on the session queue and have not started. Does not stop any transfer.
   virtual void cancelAllOperations() = 0;
 };
 
