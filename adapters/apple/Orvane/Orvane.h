@@ -1,5 +1,22 @@
 #import <Foundation/Foundation.h>
 
+// What Swift is told, where the system's headers have the words for it.
+#ifdef NS_SWIFT_NAME
+#define ORVANE_NAME(name) NS_SWIFT_NAME(name)
+#else
+#define ORVANE_NAME(name)
+#endif
+#ifdef NS_SWIFT_SENDABLE
+#define ORVANE_SENDABLE NS_SWIFT_SENDABLE
+#else
+#define ORVANE_SENDABLE
+#endif
+#ifdef NS_SWIFT_ASYNC
+#define ORVANE_ASYNC(place) NS_SWIFT_ASYNC(place)
+#else
+#define ORVANE_ASYNC(place)
+#endif
+
 NS_ASSUME_NONNULL_BEGIN
 
 #ifdef __cplusplus
@@ -31,7 +48,7 @@ __attribute__((visibility("default")))
 }
 
 /// The shared manager; made once, on first use, and never destroyed. It is also the C++ interface's.
-@property(class, nonatomic, readonly) OrvaneManager* shareManager NS_SWIFT_NAME(shareManager);
+@property(class, nonatomic, readonly) OrvaneManager* shareManager ORVANE_NAME(shareManager);
 
 /// The application's client identifier, sent with each call while it is present, also while it is empty. Nil at first.
 /// One with NUL, CR or LF cannot be a header's value and is left out. The calls read it through this getter. Who changes
@@ -47,24 +64,27 @@ __attribute__((visibility("default")))
 /// Fetches the picture verification code for a mobile number: its bytes, possibly none, or an error. A network error is
 /// also written to standard output, as a line with its domain and code.
 - (void)requestPictureCode:(NSString*)mobile
-                  finished:(void (^)(NSData* _Nullable data, NSError* _Nullable error))finished;
+                  finished:(void(ORVANE_SENDABLE ^)(NSData* _Nullable data, NSError* _Nullable error))finished
+    ORVANE_ASYNC(2);
 
 /// Has a code sent by SMS to the mobile number; `codeNumber` is what the user read from the picture. A refusal's code
 /// is the service's.
 - (void)requestCode:(NSString*)mobile
          codeNumber:(NSString*)codeNumber
-           finished:(void (^)(NSError* _Nullable error))finished;
+           finished:(void(ORVANE_SENDABLE ^)(NSError* _Nullable error))finished ORVANE_ASYNC(3);
 
 /// Logs in with the code that came by SMS. `message` is the service's, for an accepted and for a refused login. When
 /// the login is accepted, the system's version, the carrier's name and the device's model are sent to the service. A
 /// refusal's code is 1. The process stops when the request fails: this call reads the reply first.
 - (void)requestLogin:(NSString*)mobile
                 code:(NSString*)code
-            finished:(void (^)(NSString* _Nullable message, NSError* _Nullable error))finished;
+            finished:(void(ORVANE_SENDABLE ^)(NSString* _Nullable message, NSError* _Nullable error))finished
+    ORVANE_ASYNC(3);
 
 @end
 
 /// Facts about the device, read from the system at the moment of each call. May be used from any thread.
+ORVANE_SENDABLE
 __attribute__((visibility("default")))
 @interface OVDeviceInfoTool : NSObject
 
@@ -85,3 +105,7 @@ __attribute__((visibility("default")))
 @end
 
 NS_ASSUME_NONNULL_END
+
+#undef ORVANE_NAME
+#undef ORVANE_SENDABLE
+#undef ORVANE_ASYNC
