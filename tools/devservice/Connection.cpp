@@ -1,108 +1,155 @@
 #include "tools/devservice/Connection.h"
 
-#include <algorithm>
-#include <arpa/inet.h>
-#include <array>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <boost/asio/as_tuple.hpp>
+#include <boost/asio/use_awaitable.hpp>
+#include <boost/asio/write.hpp>
+#include <boost/beast/http/error.hpp>
+#include <boost/beast/http/message.hpp>
+#include <boost/beast/http/read.hpp>
+#include <boost/beast/http/rfc7230.hpp>
+#include <boost/beast/http/span_body.hpp>
+#include <boost/beast/http/write.hpp>
+#include <string_view>
 #include <utility>
 
-#include "tools/devservice/Limits.h"
+#include "tools/devservice/Faults.h"
+#include "tools/devservice/Target.h"
 
 namespace devservice {
+namespace {
 
-Connection::~Connection() {
-  close(descriptor_);
+namespace asio = boost::asio;
+namespace http = boost::beast::http;
+
+constexpr auto awaited = asio::as_tuple(asio::use_awaitable);
+constexpr std::chrono::milliseconds faultDelay{1500};
+/// How long a refused connection stays, so that the peer can read why.
+constexpr std::chrono::seconds lingering{1};
+
+std::string addressOf(const asio::ip::tcp::socket& socket) {
+  boost::system::error_code error;
+  const auto endpoint = socket.remote_endpoint(error);
+  return error ? "" : endpoint.address().to_string();
 }
 
-bool Connection::awaitRequest(std::chrono::milliseconds limit) {
-  head_.clear();
-  inHead_ = true;
-  if (position_ == input_.size() && !awaitInput(limit)) return false;
-  deadline_ = std::chrono::steady_clock::now() + requestLimit_;
-  return true;
+Request requestFrom(const http::request<http::string_body>& message, const std::string& peer) {
+  Target target = parseTarget(message.target());
+  Request request{message.method_string(), std::move(target.path), {}, message.body(), peer,
+                  std::move(target.query)};
+  for (const auto& field : message) request.headers.emplace_back(field.name_string(), field.value());
+  return request;
 }
 
-bool Connection::finishReply() {
-  switch (std::exchange(fault_, TransportFault::none)) {
-    case TransportFault::none:
-    case TransportFault::delay:
-      return flush() && !last_;
-    case TransportFault::drop:
-      break;
-    case TransportFault::cut: {
-      const std::size_t bodyStart = output_.find("\r\n\r\n") + 4;
-      output_.resize(bodyStart + (output_.size() - bodyStart) / 2);
-      flush();
-      break;
-    }
-    case TransportFault::reset: {
-      const linger discard{1, 0};
-      setsockopt(descriptor_, SOL_SOCKET, SO_LINGER, &discard, sizeof discard);
-      break;
-    }
+/// The HTTP status that says why a request could not be read; 0 where the connection has failed.
+int statusOf(boost::system::error_code error) {
+  if (error == http::error::end_of_stream || error == http::error::partial_message) return 0;
+  if (error == http::error::header_limit) return 431;
+  if (error == http::error::body_limit) return 413;
+  return error.category() == make_error_code(http::error::bad_method).category() ? 400 : 0;
+}
+
+}  // namespace
+
+Connection::Connection(Socket socket, Router& router, const ServerLimits& limits, std::function<void()> idles)
+    : stream_(std::move(socket)),
+      peer_(addressOf(stream_.socket())),
+      router_(router),
+      limits_(limits),
+      idles_(std::move(idles)),
+      pause_(stream_.get_executor()),
+      idleSince_(Clock::now()) {
+  boost::system::error_code ignored;  // the next read tells
+  stream_.socket().set_option(asio::ip::tcp::no_delay(true), ignored);
+}
+
+void Connection::close() {
+  idleSince_ = Clock::time_point::max();
+  pause_.cancel();
+  stream_.close();
+}
+
+asio::awaitable<void> Connection::serve() {
+  for (bool goesOn = true; goesOn;) {
+    // Not a part of the loop's condition: g++ 12 does not stop then where it is false.
+    if (!co_await awaitRequest()) co_return;
+    Parser parser;
+    const boost::system::error_code error = co_await read(parser);
+    const int refused = error ? statusOf(error) : 0;
+    if (error && refused == 0) co_return;
+    const Request request = requestFrom(parser.get(), peer_);
+    // After what is not understood, nothing says where the next request starts.
+    goesOn = !error && parser.keep_alive();
+    const Reply reply = error ? makeRefusal(refused, refused == 400 ? Code::malformedRequest : Code::tooLarge)
+                              : router_.answer(request);
+    router_.log(request, reply);
+    const bool isWhole = co_await write(request, reply, goesOn);
+    goesOn = goesOn && isWhole;
+    if (error) co_await awaitEnd();
   }
-  return false;
 }
 
-void Connection::abort() {
-  shutdown(descriptor_, SHUT_RDWR);
+/// Waits for the first byte of a request.
+asio::awaitable<bool> Connection::awaitRequest() {
+  if (buffer_.size() > 0) co_return true;
+  constexpr std::size_t enough = 4096;
+  idleSince_ = Clock::now();
+  idles_();
+  stream_.expires_after(limits_.idle);
+  const auto [error, size] = co_await stream_.async_read_some(buffer_.prepare(enough), awaited);
+  idleSince_ = Clock::time_point::max();
+  buffer_.commit(size);
+  co_return !error;
 }
 
-ssize_t Connection::read(char* data, std::size_t size) {
-  if (position_ == input_.size()) {
-    if (!flush()) return -1;  // the peer may wait for an interim reply
-    const auto left =
-        std::chrono::ceil<std::chrono::milliseconds>(deadline_ - std::chrono::steady_clock::now());
-    if (left.count() <= 0 || !awaitInput(left)) return -1;
-    input_.resize(16384);
-    const ssize_t count = recv(descriptor_, input_.data(), input_.size(), 0);
-    input_.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-    position_ = 0;
-    if (count <= 0) return count;
+asio::awaitable<boost::system::error_code> Connection::read(Parser& parser) {
+  constexpr std::string_view interim = "HTTP/1.1 100 Continue\r\n\r\n";
+  parser.header_limit(maxHeadSize);
+  parser.body_limit(maxBodySize);
+  stream_.expires_after(limits_.request);
+  auto [error, size] = co_await http::async_read_header(stream_, buffer_, parser, awaited);
+  if (!error && equalIgnoringCase(parser.get()[http::field::expect], "100-continue")) {
+    std::tie(error, size) = co_await asio::async_write(stream_, asio::buffer(interim), awaited);
   }
-  // A head is read byte by byte, so that nothing behind it is taken for a part of it.
-  const std::size_t count = input_.copy(data, inHead_ ? std::min<std::size_t>(size, 1) : size, position_);
-  position_ += count;
-  if (inHead_) {
-    if (head_.size() + count > maxHeadSize) return -1;
-    head_.append(data, count);
-    inHead_ = !head_.ends_with("\n\r\n");
+  if (!error) std::tie(error, size) = co_await http::async_read(stream_, buffer_, parser, awaited);
+  co_return error;
+}
+
+/// Does what the reply's fault asks for; false when the connection is of no more use.
+asio::awaitable<bool> Connection::write(const Request& request, const Reply& reply, bool keepAlive) {
+  if (reply.fault == TransportFault::delay) {
+    pause_.expires_after(faultDelay);
+    co_await pause_.async_wait(awaited);
   }
-  return static_cast<ssize_t>(count);
-}
-
-ssize_t Connection::write(const char* data, std::size_t size) {
-  output_.append(data, size);
-  return static_cast<ssize_t>(size);
-}
-
-void Connection::get_remote_ip_and_port(std::string& ip, int& port) const {
-  sockaddr_in address{};
-  socklen_t size = sizeof address;
-  if (getpeername(descriptor_, reinterpret_cast<sockaddr*>(&address), &size) != 0) return;
-  std::array<char, INET_ADDRSTRLEN> text{};
-  inet_ntop(AF_INET, &address.sin_addr, text.data(), text.size());
-  ip = text.data();
-  port = ntohs(address.sin_port);
-}
-
-bool Connection::awaitInput(std::chrono::milliseconds limit) const {
-  pollfd waiting{descriptor_, POLLIN, 0};
-  return poll(&waiting, 1, static_cast<int>(limit.count())) > 0;
-}
-
-bool Connection::flush() {
-  std::string_view rest = output_;
-  while (!rest.empty()) {
-    const ssize_t count = send(descriptor_, rest.data(), rest.size(), MSG_NOSIGNAL);
-    if (count <= 0) return false;
-    rest.remove_prefix(static_cast<std::size_t>(count));
+  if (reply.fault == TransportFault::reset) {
+    boost::system::error_code ignored;
+    stream_.socket().set_option(Socket::linger(true, 0), ignored);
   }
-  output_.clear();
-  return true;
+  if (reply.fault == TransportFault::reset || reply.fault == TransportFault::drop) co_return false;
+  const bool isCut = reply.fault == TransportFault::cut;
+
+  http::response<http::span_body<const char>> response(http::status(reply.status), 11);
+  for (const auto& [name, value] : reply.headers) response.set(name, value);
+  response.set(http::field::content_type, reply.contentType);
+  response.content_length(reply.body.size());
+  response.keep_alive(keepAlive);
+  const std::size_t size = reply.body.size() / (isCut ? 2 : 1);
+  response.body() = {reply.body.data(), request.method == "HEAD" ? 0 : size};
+  stream_.expires_after(limits_.request);
+  const auto [error, written] = co_await http::async_write(stream_, response, awaited);
+  co_return !error && !isCut;
+}
+
+/// Ends the connection without losing the reply that is on its way: the system discards it when the peer sends
+/// more than was read.
+asio::awaitable<void> Connection::awaitEnd() {
+  boost::system::error_code error;
+  stream_.socket().shutdown(Socket::shutdown_send, error);
+  stream_.expires_after(lingering);
+  while (!error) {
+    buffer_.clear();
+    const auto [ended, size] = co_await stream_.async_read_some(buffer_.prepare(maxHeadSize), awaited);
+    error = ended;
+  }
 }
 
 }  // namespace devservice

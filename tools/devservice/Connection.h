@@ -1,73 +1,60 @@
 #pragma once
 
+#include <boost/asio/awaitable.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/core/tcp_stream.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/string_body.hpp>
 #include <chrono>
-#include <cstddef>
-#include <httplib.h>
+#include <functional>
 #include <string>
-#include <string_view>
 
+#include "tools/devservice/Limits.h"
 #include "tools/devservice/Message.h"
+#include "tools/devservice/Router.h"
 
 namespace devservice {
 
-/// One connection: reads ahead, remembers the head of the request under way, and holds back what is written
-/// until the reply is complete, so that a reply leaves in one piece, or spoiled as its fault says.
-/// For the thread that serves it, but for abort().
-class Connection : public httplib::Stream {
+/// One connection, from its first request to its last. For the thread of its socket.
+class Connection {
  public:
-  /// Takes the descriptor of the socket and closes it in the end. A request that takes longer than the limit
-  /// to arrive, from its first byte, or whose head is too large, fails to be read.
-  Connection(int descriptor, std::chrono::milliseconds requestLimit)
-      : descriptor_(descriptor), requestLimit_(requestLimit) {}
-  Connection(const Connection&) = delete;
-  Connection& operator=(const Connection&) = delete;
-  ~Connection() override;
+  using Clock = std::chrono::steady_clock;
+  using Socket = boost::asio::ip::tcp::socket;
 
-  /// Waits for the next request, at whose head reading then starts; false when none comes in time or the
-  /// connection fails.
-  bool awaitRequest(std::chrono::milliseconds limit);
+  /// Calls `idles` each time it begins to wait for a request. What is passed by reference has to outlive the
+  /// connection.
+  Connection(Socket socket, Router& router, const ServerLimits& limits, std::function<void()> idles);
 
-  /// The head of the request, as far as it was read, as it was received: from the request line to the empty
-  /// line. Valid until the next read.
-  std::string_view head() const { return head_; }
+  /// Reads requests, has them answered, and writes the replies, each as its fault says. Ends with the
+  /// connection.
+  boost::asio::awaitable<void> serve();
 
-  /// The fault of the reply that is being written.
-  void setFault(TransportFault fault) { fault_ = fault; }
-  TransportFault fault() const { return fault_; }
+  /// Since when it has been waiting for a request; the far future while it serves one.
+  Clock::time_point idleSince() const { return idleSince_; }
 
-  /// Takes no request after the reply that is being written.
-  void makeLast() { last_ = true; }
-
-  /// Sends what was written, or does what the fault asks for; false when the connection is of no more use.
-  bool finishReply();
-
-  /// Makes every read and write, under way or to come, end at once. The only member to be called from another
-  /// thread.
-  void abort();
-
-  bool is_readable() const override { return true; }
-  bool is_writable() const override { return true; }
-  socket_t socket() const override { return descriptor_; }
-  ssize_t read(char* data, std::size_t size) override;
-  ssize_t write(const char* data, std::size_t size) override;
-  void get_remote_ip_and_port(std::string& ip, int& port) const override;
-  void get_local_ip_and_port(std::string&, int&) const override {}  // nobody asks
+  /// Ends it at once, whatever it is doing.
+  void close();
 
  private:
-  bool flush();
+  using Parser = boost::beast::http::request_parser<boost::beast::http::string_body>;
+  template <typename T>
+  using Awaitable = boost::asio::awaitable<T>;
 
-  bool awaitInput(std::chrono::milliseconds limit) const;
+  Awaitable<bool> awaitRequest();
+  Awaitable<boost::system::error_code> read(Parser& parser);
+  Awaitable<bool> write(const Request& request, const Reply& reply, bool keepAlive);
+  Awaitable<void> awaitEnd();
 
-  const int descriptor_;
-  const std::chrono::milliseconds requestLimit_;
-  std::chrono::steady_clock::time_point deadline_;  // of the request that is being read
-  std::string input_;
-  std::size_t position_ = 0;  // of the first byte of the input not yet read
-  std::string head_;
-  bool inHead_ = true;
-  std::string output_;
-  TransportFault fault_ = TransportFault::none;
-  bool last_ = false;
+  boost::beast::tcp_stream stream_;
+  const std::string peer_;
+  Router& router_;
+  const ServerLimits& limits_;
+  const std::function<void()> idles_;
+  boost::asio::steady_timer pause_;
+  boost::beast::flat_buffer buffer_;
+  Clock::time_point idleSince_;
 };
 
 }  // namespace devservice

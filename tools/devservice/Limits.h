@@ -34,13 +34,13 @@ inline constexpr std::size_t maxHeadSize = std::size_t{64} << 10;
 
 /// What a server allows its callers.
 struct ServerLimits {
-  /// Connections served at once, each by a thread; more wait in the system's queue until one ends.
+  /// Connections served at once; more wait in the system's queue until one ends.
   std::size_t connections = 32;
   /// How long a connection is kept without a request.
   std::chrono::seconds idle{60};
   /// The same while others wait.
   std::chrono::seconds idleWhenCrowded{1};
-  /// How long a request may take to arrive, so that nobody keeps a thread by sending slowly.
+  /// How long a request may take to arrive, and a reply to be taken.
   std::chrono::milliseconds request{10'000};
 };
 

@@ -14,10 +14,11 @@ bool equalIgnoringCase(std::string_view a, std::string_view b);
 /// A request as the service sees it, whatever carried it.
 struct Request {
   std::string method;
-  std::string path;
+  std::string path;  ///< Without percent signs that stand for something else.
   std::vector<std::pair<std::string, std::string>> headers;
   std::string body;
-  std::string peer;  ///< Numeric address of the other end.
+  std::string peer;        ///< Numeric address of the other end.
+  std::string query = {};  ///< What follows the question mark, as it came.
 
   /// The value of the first header of that name, whose case does not matter; it lives as long as the request.
   std::optional<std::string_view> header(std::string_view name) const;

@@ -11,11 +11,11 @@
 namespace devservice {
 
 /// Serves an IdentityService, and the page to look at it, over HTTP on 127.0.0.1, from its construction to
-/// its destruction.
+/// its destruction, on one thread of its own.
 class Server {
  public:
   /// Takes one line, without its end, for each request but those the page makes, before the reply is sent. It
-  /// is called from several threads at once. Control characters in it are escaped.
+  /// is called on the server's thread. Control characters in it are escaped.
   using Log = std::function<void(std::string_view line)>;
 
   /// Binds the port, or any free one if it is 0, and starts to serve. The service has to outlive the server.
