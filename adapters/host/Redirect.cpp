@@ -1,18 +1,27 @@
 #include "adapters/host/Redirect.h"
 
+#include <algorithm>
+#include <initializer_list>
+#include <string>
+
 #include "orvane/platform/URLParts.h"
 
 namespace orvane {
 namespace {
 
 bool keepsMethod(const URLRequest& request, int statusCode) {
-  if (statusCode == 307 || statusCode == 308) return true;
+  if (statusCode == 307 || statusCode == 308 || request.method() == "HEAD") return true;
   return statusCode != 303 && request.method() != "POST";
 }
 
 bool isSameOrigin(const URLParts& a, const URLParts& b) {
   return equalIgnoringCase(a.scheme, b.scheme) && equalIgnoringCase(a.host, b.host) &&
          a.portOrDefault() == b.portOrDefault();
+}
+
+bool isOneOf(std::string_view name, std::initializer_list<std::string_view> names) {
+  return std::any_of(names.begin(), names.end(),
+                     [name](std::string_view one) { return equalIgnoringCase(one, name); });
 }
 
 }  // namespace
@@ -49,9 +58,10 @@ std::variant<URLRequest, SessionErrorCode> redirect(const URLRequest& request, i
   }
   const bool keepsCredentials = isSameOrigin(from, to);
   for (const auto& [name, value] : request.headers()) {
-    const bool isCredential = equalIgnoringCase(name, "Authorization") || equalIgnoringCase(name, "Cookie");
-    if (isCredential && !keepsCredentials) continue;
-    if (equalIgnoringCase(name, "Content-Type") && !keepsBody) continue;
+    if (!keepsCredentials && isOneOf(name, {"Authorization", "Cookie", "Proxy-Authorization"})) continue;
+    if (!keepsBody &&
+        isOneOf(name, {"Content-Encoding", "Content-Language", "Content-Location", "Content-Type"}))
+      continue;
     next.addValue(value, name);
   }
   return next;
