@@ -77,7 +77,8 @@ void checkHead(std::string_view head, const URLRequest& request) {
                                          "Content-Length", "Content-Type", "Authorization"};
   std::vector<std::string> wanted;
   for (const HeaderField& field : request.headers()) {
-    wanted.push_back(field.name + ":" + trimmed(field.value));
+    const bool isCookie = equalIgnoringCase(field.name, "Cookie");  // Spelled by curl.
+    wanted.push_back((isCookie ? "Cookie" : field.name) + ":" + trimmed(field.value));
     std::erase_if(transports, [&](const std::string& name) { return equalIgnoringCase(name, field.name); });
   }
   for (bool isFirst = true; !head.empty(); isFirst = false) {

@@ -57,9 +57,9 @@ void closeGatesAtExit() {
     handlerGate().keepOnlyThisThread();
   });
   std::atexit([] {
-    // A handler may wait for the very thread that ends the process. Nobody stays in curl for long.
+    // A handler may wait for the very thread that ends the process. No thread stays in curl for long.
     handlerGate().close(std::chrono::milliseconds(500));
-    curlGate().close(std::chrono::hours(1));
+    curlGate().close(std::chrono::seconds(3));
   });
 }
 

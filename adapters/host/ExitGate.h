@@ -5,8 +5,8 @@
 
 namespace orvane {
 
-/// Keeps background threads out of what goes away while the process ends. They pass it on their way in; once it is
-/// closed they sleep before it until the process is gone.
+/// Keeps background threads out of what goes away while the process ends. They pass it on their way in; once
+/// it is closed they sleep before it until the process is gone.
 class ExitGate {
  public:
   class Pass {
@@ -45,8 +45,8 @@ ExitGate& curlGate();
 /// Passed by whoever calls a handler, which may use the application's statics.
 ExitGate& handlerGate();
 
-/// Closes both when the process ends: before the statics go that are there already, and before the clean-up of
-/// whatever has registered its own by now.
+/// Closes both when the process ends: before the statics go that are there already, and before the clean-up
+/// of whatever has registered its own by now.
 void closeGatesAtExit();
 
 }  // namespace orvane

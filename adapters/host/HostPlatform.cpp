@@ -11,7 +11,12 @@ namespace {
 /// Concurrent: a thread for each task.
 class GlobalQueue final : public DispatchQueue {
  public:
-  void async(Task task) override { startBackgroundThread(std::move(task)); }
+  void async(Task task) override {
+    startBackgroundThread([task = std::move(task)] {
+      const StartersSignals signals;
+      task();
+    });
+  }
 };
 
 const std::shared_ptr<MainQueue>& sharedMainQueue() {

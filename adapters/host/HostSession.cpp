@@ -12,7 +12,8 @@ HostSessionConfiguration withinBounds(HostSessionConfiguration configuration) {
   constexpr milliseconds longest = std::chrono::years(10);
   for (milliseconds* timeout : {&configuration.idleTimeout, &configuration.totalTimeout})
     *timeout = std::clamp(*timeout, milliseconds(1), longest);
-  configuration.connectionsPerHost = std::max<std::size_t>(configuration.connectionsPerHost, 1);
+  for (std::size_t* count : {&configuration.connectionsPerHost, &configuration.maximumConnections})
+    *count = std::max<std::size_t>(*count, 1);
   return configuration;
 }
 

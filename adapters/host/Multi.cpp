@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <climits>
 #include <fcntl.h>
-#include <limits>
+#include <iterator>
 #include <new>
+#include <thread>
 #include <unistd.h>
 
 #include "adapters/host/closeOnExec.h"
@@ -26,30 +29,41 @@ int curlEvents(const pollfd& socket) {
 
 }  // namespace
 
-Multi::Multi() : multi_(curl_multi_init()) {
-  if (!multi_) throw std::bad_alloc();
-  closeWakeUpOnExec(multi_.get());
-  if (std::array<int, 2> ends{}; openPipe(ends)) {
-    for (const int end : ends) fcntl(end, F_SETFL, O_NONBLOCK);
-    wakeReader_ = ends[0];
-    wakeWriter_ = ends[1];
-  }
-  watched_.push_back({wakeReader_, POLLIN, 0});
-
-  constexpr long keptAlive = 64;
-  curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, keptAlive);
-  curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETDATA, this);
-  curl_multi_setopt(
-      multi_.get(), CURLMOPT_SOCKETFUNCTION, +[](CURL*, curl_socket_t socket, int what, void* self, void*) {
-        return static_cast<Multi*>(self)->watch(socket, what);
-      });
-}
-
 Multi::~Multi() {
   multi_.reset();
   if (wakeReader_ < 0) return;
   close(wakeReader_);
   close(wakeWriter_);
+}
+
+bool Multi::add(CURL* handle) noexcept {
+  return (multi_ || open()) && curl_multi_add_handle(multi_.get(), handle) == CURLM_OK;
+}
+
+bool Multi::open() noexcept {
+  multi_.reset(curl_multi_init());
+  if (!multi_) return false;
+  const auto set = [this](auto option, auto value) { return curl_multi_setopt(multi_.get(), option, value); };
+  const auto connections = static_cast<long>(std::min<std::size_t>(maximumConnections_, INT_MAX));
+  set(CURLMOPT_MAXCONNECTS, connections);
+  set(CURLMOPT_MAX_TOTAL_CONNECTIONS, connections);
+  constexpr auto quickExit = static_cast<CURLMoption>(21);  // CURLMOPT_QUICK_EXIT, since curl 8.20.
+  set(quickExit, 1L);
+  const auto watch = +[](CURL*, curl_socket_t socket, int what, void* self, void*) {
+    return static_cast<Multi*>(self)->watch(socket, what);
+  };
+  const bool isWatching =
+      set(CURLMOPT_SOCKETDATA, this) == CURLM_OK && set(CURLMOPT_SOCKETFUNCTION, watch) == CURLM_OK;
+  if (!isWatching) multi_.reset();
+  return isWatching;
+}
+
+void Multi::openWakePipe() noexcept {
+  std::array<int, 2> ends{};
+  if (!openPipe(ends)) return;
+  for (const int end : ends) fcntl(end, F_SETFL, O_NONBLOCK);
+  wakeReader_ = watched_[0].fd = ends[0];
+  wakeWriter_ = ends[1];
 }
 
 /// Called from curl's own frames, which no exception may pass.
@@ -80,11 +94,17 @@ bool Multi::wait(Clock::time_point end) {
   long curls = -1;
   curl_multi_timeout(multi_.get(), &curls);
   const auto limit = curls < 0 ? own : std::min<milliseconds::rep>(own, curls);
-  // Without a pipe, for want of descriptors, whoever waits has to look now and then.
-  const milliseconds::rep longest = wakeReader_ < 0 ? 20 : std::numeric_limits<int>::max();
-  if (poll(watched_.data(), static_cast<nfds_t>(watched_.size()),
-           static_cast<int>(std::clamp<milliseconds::rep>(limit, 0, longest))) <= 0)
-    return false;
+  // Without a pipe, for want of descriptors, whoever waits has to look now and then. So it does where poll()
+  // fails.
+  constexpr milliseconds::rep aWhile = 20;
+  const milliseconds::rep longest = wakeReader_ < 0 ? aWhile : INT_MAX;
+  const auto timeout = std::clamp<milliseconds::rep>(limit, 0, longest);
+  const int changed = poll(watched_.data(), static_cast<nfds_t>(watched_.size()), static_cast<int>(timeout));
+  if (changed == 0 || (changed < 0 && errno == EINTR)) return false;
+  if (changed < 0) {
+    std::this_thread::sleep_for(milliseconds(std::min(timeout, aWhile)));
+    for (pollfd& watched : watched_) watched.revents = watched.events;
+  }
   if (watched_[0].revents != 0) {
     std::array<char, 64> wakes;
     static_cast<void>(!read(wakeReader_, wakes.data(), wakes.size()));
@@ -98,7 +118,9 @@ void Multi::wake() noexcept {
   static_cast<void>(!write(wakeWriter_, "", 1));  // Where the pipe is full, the wait returns anyway.
 }
 
-void Multi::act() {
+void Multi::act() noexcept {
+  if (!multi_) return;
+  if (wakeReader_ < 0) openWakePipe();
   int running = 0;
   if (ready_.empty()) curl_multi_socket_action(multi_.get(), CURL_SOCKET_TIMEOUT, 0, &running);
   // Whatever else is due is done along with a socket.
@@ -107,9 +129,9 @@ void Multi::act() {
   ready_.clear();
 }
 
-std::optional<Multi::Finished> Multi::nextFinished() {
+std::optional<Multi::Finished> Multi::nextFinished() noexcept {
   int left = 0;
-  const CURLMsg* message = curl_multi_info_read(multi_.get(), &left);
+  const CURLMsg* message = multi_ ? curl_multi_info_read(multi_.get(), &left) : nullptr;
   if (!message) return std::nullopt;
   return Finished{message->easy_handle, message->data.result};
 }

@@ -44,12 +44,30 @@ constexpr std::string_view sentence(SessionErrorCode code) noexcept {
   return {};
 }
 
+/// `verification` is by OpenSSL's numbers; with other TLS libraries every refusal is of an untrusted
+/// certificate.
+SessionErrorCode certificateError(long verification) noexcept {
+  switch (verification) {
+    case 9:  // X509_V_ERR_CERT_NOT_YET_VALID
+      return SessionErrorCode::serverCertificateNotYetValid;
+    case 10:  // X509_V_ERR_CERT_HAS_EXPIRED
+      return SessionErrorCode::serverCertificateHasBadDate;
+    case 19:  // X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN
+    case 20:  // X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY
+    case 21:  // X509_V_ERR_UNABLE_TO_VERIFY_LEAF_SIGNATURE
+      return SessionErrorCode::serverCertificateHasUnknownRoot;
+    default:
+      return SessionErrorCode::serverCertificateUntrusted;
+  }
+}
+
 }  // namespace
 
-SessionErrorCode sessionErrorCode(CURLcode result) noexcept {
+SessionErrorCode sessionErrorCode(CURLcode result, long verification) noexcept {
   constexpr int tooLarge = 100;  // CURLE_TOO_LARGE, since curl 8.6.
   switch (static_cast<int>(result)) {
     case CURLE_URL_MALFORMAT:
+    case CURLE_BAD_FUNCTION_ARGUMENT:  // A URL of more than 8 MB.
       return SessionErrorCode::badURL;
     case CURLE_OPERATION_TIMEDOUT:
       return SessionErrorCode::timedOut;
@@ -82,6 +100,7 @@ SessionErrorCode sessionErrorCode(CURLcode result) noexcept {
     case CURLE_USE_SSL_FAILED:
       return SessionErrorCode::secureConnectionFailed;
     case CURLE_PEER_FAILED_VERIFICATION:
+      return certificateError(verification);
     case CURLE_SSL_CACERT_BADFILE:
     case CURLE_SSL_ISSUER_ERROR:
       return SessionErrorCode::serverCertificateUntrusted;

@@ -28,7 +28,8 @@ enum class SessionErrorCode {
   clientCertificateRequired = -1206,
 };
 
-SessionErrorCode sessionErrorCode(CURLcode result) noexcept;
+/// Returns the code for what curl says. `verification` is its CURLINFO_SSL_VERIFYRESULT.
+SessionErrorCode sessionErrorCode(CURLcode result, long verification = 0) noexcept;
 
 /// Returns the error of that code, with its sentence for people under "NSLocalizedDescription", the URL under
 /// "NSErrorFailingURLStringKey" and `detail`, unless it is empty, under "NSDebugDescription".

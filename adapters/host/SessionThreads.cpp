@@ -1,5 +1,6 @@
 #include "adapters/host/SessionThreads.h"
 
+#include <system_error>
 #include <utility>
 
 #include "adapters/host/ExitGate.h"
@@ -21,13 +22,20 @@ void SessionThreads::start(URLRequest request, DataTaskHandler handler) {
   bool isWaiting = false;
   {
     const std::lock_guard lock(mutex_);
-    for (; threads_ < 2; ++threads_) startBackgroundThread([self = shared_from_this()] { self->run(); });
+    startThreads();
     inbox_.push_back({std::move(request), std::move(handler), Clock::now() + totalTimeout_});
     isNobodyTransferring = !isTransferring_;
     isWaiting = std::exchange(isWaiting_, false);
   }
   if (isNobodyTransferring) changed_.notify_one();
   if (isWaiting) engine_.wake();
+}
+
+/// Those that are missing.
+void SessionThreads::startThreads() try {
+  for (; threads_ < 2; ++threads_) startBackgroundThread([self = shared_from_this()] { self->run(); });
+} catch (const std::system_error&) {
+  if (threads_ == 0) throw;
 }
 
 void SessionThreads::cancelHandlers() {
@@ -49,9 +57,11 @@ void SessionThreads::close() {
 void SessionThreads::run() {
   Lock lock(mutex_);
   for (;;) {
-    if (!inbox_.empty() && !isTransferring_) {
+    const bool areCallsDue = !calls_.empty() && !isHandling_;
+    const bool areTransfersDue = !isTransferring_ && (!inbox_.empty() || !engine_.isIdle());
+    if (areTransfersDue && !(areCallsDue && threads_ == 1)) {
       carryOutTransfers(lock);
-    } else if (!calls_.empty() && !isHandling_) {
+    } else if (areCallsDue) {
       callHandlers(lock);
     } else if (isClosed_ && !isTransferring_ && !isHandling_) {
       break;
@@ -65,7 +75,7 @@ void SessionThreads::run() {
   if (isLast) engine_.letGo();
 }
 
-/// Until there are none.
+/// Until there are none, or a lone thread has handlers to call.
 void SessionThreads::carryOutTransfers(Lock& lock) {
   isTransferring_ = true;
   std::vector<DataTask> arrived;
@@ -82,6 +92,7 @@ void SessionThreads::carryOutTransfers(Lock& lock) {
     lock.lock();
     for (HandlerCall& call : due) calls_.push_back(std::move(call));
     due.clear();
+    if (threads_ == 1 && !calls_.empty()) break;
     if (isAnyOver || !inbox_.empty()) continue;
     isWaiting_ = true;
     const bool areCallsLeft = !calls_.empty() && !isHandling_;
@@ -103,6 +114,7 @@ void SessionThreads::callHandlers(Lock& lock) {
       calls_.pop_front();
       lock.unlock();
       const ExitGate::Pass pass(handlerGate());
+      const StartersSignals signals;
       std::exchange(call.handler, nullptr)(std::move(call.result));
     }
     lock.lock();

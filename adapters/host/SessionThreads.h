@@ -11,14 +11,17 @@
 
 namespace orvane {
 
-/// A session's two threads, and their two duties: to carry out the transfers, and to call the handlers, one after
-/// another in the order they come. Each duty is one thread's at a time, and either thread takes the one that waits.
+/// A session's two threads, and their two duties: to carry out the transfers, and to call the handlers, one
+/// after another in the order they come. Each duty is one thread's at a time, and either thread takes the one
+/// that waits.
 ///
-/// So a thread that has carried out the last transfer under way calls its handler itself, which saves waking another;
-/// should the handler take its time, a task that comes meanwhile finds the other thread. Where transfers go on, the
-/// other thread calls the handlers.
+/// So a thread that has carried out the last transfer under way calls its handler itself, which saves waking
+/// another; should the handler take its time, a task that comes meanwhile finds the other thread. Where
+/// transfers go on, the other thread calls the handlers.
 ///
-/// Both threads start with the first task, keep this alive, and end once it is closed and nothing is left to do.
+/// Both threads start with the first task, keep this alive, and end once it is closed and nothing is left to
+/// do. Where the system gives one alone, it has both duties, and calls handlers between its looks at the
+/// transfers.
 class SessionThreads : public std::enable_shared_from_this<SessionThreads> {
  public:
   explicit SessionThreads(HostSessionConfiguration configuration);
@@ -26,6 +29,7 @@ class SessionThreads : public std::enable_shared_from_this<SessionThreads> {
   SessionThreads& operator=(const SessionThreads&) = delete;
 
   // From any thread.
+  /// Throws std::system_error if the system gives no thread at all.
   void start(URLRequest request, DataTaskHandler handler);
   /// Drops the handlers that have not started.
   void cancelHandlers();
@@ -35,6 +39,7 @@ class SessionThreads : public std::enable_shared_from_this<SessionThreads> {
  private:
   using Lock = std::unique_lock<std::mutex>;
 
+  void startThreads();
   void run();
   void carryOutTransfers(Lock& lock);
   void callHandlers(Lock& lock);

@@ -15,8 +15,8 @@ namespace {
 
 constexpr const char* userAgent = "Orvane/1.0";
 
-/// Limits on all header lines of an exchange: interim replies, the reply, trailers. Below those of every curl, which keeps
-/// each line and counts with some versions.
+/// Limits on all header lines of an exchange: interim replies, the reply, trailers. Below those of every
+/// curl, which keeps each line and counts with some versions.
 constexpr std::size_t maximumHeaderSize = 256U << 10;  // In bytes.
 constexpr std::size_t maximumHeaderLines = 4000;
 
@@ -47,11 +47,15 @@ std::string headerLine(const HeaderField& field) {
 
 }  // namespace
 
+template <class Value>
+void Transfer::set(CURLoption option, Value value) {
+  const CURLcode result = curl_easy_setopt(handle(), option, value);
+  if (setUp_ == CURLE_OK) setUp_ = result;
+}
+
 Transfer::Transfer(const TransferSettings& settings)
     : settings_(settings), handle_(curl_easy_init()), task_{URLRequest(""), nullptr, {}} {
-  if (!handle_) throw std::bad_alloc();
   const HostSessionConfiguration& configuration = settings.configuration;
-  const auto set = [this](auto option, auto value) { curl_easy_setopt(handle(), option, value); };
   set(CURLOPT_NOSIGNAL, 1L);
   set(CURLOPT_QUICK_EXIT, 1L);
   set(CURLOPT_PROTOCOLS_STR, "http,https");
@@ -59,10 +63,14 @@ Transfer::Transfer(const TransferSettings& settings)
   set(CURLOPT_USERAGENT, userAgent);
   set(CURLOPT_ACCEPT_ENCODING, "");
   set(CURLOPT_COOKIEFILE, "");
-  set(CURLOPT_SHARE, settings.cookies);
+  set(CURLOPT_SHARE, settings.cookies ? settings.cookies->share() : nullptr);
   set(CURLOPT_CONNECT_TO, settings.reroutes.get());
   set(CURLOPT_PROXY, configuration.proxy.c_str());
   set(CURLOPT_NOPROXY, "");
+  if (!configuration.certificateAuthorities.empty()) {
+    set(CURLOPT_CAINFO, configuration.certificateAuthorities.c_str());
+    set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+  }
   // Time-outs are the engine's, across redirects. By this one curl divides the time among a host's addresses.
   set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(std::min<std::chrono::milliseconds::rep>(
                                      configuration.idleTimeout.count(), std::numeric_limits<int>::max())));
@@ -100,7 +108,7 @@ Transfer::Transfer(const TransferSettings& settings)
       });
 }
 
-void Transfer::prepare(DataTask&& task, const Clock::time_point& now) {
+CURLcode Transfer::prepare(DataTask&& task, const Clock::time_point& now) {
   task_ = std::move(task);
   now_ = &now;
   lastActivity_ = now;
@@ -112,9 +120,10 @@ void Transfer::prepare(DataTask&& task, const Clock::time_point& now) {
   isTooLarge_ = false;
   body_.clear();
   errorText_[0] = '\0';
-  curl_easy_setopt(handle(), CURLOPT_URL, wireURL(task_.request.url()).c_str());
+  set(CURLOPT_URL, wireURL(task_.request.url()).c_str());
   setMethodAndBody();
   setHeaders();
+  return setUp_;
 }
 
 void Transfer::setMethodAndBody() {
@@ -126,21 +135,19 @@ void Transfer::setMethodAndBody() {
   constexpr std::uint64_t greatest = std::numeric_limits<curl_off_t>::max();
   const auto limit =
       isHead ? unlimited : std::min<std::uint64_t>(settings_.configuration.maximumBodySize, greatest);
-  curl_easy_setopt(handle(), CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limit));
+  set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limit));
   if ((body && !isHead) || method == "POST") {
     static constexpr char nothing[] = "";
     const bool isEmpty = !body || body->empty();
-    curl_easy_setopt(handle(), CURLOPT_POST, 1L);
-    curl_easy_setopt(handle(), CURLOPT_POSTFIELDSIZE_LARGE,
-                     static_cast<curl_off_t>(isEmpty ? 0 : body->size()));
-    curl_easy_setopt(handle(), CURLOPT_POSTFIELDS,
-                     isEmpty ? static_cast<const void*>(nothing) : body->data());
+    set(CURLOPT_POST, 1L);
+    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(isEmpty ? 0 : body->size()));
+    set(CURLOPT_POSTFIELDS, isEmpty ? static_cast<const void*>(nothing) : body->data());
   } else {
-    curl_easy_setopt(handle(), CURLOPT_HTTPGET, 1L);
-    if (isHead) curl_easy_setopt(handle(), CURLOPT_NOBODY, 1L);
+    set(CURLOPT_HTTPGET, 1L);
+    if (isHead) set(CURLOPT_NOBODY, 1L);
   }
   const bool isImplied = method == "POST" || isHead || (method == "GET" && !body);
-  curl_easy_setopt(handle(), CURLOPT_CUSTOMREQUEST, isImplied ? nullptr : method.c_str());
+  set(CURLOPT_CUSTOMREQUEST, isImplied ? nullptr : method.c_str());
 }
 
 void Transfer::setHeaders() {
@@ -153,8 +160,16 @@ void Transfer::setHeaders() {
   headers_.clear();
   headers_.append("Expect:");  // No pause before a large body.
   if (!hasBody && !request.value("Content-Type")) headers_.append("Content-Type:");
-  for (const HeaderField& field : fieldsInHeaders_) headers_.append(headerLine(field));
-  curl_easy_setopt(handle(), CURLOPT_HTTPHEADER, headers_.get());
+  const char* cookie = nullptr;  // Apart: curl puts it into one line with those of the jar.
+  for (const HeaderField& field : fieldsInHeaders_) {
+    if (equalIgnoringCase(field.name, "Cookie")) {
+      cookie = field.value.c_str();
+    } else {
+      headers_.append(headerLine(field));
+    }
+  }
+  set(CURLOPT_COOKIE, cookie);
+  set(CURLOPT_HTTPHEADER, headers_.get());
 }
 
 /// Called from curl's own frames, which no exception may pass.
@@ -183,6 +198,9 @@ std::size_t Transfer::takeHeaderLine(std::string_view line) noexcept {
   lastActivity_ = *now_;
   if (line.starts_with("HTTP/")) isHeaderWhole_ = false;
   if (line == "\r\n" || line == "\n") isHeaderWhole_ = true;
+  constexpr std::string_view cookie = "Set-Cookie:";
+  if (settings_.cookies && equalIgnoringCase(line.substr(0, cookie.size()), cookie))
+    settings_.cookies->note(line.size());
   headerSize_ += line.size();
   isTooLarge_ = headerSize_ > maximumHeaderSize || ++headerLines_ > maximumHeaderLines;
   return isTooLarge_ ? 0 : line.size();
@@ -205,7 +223,10 @@ DataTaskResult Transfer::finish(CURLcode result) {
   // curl takes a header that is cut within a line for a reply without a body.
   if (result == CURLE_OK && !isHeaderWhole_) result = CURLE_PARTIAL_FILE;
   if (result == CURLE_OK) return {std::move(body), HTTPResponse{statusCode()}, nullptr};
-  const SessionErrorCode code = isTooLarge_ ? SessionErrorCode::dataTooLarge : sessionErrorCode(result);
+  long verification = 0;
+  curl_easy_getinfo(handle(), CURLINFO_SSL_VERIFYRESULT, &verification);
+  const SessionErrorCode code =
+      isTooLarge_ ? SessionErrorCode::dataTooLarge : sessionErrorCode(result, verification);
   const char* const detail = errorText_[0] != '\0' ? errorText_.data() : curl_easy_strerror(result);
   return {std::nullopt, std::nullopt, makeSessionError(code, task_.request.url(), detail)};
 }

@@ -2,11 +2,14 @@
 
 #include <array>
 #include <chrono>
+#include <cstddef>
 #include <curl/curl.h>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "adapters/host/CookieJar.h"
 #include "adapters/host/Multi.h"
 #include "adapters/host/Slist.h"
 #include "orvane/host/HostSession.h"
@@ -24,7 +27,7 @@ struct DataTask {
 /// What all transfers of a session have in common.
 struct TransferSettings {
   HostSessionConfiguration configuration;
-  CURLSH* cookies = nullptr;
+  CookieJar* cookies = nullptr;
   Slist reroutes = {};
 };
 
@@ -40,9 +43,12 @@ class Transfer {
   DataTask takeTask() noexcept { return std::move(task_); }
 
   /// Prepares the handle for `task`. `now` is the clock by which activity is dated; it outlives the transfer.
-  void prepare(DataTask&& task, const Clock::time_point& now);
+  /// A transfer for which this, or its constructor, cannot set all options up is of no further use: returns
+  /// the first failure.
+  CURLcode prepare(DataTask&& task, const Clock::time_point& now);
 
-  /// When the transfer has to be given up, unless a byte of a body or a whole header line comes or goes before.
+  /// When the transfer has to be given up, unless a byte of a body or a whole header line comes or goes
+  /// before.
   Clock::time_point end() const noexcept;
 
   /// What the exchange came to, when curl has said `result`. Takes the body.
@@ -57,6 +63,8 @@ class Transfer {
     void operator()(CURL* handle) const noexcept { curl_easy_cleanup(handle); }
   };
 
+  template <class Value>
+  void set(CURLoption option, Value value);
   void setMethodAndBody();
   void setHeaders();
   std::size_t take(const char* bytes, std::size_t size) noexcept;
@@ -66,6 +74,7 @@ class Transfer {
   const TransferSettings& settings_;
   std::unique_ptr<CURL, HandleDeleter> handle_;
   std::array<char, CURL_ERROR_SIZE> errorText_{};
+  CURLcode setUp_ = CURLE_OK;
   DataTask task_;
   Slist headers_;
   std::vector<HeaderField> fieldsInHeaders_;  // From which they were made.

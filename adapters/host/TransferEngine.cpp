@@ -16,6 +16,9 @@ namespace {
 /// How many destinations stay known while there are no tasks for them.
 constexpr std::size_t keptDestinations = 8;
 
+/// How long a destination keeps the connections that it was given, while others wait for them.
+constexpr std::chrono::milliseconds turn(100);
+
 void initialiseCurl() {
   static const CURLcode result = [] {
     const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
@@ -25,13 +28,9 @@ void initialiseCurl() {
   if (result != CURLE_OK) throw std::bad_alloc();
 }
 
-CURLSH* makeCookieShare() {
+std::unique_ptr<CookieJar> makeCookieJar() {
   initialiseCurl();
-  CURLSH* share = curl_share_init();
-  if (!share) throw std::bad_alloc();
-  // One thread alone uses it: no locking functions.
-  curl_share_setopt(share, CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
-  return share;
+  return std::make_unique<CookieJar>();
 }
 
 void appendAddress(std::string& line, const std::string& host, std::uint16_t port) {
@@ -62,15 +61,10 @@ std::string destinationKey(const URLParts& parts) {
 }  // namespace
 
 TransferEngine::TransferEngine(HostSessionConfiguration configuration)
-    : cookies_(makeCookieShare()),
+    : cookies_(makeCookieJar()),
       settings_{std::move(configuration), cookies_.get()},
-      multi_(std::make_unique<Multi>()) {
+      multi_(std::make_unique<Multi>(settings_.configuration.maximumConnections)) {
   settings_.reroutes = makeReroutes(settings_.configuration.reroutes);
-}
-
-bool TransferEngine::isIdle() const noexcept {
-  return running_.empty() && std::all_of(destinations_.begin(), destinations_.end(),
-                                         [](const auto& place) { return place.second.waiting.empty(); });
 }
 
 bool TransferEngine::act(std::vector<HandlerCall>& due) {
@@ -95,7 +89,7 @@ void TransferEngine::letGo() {
   const ExitGate::Pass pass(curlGate());
   idle_.clear();
   multi_.reset();
-  cookies_.reset();
+  cookies_->close();
 }
 
 void TransferEngine::add(DataTask&& task) {
@@ -105,28 +99,60 @@ void TransferEngine::add(DataTask&& task) {
   } else if (parts.host.empty() || task.request.url().find('\0') != std::string::npos) {
     fail(std::move(task), SessionErrorCode::badURL);
   } else {
-    std::deque<DataTask>& waiting = destinations_[destinationKey(parts)].waiting;
+    const auto destination = destinations_.try_emplace(destinationKey(parts)).first;
+    std::deque<DataTask>& waiting = destination->second.waiting;
     // A task that was redirected is older than those which have come meanwhile.
     const auto place =
         std::upper_bound(waiting.begin(), waiting.end(), task,
                          [](const DataTask& a, const DataTask& b) { return a.deadline < b.deadline; });
+    nextDeadline_ = std::min(nextDeadline_, task.deadline);
     waiting.insert(place, std::move(task));
+    ++waiting_;
+    queueUp(destination);
+  }
+}
+
+/// Lets the destination have a turn, if it can use one. Forgets it if it has nothing to do.
+void TransferEngine::queueUp(Destinations::iterator place) {
+  Destination& destination = place->second;
+  if (destination.isInTurn) return;
+  if (!destination.waiting.empty() && destination.running < settings_.configuration.connectionsPerHost) {
+    turns_.push_back(place);
+    destination.isInTurn = true;
+  } else if (destination.waiting.empty() && destination.running == 0 &&
+             destinations_.size() > keptDestinations) {
+    destinations_.erase(place);
   }
 }
 
 void TransferEngine::admitWaiting() {
-  for (auto place = destinations_.begin(); place != destinations_.end(); ++place) {
-    Destination& destination = place->second;
-    while (!destination.waiting.empty() && destination.running < settings_.configuration.connectionsPerHost) {
-      if (idle_.empty()) idle_.push_back(std::make_unique<Transfer>(settings_));
-      Transfer& transfer = *idle_.back();
-      running_.push_back({std::move(idle_.back()), place});
-      idle_.pop_back();
-      transfer.prepare(std::move(destination.waiting.front()), now_);
-      destination.waiting.pop_front();
-      ++destination.running;
-      multi_->add(transfer.handle());
-    }
+  while (!turns_.empty() && running_.size() < settings_.configuration.maximumConnections) {
+    const auto place = turns_.front();
+    turns_.pop_front();
+    place->second.isInTurn = false;
+    place->second.turnEnd = now_ + turn;
+    if (!place->second.waiting.empty()) begin(place);
+    queueUp(place);
+  }
+}
+
+/// Begins the destination's oldest task.
+void TransferEngine::begin(Destinations::iterator place) {
+  Destination& destination = place->second;
+  DataTask task = std::move(destination.waiting.front());
+  destination.waiting.pop_front();
+  --waiting_;
+  if (idle_.empty()) idle_.push_back(std::make_unique<Transfer>(settings_));
+  std::unique_ptr<Transfer> transfer = std::move(idle_.back());
+  idle_.pop_back();
+  leastIdle_ = std::min(leastIdle_, idle_.size());
+  if (const CURLcode result = transfer->prepare(std::move(task), now_); result != CURLE_OK) {
+    fail(transfer->takeTask(), sessionErrorCode(result), curl_easy_strerror(result));
+  } else if (!multi_->add(transfer->handle())) {
+    fail(transfer->takeTask(), SessionErrorCode::cannotConnectToHost, "No memory or descriptor is free");
+  } else {
+    running_.push_back({std::move(transfer), place});
+    ++destination.running;
   }
 }
 
@@ -136,23 +162,21 @@ void TransferEngine::giveUpOverdue() {
     if (running.transfer->end() <= now_) overdue.push_back(running.transfer.get());
   }
   for (Transfer* transfer : overdue) finish(*transfer, CURLE_OPERATION_TIMEDOUT);
-  for (auto place = destinations_.begin(); place != destinations_.end();) {
-    std::deque<DataTask>& waiting = place->second.waiting;
-    while (!waiting.empty() && waiting.front().deadline <= now_) {
+  if (now_ < nextDeadline_) return;
+  nextDeadline_ = Clock::time_point::max();
+  for (auto& [key, destination] : destinations_) {
+    std::deque<DataTask>& waiting = destination.waiting;
+    for (; !waiting.empty() && waiting.front().deadline <= now_; --waiting_) {
       fail(std::move(waiting.front()), SessionErrorCode::timedOut);
       waiting.pop_front();
     }
-    const bool isIdle = waiting.empty() && place->second.running == 0;
-    place = isIdle && destinations_.size() > keptDestinations ? destinations_.erase(place) : std::next(place);
+    if (!waiting.empty()) nextDeadline_ = std::min(nextDeadline_, waiting.front().deadline);
   }
 }
 
 void TransferEngine::wait() {
-  Clock::time_point next = now_ + std::chrono::hours(1);
+  Clock::time_point next = std::min(now_ + std::chrono::hours(1), nextDeadline_);
   for (const Running& running : running_) next = std::min(next, running.transfer->end());
-  for (const auto& [key, destination] : destinations_) {
-    if (!destination.waiting.empty()) next = std::min(next, destination.waiting.front().deadline);
-  }
   multi_->wait(next);
 }
 
@@ -161,7 +185,12 @@ void TransferEngine::finish(Transfer& transfer, CURLcode curlResult) {
   const std::string location(curlResult == CURLE_OK ? transfer.redirectLocation() : "");
   DataTaskResult result = transfer.finish(curlResult);
   DataTask task = transfer.takeTask();
-  release(transfer);
+  cookies_->keepWithinBounds(transfer.handle());
+  const auto place = release(transfer);
+  // The connection serves its host as long as that one's turn lasts: another host would need a new one.
+  const bool isItsTurn = curlResult == CURLE_OK && now_ < place->second.turnEnd;
+  if (isItsTurn && !place->second.waiting.empty()) begin(place);
+  queueUp(place);
   if (location.empty()) {
     report(std::move(task), std::move(result));
   } else {
@@ -169,15 +198,21 @@ void TransferEngine::finish(Transfer& transfer, CURLcode curlResult) {
   }
 }
 
-/// Keeps the transfer for a later task.
-void TransferEngine::release(const Transfer& transfer) {
-  const auto place = std::find_if(running_.begin(), running_.end(), [&](const Running& running) {
-    return running.transfer.get() == &transfer;
-  });
+/// Keeps the transfer for a later task, as long as so many are needed. Returns where it went.
+TransferEngine::Destinations::iterator TransferEngine::release(const Transfer& transfer) {
+  const auto running = std::find_if(running_.begin(), running_.end(),
+                                    [&](const Running& each) { return each.transfer.get() == &transfer; });
+  const Destinations::iterator place = running->destination;
   multi_->remove(transfer.handle());
-  --place->destination->second.running;
-  idle_.push_back(std::move(place->transfer));
-  running_.erase(place);
+  --place->second.running;
+  idle_.push_back(std::move(running->transfer));
+  running_.erase(running);
+  if (++released_ > idle_.size() + running_.size()) {
+    idle_.erase(idle_.begin(), idle_.begin() + static_cast<std::ptrdiff_t>(leastIdle_));
+    leastIdle_ = idle_.size();
+    released_ = 0;
+  }
+  return place;
 }
 
 void TransferEngine::follow(DataTask&& task, int statusCode, const std::string& location) {
@@ -199,8 +234,8 @@ void TransferEngine::report(DataTask&& task, DataTaskResult result) {
   due_.push_back({std::move(task.handler), std::move(result)});
 }
 
-void TransferEngine::fail(DataTask&& task, SessionErrorCode code) {
-  ErrorPtr error = makeSessionError(code, task.request.url());
+void TransferEngine::fail(DataTask&& task, SessionErrorCode code, std::string_view detail) {
+  ErrorPtr error = makeSessionError(code, task.request.url(), detail);
   report(std::move(task), {std::nullopt, std::nullopt, std::move(error)});
 }
 

@@ -1,12 +1,14 @@
 #pragma once
 
-#include <curl/curl.h>
+#include <cstddef>
 #include <deque>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "adapters/host/CookieJar.h"
 #include "adapters/host/Multi.h"
 #include "adapters/host/SessionError.h"
 #include "adapters/host/Transfer.h"
@@ -20,10 +22,11 @@ struct HandlerCall {
   DataTaskResult result;
 };
 
-/// Carries out a session's tasks. Used by one thread at a time, but for wake().
+/// Carries out a session's tasks. Not thread-safe, except wake().
 ///
 /// curl slows down with the number of transfers it holds, and each takes much memory: so it is only given
-/// those which have a connection to use, and the others wait here as plain records.
+/// those which have a connection to use, and the others wait here as plain records. Destinations take turns
+/// at the connections.
 class TransferEngine {
  public:
   explicit TransferEngine(HostSessionConfiguration configuration);
@@ -32,8 +35,8 @@ class TransferEngine {
 
   void add(DataTask&& task);
 
-  /// Does what can be done now, and puts what is over into `due`, which is empty. Whether anything was over: then there
-  /// may be more to do.
+  /// Does what can be done now, and puts what is over into `due`, which is empty. Whether anything was over:
+  /// then there may be more to do.
   bool act(std::vector<HandlerCall>& due);
 
   /// Whether there is something to do now.
@@ -43,20 +46,19 @@ class TransferEngine {
   /// Lets the present wait() return, or the next one.
   void wake() noexcept { multi_->wake(); }
 
-  bool isIdle() const noexcept;
+  bool isIdle() const noexcept { return running_.empty() && waiting_ == 0; }
 
-  /// Lets go of curl, for good. Here and not in the destructor, which may run on a thread that must not wait for ever.
+  /// Lets go of curl, for good. Here and not in the destructor, which may run on a thread that must not wait
+  /// for ever.
   void letGo();
 
  private:
-  struct ShareDeleter {
-    void operator()(CURLSH* share) const noexcept { curl_share_cleanup(share); }
-  };
-
   /// The tasks for one scheme, host and port.
   struct Destination {
     std::size_t running = 0;
     std::deque<DataTask> waiting;  // By deadline, the earliest first.
+    bool isInTurn = false;         // In `turns_`.
+    Clock::time_point turnEnd;
   };
   using Destinations = std::map<std::string, Destination, std::less<>>;
 
@@ -65,22 +67,29 @@ class TransferEngine {
     Destinations::iterator destination;
   };
 
+  void queueUp(Destinations::iterator place);
   void admitWaiting();
+  void begin(Destinations::iterator place);
   void giveUpOverdue();
   void finish(Transfer& transfer, CURLcode result);
-  void release(const Transfer& transfer);
+  Destinations::iterator release(const Transfer& transfer);
   void follow(DataTask&& task, int statusCode, const std::string& location);
   void report(DataTask&& task, DataTaskResult result);
-  void fail(DataTask&& task, SessionErrorCode code);
+  void fail(DataTask&& task, SessionErrorCode code, std::string_view detail = {});
 
-  std::unique_ptr<CURLSH, ShareDeleter> cookies_;
+  const std::unique_ptr<CookieJar> cookies_;
   TransferSettings settings_;
   std::unique_ptr<Multi> multi_;
 
   Clock::time_point now_;
   Destinations destinations_;
+  std::deque<Destinations::iterator> turns_;  // Those that can use a connection, in the order they get one.
+  std::size_t waiting_ = 0;                   // Tasks, at all destinations.
+  Clock::time_point nextDeadline_ = Clock::time_point::max();  // No task that waits has an earlier one.
   std::vector<Running> running_;
-  std::vector<std::unique_ptr<Transfer>> idle_;
+  std::vector<std::unique_ptr<Transfer>> idle_;  // The one used last at the end.
+  std::size_t leastIdle_ = 0;                    // How many were never needed since `released_` was 0.
+  std::size_t released_ = 0;
   std::vector<HandlerCall> due_;
   bool redirectedAny_ = false;  // Since the last look into the waiting ones.
 };

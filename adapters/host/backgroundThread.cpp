@@ -2,11 +2,16 @@
 
 #include <csignal>
 #include <thread>
+#include <utility>
 
 namespace orvane {
 namespace {
 
-/// While it lives, the calling thread takes no signals but those of its own faults; a thread that it starts never does.
+/// On a background thread; on others nothing is blocked, and nobody asks.
+thread_local sigset_t startersMask{};
+
+/// While it lives, the calling thread takes no signals but those of its own faults; a thread that it starts
+/// never does.
 class SignalsBlocked {
  public:
   SignalsBlocked() {
@@ -18,6 +23,7 @@ class SignalsBlocked {
   SignalsBlocked(const SignalsBlocked&) = delete;
   SignalsBlocked& operator=(const SignalsBlocked&) = delete;
   ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+  const sigset_t& before() const noexcept { return before_; }
 
  private:
   sigset_t before_{};
@@ -27,7 +33,19 @@ class SignalsBlocked {
 
 void startBackgroundThread(std::function<void()> body) {
   const SignalsBlocked blocked;
-  std::thread(std::move(body)).detach();
+  std::thread([body = std::move(body), mask = blocked.before()]() mutable {
+    startersMask = mask;
+    sigaddset(&startersMask, SIGPIPE);
+    body();
+  }).detach();
+}
+
+StartersSignals::StartersSignals() noexcept {
+  pthread_sigmask(SIG_SETMASK, &startersMask, &before_);
+}
+
+StartersSignals::~StartersSignals() {
+  pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
 }  // namespace orvane

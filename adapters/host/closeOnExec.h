@@ -11,8 +11,4 @@ curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address) noexcept;
 /// Two ends of a pipe that no child process inherits. Whether there is one.
 bool openPipe(std::array<int, 2>& ends) noexcept;
 
-/// Keeps from child processes the wake-up sockets that a multi handle has, whether it needs them or not. Nobody else uses
-/// the handle yet. Linux alone.
-void closeWakeUpOnExec(CURLM* multi);
-
 }  // namespace orvane

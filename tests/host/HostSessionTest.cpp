@@ -1,23 +1,48 @@
 #include <atomic>
+#include <climits>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <malloc.h>
+#include <set>
 #include <sys/resource.h>
+#include <system_error>
+#include <tuple>
+#include <unistd.h>
 #include <zlib.h>
 
 #include "orvane/host/HostSession.h"
+#include "orvane/network/HTTPSUpgradeSession.h"
 #include "tests/support/LoopbackServer.h"
+#include "tests/support/TLSServer.h"
 #include "tests/support/perform.h"
 
 namespace orvane {
+
+// The linker puts the second in the place of the first, so that a test can say how many threads there are to be had.
+void threadOfTheSystem(std::function<void()> body) __asm__("__real_" START_BACKGROUND_THREAD);
+void threadOfTheTest(std::function<void()> body) __asm__("__wrap_" START_BACKGROUND_THREAD);
+
+namespace {
+std::atomic<int> threadsLeft = INT_MAX;
+}
+
+void threadOfTheTest(std::function<void()> body) {
+  if (threadsLeft == 0)
+    throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+  --threadsLeft;
+  threadOfTheSystem(std::move(body));
+}
+
 namespace {
 
+using test::Certificate;
 using test::LoopbackServer;
 using test::Outcome;
 using test::perform;
 using test::reply;
 using test::start;
+using test::TLSServer;
 using Then = LoopbackServer::Then;
 using Answer = LoopbackServer::Answer;
 using Request = LoopbackServer::Request;
@@ -271,17 +296,91 @@ TEST(HostSession, ASlowHandlerDelaysHandlersAndNoTransfer) {
   EXPECT_FALSE(wasSlow.get_future().get());
 }
 
-TEST(HostSession, NeedsNoDescriptorToBeMade) {
+/// While it lives, the process may have so many descriptors.
+class DescriptorLimit {
+ public:
+  explicit DescriptorLimit(rlim_t limit) {
+    getrlimit(RLIMIT_NOFILE, &before_);
+    const rlimit now{limit, before_.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &now);
+  }
+  ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &before_); }
+
+ private:
+  rlimit before_{};
+};
+
+TEST(HostSession, RecoversFromAWantOfDescriptors) {
   LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
-  rlimit before{};
-  getrlimit(RLIMIT_NOFILE, &before);
-  const rlimit none{0, before.rlim_max};
-  setrlimit(RLIMIT_NOFILE, &none);
-  HostSession session;
-  setrlimit(RLIMIT_NOFILE, &before);
-  std::future<Outcome> first = start(session, URLRequest(server.url()));
+  std::unique_ptr<HostSession> session;
+  {
+    const DescriptorLimit none(0);
+    session = std::make_unique<HostSession>();
+    EXPECT_EQ(perform(*session, URLRequest(server.url())), "error -1004");
+  }
+  EXPECT_EQ(perform(*session, URLRequest(server.url())), "ok");
+}
+
+TEST(HostSession, GoesOnWherePollFails) {
+  LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
+  HostSession session({.idleTimeout = std::chrono::seconds(5)});
   EXPECT_EQ(perform(session, URLRequest(server.url())), "ok");
-  EXPECT_EQ(first.get().text(), "ok");
+  const DescriptorLimit one(1);  // For poll() also a limit on how many it takes.
+  EXPECT_EQ(perform(session, URLRequest(server.url())), "ok");
+}
+
+TEST(HostSession, WorksOnTheThreadsThereAre) {
+  LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
+  for (int threads : {0, 1}) {
+    HostSession session;
+    threadsLeft = threads;
+    std::vector<std::future<Outcome>> outcomes;
+    if (threads == 0) {
+      EXPECT_THROW(perform(session, URLRequest(server.url())), std::system_error);
+    } else {
+      for (int i = 0; i < 20; ++i) outcomes.push_back(start(session, URLRequest(server.url())));
+    }
+    for (std::future<Outcome>& outcome : outcomes) EXPECT_EQ(outcome.get().text(), "ok");
+    threadsLeft = INT_MAX;
+    EXPECT_EQ(perform(session, URLRequest(server.url())), "ok");
+  }
+}
+
+TEST(HostSession, FailsWhatItCannotSetUp) {
+  LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
+  HostSession session;
+  EXPECT_EQ(perform(session, URLRequest(server.url())), "ok");
+  EXPECT_EQ(perform(session, URLRequest(server.url(std::string(9 << 20, 'x')))), "error -1000");
+  EXPECT_EQ(server.requests().size(), 1U);
+}
+
+TEST(HostSession, SharesItsConnectionsAmongHosts) {
+  constexpr std::size_t hosts = 100;
+  constexpr std::size_t limit = 8;
+  LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
+  HostSessionConfiguration configuration{.maximumConnections = limit};
+  for (std::size_t i = 0; i < hosts; ++i)
+    configuration.reroutes.push_back({"host" + std::to_string(i), 80, "127.0.0.1", server.port()});
+  HostSession session(configuration);
+  const auto descriptors = [] {
+    const std::filesystem::directory_iterator open("/proc/self/fd");
+    return static_cast<std::size_t>(std::distance(begin(open), end(open)));
+  };
+  const std::size_t before = descriptors();
+  std::size_t most = 0;
+  std::atomic<std::size_t> good = 0;
+  std::promise<void> all;
+  for (std::size_t i = 0; i < 3 * hosts; ++i) {
+    session.startDataTask(URLRequest("http://host" + std::to_string(i % hosts)), [&](const auto& result) {
+      most = std::max(most, descriptors());
+      if (!result.error && ++good == 3 * hosts) all.set_value();
+    });
+  }
+  all.get_future().wait();
+  EXPECT_LE(most, before + 2 * limit + 6);  // Both ends are here.
+  std::set<int> connections;
+  for (const Request& request : server.requests()) connections.insert(request.connection);
+  EXPECT_LT(connections.size(), 2 * hosts);  // A host that has its turn keeps its connection.
 }
 
 TEST(HostSession, ForgetsAndFindsHosts) {
@@ -331,15 +430,63 @@ TEST(HostSession, NeverSendsAPostTwiceByItself) {
   }
 }
 
-TEST(HostSession, KeepsCookiesToItself) {
-  LoopbackServer server([](const Request&) { return Answer{reply("", "Set-Cookie: a=b\r\n")}; });
+TEST(HostSession, KeepsCookiesToItselfAndWithinBounds) {
+  int fresh = 0;
+  LoopbackServer server([&](const Request& request) {
+    std::string cookies = "Set-Cookie: a=b\r\n";
+    for (int i = 0; i < 45 && request.head.starts_with("GET /many"); ++i)
+      cookies += "Set-Cookie: c" + std::to_string(++fresh) + "=d\r\n";
+    return Answer{reply("", cookies)};
+  });
   HostSession session;
   HostSession other;
-  perform(session, URLRequest(server.url()));
-  perform(session, URLRequest(server.url()));
-  EXPECT_TRUE(server.requests().back().hasLine("Cookie: a=b"));
-  perform(other, URLRequest(server.url()));
-  EXPECT_FALSE(server.requests().back().hasLine("Cookie: a=b"));
+  const auto cookieLine = [&](HostSession& by, const char* path) {
+    URLRequest request(server.url(path));
+    request.addValue("own=1", "cookie");
+    EXPECT_EQ(perform(by, request), "");
+    std::string head = server.requests().back().head + "\r\n";
+    head.erase(0, head.find("\r\nCookie: ") + 2);
+    EXPECT_EQ(head.find("ookie: ", 2), head.npos);  // One line alone.
+    return head.substr(0, head.find("\r\n"));
+  };
+  EXPECT_EQ(cookieLine(session, "/"), "Cookie: own=1");
+  for (int i = 0; i < 400; ++i) EXPECT_EQ(cookieLine(session, "/"), "Cookie: a=b; own=1");
+  int emptied = 0;
+  for (int i = 0; i < 8; ++i) emptied += cookieLine(session, "/many") == "Cookie: own=1" ? 1 : 0;
+  EXPECT_EQ(emptied, 1);
+  EXPECT_EQ(cookieLine(other, "/"), "Cookie: own=1");
+}
+
+TEST(HostSession, ChecksCertificates) {
+  const std::string name = "service.example";
+  const std::string file = testing::TempDir() + "authority-" + std::to_string(::getpid()) + ".pem";
+  const Certificate authority("authority");
+  authority.write(file);
+  const Certificate stranger("stranger");
+  const Certificate good(name, &authority), expired(name, &authority, -2, -1), early(name, &authority, 1, 2);
+  const Certificate wrongName("other.example", &authority), selfSigned(name), strange(name, &stranger);
+  const auto session = [&](std::uint16_t port, const std::string& authorities) {
+    HostSessionConfiguration configuration{.reroutes = {{name, 443, "127.0.0.1", port}},
+                                           .certificateAuthorities = authorities};
+    return HTTPSUpgradeSession(std::make_shared<HostSession>(configuration), {name});
+  };
+  const std::string back = reply("", "Location: http://service.example/\r\n", "302 Back");
+  const std::tuple<const Certificate*, std::string, std::string> rows[] = {
+      {&good, reply("ok"), "ok"},      {&good, back, "error -1002"},
+      {&expired, "", "error -1201"},   {&early, "", "error -1204"},
+      {&wrongName, "", "error -1202"}, {&selfSigned, "", "error -1202"},
+      {&strange, "", "error -1203"},   {nullptr, reply("plain"), "error -1200"}};
+  for (const auto& [certificate, answer, expected] : rows) {
+    const TLSServer server(certificate, answer);
+    auto upgrading = session(server.port(), file);
+    EXPECT_EQ(perform(upgrading, URLRequest("http://" + name + "/")), expected);
+  }
+  const TLSServer server(&good, reply("ok"));
+  auto systems = session(server.port(), "");
+  EXPECT_EQ(perform(systems, URLRequest("https://" + name + "/")), "error -1203");
+  auto none = session(server.port(), file + ".absent");
+  EXPECT_EQ(perform(none, URLRequest("https://" + name + "/")), "error -1202");
+  std::filesystem::remove(file);
 }
 
 }  // namespace

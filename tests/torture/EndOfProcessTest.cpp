@@ -4,9 +4,12 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <curl/curl.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <future>
 #include <gtest/gtest.h>
+#include <initializer_list>
 #include <set>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -86,15 +89,38 @@ TEST(ChildProcess, InheritsNoDescriptor) {
   session.startDataTask(URLRequest(server.url("/hold")), nullptr);
   session.startDataTask(URLRequest("https" + server.url("/").substr(4)), nullptr);
   for (int i = 0; i < 20; ++i) EXPECT_EQ(perform(session, URLRequest(server.url())), "");
+  // Before 8.8 curl has two for a wake-up of its own, which it does not close in children.
+  int inherited = curl_version_info(CURLVERSION_NOW)->version_num < 0x080800 ? 2 : 0;
   int own = 0;
   for (const int descriptor : descriptors()) {
     const int flags = ::fcntl(descriptor, F_GETFD);
     if (flags < 0 || before.count(descriptor) > 0) continue;
-    EXPECT_TRUE(flags & FD_CLOEXEC) << std::filesystem::read_symlink("/proc/self/fd/" +
-                                                                     std::to_string(descriptor));
     ++own;
+    if ((flags & FD_CLOEXEC) == 0) --inherited;
   }
+  EXPECT_GE(inherited, 0);
   EXPECT_GE(own, 4);  // Two to wake up by, two connections at least.
+}
+
+TEST(ChildProcess, InheritsTheSignalMaskOfTheApplication) {
+  const auto mask = [](std::initializer_list<int> signals, int how) {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int signal : signals) sigaddset(&set, signal);
+    pthread_sigmask(how, &set, nullptr);
+  };
+  mask({SIGUSR1}, SIG_BLOCK);
+  HostSession session;
+  sigset_t inHandler;
+  std::promise<void> done;
+  session.startDataTask(URLRequest("nowhere"), [&](const auto&) {
+    pthread_sigmask(SIG_SETMASK, nullptr, &inHandler);
+    done.set_value();
+  });
+  done.get_future().wait();
+  mask({SIGUSR1}, SIG_UNBLOCK);
+  for (int signal = 1; signal < SIGRTMIN; ++signal)
+    EXPECT_EQ(sigismember(&inHandler, signal) == 1, signal == SIGUSR1 || signal == SIGPIPE) << signal;
 }
 
 TEST(BrokenPipe, ReachesNobody) {
