@@ -7,7 +7,7 @@
 #include <rapidjson/document.h>
 #include <simdjson.h>
 
-#include "orvane/client/Envelope.h"
+#include "orvane/client/Outcome.h"
 #include "orvane/client/replies.h"
 #include "orvane/json/JSONReader.h"
 #include "orvane/json/JSONWriter.h"
@@ -47,9 +47,8 @@ Codec ownCodec() {
             return taken;
           },
           [](const std::string& text) -> std::optional<std::string> {
-            const Reply reply(loginCall, readJSON(text));
-            std::string message = reply.msg();
-            return reply.code() == 0 ? std::optional(std::move(message)) : std::nullopt;
+            Outcome outcome = judgeLogin(readJSON(text), nullptr);
+            return outcome.error ? std::nullopt : std::move(outcome.message);
           }};
 }
 

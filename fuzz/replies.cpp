@@ -1,11 +1,16 @@
 // An answered call has one outcome, as its reply says, or there is the stop, whose line holds nothing of the reply.
 // The input's first byte chooses the call, the rest is the reply's body.
 
+#include <algorithm>
+#include <array>
 #include <nlohmann/json.hpp>
 
 #include "adapters/host/HostTextRules.h"
 #include "fuzz/fuzz.h"
+#include "orvane/client/Envelope.h"
+#include "orvane/client/GuardedSession.h"
 #include "orvane/client/OrvaneManager.h"
+#include "orvane/client/ServiceAddress.h"
 #include "orvane/host/HostDeviceReadings.h"
 #include "orvane/platform/Platform.h"
 
@@ -23,7 +28,7 @@ struct ImmediateQueue final : DispatchQueue {
   void async(Task task) override { task(); }
 };
 
-HoldingSession& session() {
+const std::shared_ptr<HoldingSession>& sharedSession() {
   static const auto* const session = [] {
     auto* made = new std::shared_ptr<HoldingSession>(std::make_shared<HoldingSession>());
     installPlatform({.sharedSession = *made,
@@ -32,7 +37,7 @@ HoldingSession& session() {
                      .deviceReadings = std::make_shared<HostDeviceReadings>()});
     return made;
   }();
-  return **session;
+  return *session;
 }
 
 bool isKnown(std::string stop) {
@@ -50,7 +55,7 @@ enum class Call { picture, code, login };
 
 void judge(Call call, const std::string& body) {
   const nlohmann::json reply = readByOther(body);
-  HoldingSession& session = orvane::session();
+  HoldingSession& session = *sharedSession();
   session.handlers.clear();
   int outcomes = 0;
   const auto check = [&](const ErrorPtr& error) {
@@ -93,6 +98,18 @@ void judge(Call call, const std::string& body) {
     require(isKnown(stop.what), "a stop says one of a few things");
   }
   require(outcomes == (isStopped ? 0 : 1), "there is one outcome, or the stop");
+
+  session.handlers.clear();
+  constexpr std::array paths = {pictureCodeCall.path, codeCall.path, loginCall.path};
+  GuardedSession guarded(sharedSession(), "failed");
+  bool hasPassed = false;
+  guarded.startDataTask(
+      URLRequest(std::string(serviceBaseURL()).append(paths[static_cast<std::size_t>(call)])),
+      [&](const DataTaskResult& result) {
+        hasPassed = std::equal(body.begin(), body.end(), result.body->begin(), result.body->end());
+      });
+  session.handlers.front()({Bytes(body.begin(), body.end()), HTTPResponse{200}, nullptr});
+  require(hasPassed != isStopped, "a guard replaces what would stop the process, and nothing else");
 }
 
 }  // namespace

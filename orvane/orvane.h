@@ -7,6 +7,7 @@
 #include "orvane/base/Error.h"
 #include "orvane/base/Value.h"
 #include "orvane/client/ErrorKind.h"
+#include "orvane/client/GuardedSession.h"
 #include "orvane/client/OrvaneManager.h"
 #include "orvane/client/ServiceAddress.h"
 #include "orvane/device/OVDeviceInfoTool.h"

@@ -2,17 +2,18 @@
 
 #include <cstdio>
 
+#include "orvane/base/fatal.h"
 #include "orvane/client/Envelope.h"
-#include "orvane/client/pictureBytes.h"
+#include "orvane/client/Outcome.h"
 #include "orvane/device/OVDeviceInfoTool.h"
 
 namespace orvane {
 namespace {
 
-/// The refusal in a reply to the picture or the SMS-code call; null when the call succeeded.
-ErrorPtr judge(const Reply& reply) {
-  const std::int64_t code = reply.code();
-  return code == 0 ? nullptr : refusal(reply.msg(), code);
+/// Returns the outcome of a call, and stops the process in place of a flawed one.
+Outcome flawless(const ServiceCall& call, Outcome outcome) {
+  if (!outcome.flaw.empty()) fatal(std::string(call.name).append(": ").append(outcome.flaw));
+  return outcome;
 }
 
 void submitMobileInformation(NetworkManager& transport, const std::string& mobile) {
@@ -36,40 +37,20 @@ void finishPictureCode(std::optional<Value> result, ErrorPtr error,
     const std::string trace = "orvane: requestPictureCode: " + description(*error) + "\n";
     std::fwrite(trace.data(), 1, trace.size(), stdout);
     std::fflush(stdout);
-    finished(std::nullopt, std::move(error));
-    return;
   }
-  Reply reply(pictureCodeCall, std::move(result));
-  if (ErrorPtr refused = judge(reply)) {
-    finished(std::nullopt, std::move(refused));
-    return;
-  }
-  std::optional<Bytes> picture = pictureBytes(reply.data());
-  if (!picture) reply.fail("an element of the reply's \"data\" is not a byte");
-  finished(std::move(picture), nullptr);
+  Outcome outcome = flawless(pictureCodeCall, judgePictureCode(std::move(result), std::move(error)));
+  finished(std::move(outcome.picture), std::move(outcome.error));
 }
 
 void finishCode(std::optional<Value> result, ErrorPtr error, const OrvaneManager::CodeFinished& finished) {
-  finished(error ? std::move(error) : judge(Reply(codeCall, std::move(result))));
+  finished(flawless(codeCall, judgeCode(std::move(result), std::move(error))).error);
 }
 
 void finishLogin(std::optional<Value> result, ErrorPtr error, NetworkManager& transport,
                  const std::string& mobile, const OrvaneManager::LoginFinished& finished) {
-  // The reply is read before the error is looked at: intended. So a failed transport stops the process.
-  const Reply reply(loginCall, std::move(result));
-  std::string message = reply.msg();
-  if (error) {
-    finished("网络错误", std::move(error));
-    return;
-  }
-  if (reply.code() != 0) {
-    constexpr std::int64_t refusalCode = 1;  // Whatever the reply's code: intended.
-    ErrorPtr refused = refusal(message, refusalCode);
-    finished(std::move(message), std::move(refused));
-    return;
-  }
-  submitMobileInformation(transport, mobile);
-  finished(std::move(message), nullptr);
+  Outcome outcome = flawless(loginCall, judgeLogin(std::move(result), std::move(error)));
+  if (!outcome.error) submitMobileInformation(transport, mobile);
+  finished(std::move(outcome.message), std::move(outcome.error));
 }
 
 }  // namespace orvane

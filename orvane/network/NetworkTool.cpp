@@ -1,19 +1,14 @@
 #include "orvane/network/NetworkTool.h"
 
 #include "orvane/base/fatal.h"
-#include "orvane/json/JSONReader.h"
 #include "orvane/json/JSONWriter.h"
+#include "orvane/network/decodeReply.h"
 #include "orvane/network/percentEncoding.h"
 #include "orvane/network/transportErrors.h"
 #include "orvane/platform/Platform.h"
 
 namespace orvane {
 namespace {
-
-ErrorPtr transportError(std::string_view message) {
-  return std::make_shared<const Error>(
-      Error{std::string(NetworkTool::errorDomain), -1, {{"error", message}}});
-}
 
 URLRequest makeRequest(std::string url) {
   if (!platform().textRules->isURL(url)) fatal("request: the text given as URL is not a URL");
@@ -31,20 +26,17 @@ URLRequest makeJSONPost(std::string_view url, const std::optional<Parameters>& p
 }
 
 /// Decodes a reply on the session queue, so that the main queue runs the completion and nothing else.
-void deliver(DataTaskResult reply, NetworkTool::Completion completion) {
-  if (reply.error) {
-    completion(std::nullopt, std::move(reply.error));
+void deliver(const DataTaskResult& reply, NetworkTool::Completion completion) {
+  DecodedReply decoded = decodeReply(reply);
+  if (decoded.error) {
+    completion(std::nullopt, std::move(decoded.error));
     return;
   }
-  if (!reply.body) fatal("requestJSON: the session reported neither a body nor an error");
-  std::optional<Value> result = readJSON(*reply.body);
-  if (!result) {
-    completion(std::nullopt, transportError(replyNotDecoded));
-    return;
-  }
-  platform().mainQueue->async([completion = std::move(completion), result = std::move(result)]() mutable {
-    completion(std::move(result), nullptr);
-  });
+  if (!decoded.result) fatal("requestJSON: the session reported neither a body nor an error");
+  platform().mainQueue->async(
+      [completion = std::move(completion), result = std::move(decoded.result)]() mutable {
+        completion(std::move(result), nullptr);
+      });
 }
 
 }  // namespace
@@ -72,8 +64,8 @@ void NetworkTool::requestJSON(HTTPMethod method, std::string_view url,
   const std::shared_ptr<URLSession> session = this->session();
   if (!session) fatal("requestJSON: the tool has no session");
   session->startDataTask(*std::move(request),
-                         [completion = std::move(completion)](DataTaskResult reply) mutable {
-                           deliver(std::move(reply), std::move(completion));
+                         [completion = std::move(completion)](const DataTaskResult& reply) mutable {
+                           deliver(reply, std::move(completion));
                          });
 }
 

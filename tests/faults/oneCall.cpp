@@ -1,6 +1,7 @@
 // Makes one service call, again and again if wanted, and writes what `finished` was given, a line each time. A program
 // of its own, since some calls end it.
-//   oneCall CALL SOUND-PORT HOST PORT IDLE-MS TOTAL-MS BODY-LIMIT TIMES
+//   oneCall CALL SOUND-PORT HOST PORT IDLE-MS TOTAL-MS BODY-LIMIT TIMES [MESSAGE]
+// A message guards the calls, and is what they report where they would stop the process.
 
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +12,7 @@
 #include "orvane/host/HostSession.h"
 #include "orvane/host/MainQueue.h"
 #include "orvane/orvane.h"
+#include "tests/support/AdapterUnderTest.h"
 
 namespace orvane {
 namespace {
@@ -78,7 +80,7 @@ void call(OrvaneManager& manager, const std::string& name) {
 
 int main(int count, char** arguments) {
   using namespace orvane;
-  if (count != 9) return 2;
+  if (count < 9 || count > 10) return 2;
   const auto number = [&](int at) { return std::strtoull(arguments[at], nullptr, 10); };
   const auto port = [&](int at) { return static_cast<std::uint16_t>(number(at)); };
   const std::string name = arguments[1];
@@ -87,8 +89,10 @@ int main(int count, char** arguments) {
                                   .totalTimeout = std::chrono::milliseconds(number(6)),
                                   .maximumBodySize = number(7),
                                   .reroutes = {{std::string(serviceHost()), 80, arguments[3], port(4)}}};
-  installPlatform(
-      {.sharedSession = std::make_shared<Sessions>(std::move(faulty), port(2), name == "device report")});
+  std::shared_ptr<URLSession> session =
+      test::makeSession(std::make_shared<Sessions>(std::move(faulty), port(2), name == "device report"));
+  if (count == 10) session = std::make_shared<GuardedSession>(std::move(session), arguments[9]);
+  installPlatform({.sharedSession = std::move(session)});
   for (auto left = number(8); left > 0; --left) {
     call(OrvaneManager::shareManager(), name);
     hostMainQueue().run();

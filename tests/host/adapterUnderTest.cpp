@@ -10,6 +10,10 @@ std::shared_ptr<URLSession> test::makeSession() {
   return std::make_shared<HostSession>();
 }
 
+std::shared_ptr<URLSession> test::makeSession(std::shared_ptr<URLSession> transport) {
+  return transport;
+}
+
 void test::installAdapter(std::uint16_t servicePort) {
   HostSessionConfiguration configuration;
   configuration.reroutes = {{std::string(serviceHost()), 80, "127.0.0.1", servicePort}};

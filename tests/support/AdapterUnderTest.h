@@ -11,6 +11,9 @@ namespace orvane::test {
 /// A session of its own.
 std::shared_ptr<URLSession> makeSession();
 
+/// The adapter's session with `transport` doing the work, as far as the adapter has not.
+std::shared_ptr<URLSession> makeSession(std::shared_ptr<URLSession> transport);
+
 /// Puts the adapter in use, on a device with the carrier "Carrier", with this loopback port in the service's place.
 void installAdapter(std::uint16_t servicePort);
 

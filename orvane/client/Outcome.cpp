@@ -1,0 +1,102 @@
+#include "orvane/client/Outcome.h"
+
+#include <utility>
+
+#include "orvane/client/pictureBytes.h"
+
+namespace orvane {
+namespace {
+
+/// A decoded reply while it is judged. Keeps the first flaw that reading meets. What is read from then on is empty.
+class Reply {
+ public:
+  explicit Reply(std::optional<Value> result) : value_(std::move(result)) {
+    if (!value_) {
+      flaw_ = "there is no reply";
+    } else if (!value_->map()) {
+      flaw_ = "the reply is not a map";
+    }
+  }
+
+  std::int64_t code() {
+    const Value* const code = member("code", "the reply has no \"code\"");
+    const std::optional<std::int64_t> integer = code ? code->asInteger() : std::nullopt;
+    if (!integer) note("the reply's \"code\" is not a number");
+    return integer.value_or(0);
+  }
+
+  std::string msg() {
+    const Value* const msg = member("msg", "the reply has no \"msg\"");
+    const std::string* const text = msg ? msg->text() : nullptr;
+    if (!text) note("the reply's \"msg\" is not a text");
+    return text ? *text : std::string();
+  }
+
+  std::optional<Bytes> picture() {
+    Value* const data = member("data", "the reply has no \"data\"");
+    Array* const elements = data ? data->array() : nullptr;
+    if (!elements) note("the reply's \"data\" is not an array");
+    std::optional<Bytes> picture = elements ? pictureBytes(*elements) : std::nullopt;
+    if (!picture) note("an element of the reply's \"data\" is not a byte");
+    return picture;
+  }
+
+  std::string_view flaw() const { return flaw_; }
+
+ private:
+  /// Returns null where there is none, or was a flaw before.
+  Value* member(std::string_view key, std::string_view flaw) {
+    if (!flaw_.empty()) return nullptr;
+    Map& members = *value_->map();
+    const auto found = members.find(key);
+    if (found != members.end()) return &found->second;
+    flaw_ = flaw;
+    return nullptr;
+  }
+
+  void note(std::string_view flaw) {
+    if (flaw_.empty()) flaw_ = flaw;
+  }
+
+  std::optional<Value> value_;
+  std::string_view flaw_;
+};
+
+ErrorPtr refusal(std::string message, std::int64_t code) {
+  return std::make_shared<const Error>(Error{std::move(message), code, {}});
+}
+
+/// Returns the refusal in a reply to the picture or the SMS-code call, or null for a success.
+ErrorPtr refusalIn(Reply& reply) {
+  const std::int64_t code = reply.code();
+  return code == 0 ? nullptr : refusal(reply.msg(), code);
+}
+
+}  // namespace
+
+Outcome judgePictureCode(std::optional<Value> result, ErrorPtr error) {
+  if (error) return {.error = std::move(error)};
+  Reply reply(std::move(result));
+  if (ErrorPtr refused = refusalIn(reply)) return {.error = std::move(refused), .flaw = reply.flaw()};
+  std::optional<Bytes> picture = reply.picture();
+  return {.picture = std::move(picture), .flaw = reply.flaw()};
+}
+
+Outcome judgeCode(std::optional<Value> result, ErrorPtr error) {
+  if (error) return {.error = std::move(error)};
+  Reply reply(std::move(result));
+  ErrorPtr refused = refusalIn(reply);
+  return {.error = std::move(refused), .flaw = reply.flaw()};
+}
+
+Outcome judgeLogin(std::optional<Value> result, ErrorPtr error) {
+  // Reads the reply before the error, so that a failed transfer stops the process.
+  Reply reply(std::move(result));
+  std::string message = reply.msg();
+  if (error) return {.message = "网络错误", .error = std::move(error), .flaw = reply.flaw()};
+  constexpr std::int64_t refusalCode = 1;  // The same for all refusals of a login.
+  if (reply.code() != 0) error = refusal(message, refusalCode);
+  return {.message = std::move(message), .error = std::move(error), .flaw = reply.flaw()};
+}
+
+}  // namespace orvane

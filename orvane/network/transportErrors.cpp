@@ -1,0 +1,12 @@
+#include "orvane/network/transportErrors.h"
+
+#include "orvane/network/NetworkTool.h"
+
+namespace orvane {
+
+ErrorPtr transportError(std::string_view message) {
+  return std::make_shared<const Error>(
+      Error{std::string(NetworkTool::errorDomain), -1, {{"error", message}}});
+}
+
+}  // namespace orvane
