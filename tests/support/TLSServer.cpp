@@ -1,6 +1,7 @@
 #include "tests/support/TLSServer.h"
 
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <netinet/in.h>
 #include <openssl/evp.h>
@@ -62,6 +63,10 @@ TLSServer::TLSServer(const Certificate* certificate, std::string reply)
     throw std::runtime_error("no TLS server");
   port_ = ntohs(address.sin_port);
   thread_ = std::thread([this] {
+    sigset_t brokenPipe;  // From a client that went.
+    sigemptyset(&brokenPipe);
+    sigaddset(&brokenPipe, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &brokenPipe, nullptr);
     while (!isStopping_) {
       const int connection = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
       if (connection < 0) continue;
