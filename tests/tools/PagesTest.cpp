@@ -41,7 +41,7 @@ std::set<std::string> optionsIn(const std::string& text, const char* pattern) {
 }
 
 std::set<std::string> helpOptions(const Tool& tool) {
-  return optionsIn(outputOf(tool.program + " --help"), "^ +(--[a-z-]+)");
+  return optionsIn(outputOf(tool.program + " --help"), "^ +(?:-h,)?(--[a-z-]+)");
 }
 
 bool isInstalled(const std::string& command) {
@@ -58,7 +58,7 @@ TEST(Pages, HaveTheOptionsOfTheHelp) {
     if (!isInstalled("man")) continue;
     const std::string file = tool.folder + tool.name + ".1";
     const std::string page = outputOf("LC_ALL=C.UTF-8 man --warnings=w --local-file " + file);
-    EXPECT_EQ(optionsIn(page, "^ +(--[a-z-]+)"), options);
+    EXPECT_EQ(optionsIn(page, "^ +(?:-h, )?(--[a-z-]+)"), options);
     EXPECT_TRUE(page.starts_with("ORVANE-")) << page;  // warnings come first
   }
 }

@@ -6,6 +6,7 @@
 #include <future>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <regex>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,7 +23,6 @@
 #include "tools/signin/PictureView.h"
 #include "tools/signin/Secrets.h"
 #include "tools/signin/Trace.h"
-#include "tools/signin/maskedBody.h"
 
 namespace signin {
 namespace {
@@ -31,38 +31,43 @@ using orvane::test::Conversation;
 using orvane::test::endOf;
 using orvane::test::LoopbackServer;
 
-/// Who answers and the values that were understood, or why nothing was.
-std::string outcomeOf(const std::vector<const char*>& arguments, bool hasTerminal) try {
+/// The values that were understood, what is missing and where a service may be, or why nothing was understood.
+std::string outcomeOf(const std::vector<const char*>& arguments) try {
   const Options options = parseOptions(arguments);
-  constexpr const char* answerers[] = {"person", "service", "nobody"};
-  std::string line = answerers[static_cast<int>(chooseAnswerer(options, hasTerminal))];
+  std::string line;
   for (const auto& text : {options.mobile, options.clientId, options.captcha, options.code}) {
-    line += text ? " <" + *text + ">" : " -";
+    line += text ? "<" + *text + "> " : "- ";
   }
-  if (options.connect) line += " " + options.connect->host + "|" + std::to_string(options.connect->port);
-  return line;
+  return line.append(options.missing()) + "|" + options.service();
 } catch (const UsageError& error) {
   return error.what();
 }
 
 TEST(SignInOptions, AreUnderstoodOrRefused) {
   const std::string wrongAddress = "--connect: HOST:PORT or [IPV6]:PORT wanted, with a port from 1 to 65535";
-  const std::tuple<std::vector<const char*>, bool, std::string> cases[] = {
-      {{}, false, "service - - - -"},
-      {{"--live"}, false, "--mobile: missing, and there is nobody to ask"},
-      {{"--live", "--mobile=1", "--captcha=2", "--code=3"}, false, "nobody <1> - <2> <3>"},
-      {{"--client-id=", "--code=", "--mobile==--="}, true, "person <=--=> <> - <>"},
-      {{"--connect", "localhost:65535"}, true, "person - - - - localhost|65535"},
-      {{"--connect=[::1]:8080"}, true, "person - - - - ::1|8080"},
-      {{"--connect=localhost:0"}, true, wrongAddress},
-      {{"--connect=::1:80"}, true, wrongAddress},
-      {{"--connect=a:1", "--live"}, true, "--live: contradicts --connect"},
-      {{"--proxy=http://localhost:1", "--connect=a:1"}, true, "--proxy: needs --live"},
-      {{"--auto=yes"}, true, "--auto: takes no value"},
-      {{"--mobile"}, true, "--mobile: a value is missing"},
-      {{"+4477"}, true, "+4477: no such option"},
+  const std::pair<std::vector<const char*>, std::string> cases[] = {
+      {{}, "- - - - --mobile|"},
+      {{"--live", "--mobile=1", "--captcha", "2", "--code=3"}, "<1> - <2> <3> |"},
+      {{"--client-id=", "--code=", "--mobile==--="}, "<=--=> <> - <> --captcha|"},
+      {{"--mobile=-1", "--only", "login"}, "<-1> - - - --code|"},
+      {{"--connect", "localhost:65535"}, "- - - - --mobile|localhost:65535"},
+      {{"--connect=[::1]:8080", "--trace", "--unmasked"}, "- - - - --mobile|[::1]:8080"},
+      {{"--live", "--proxy=http://a:b@[::1]:8080/"}, "- - - - --mobile|[::1]:8080"},
+      {{"--connect=localhost:0"}, wrongAddress},
+      {{"--connect=::1:80"}, wrongAddress},
+      {{"--connect=a:1", "--live"}, "--live: contradicts --connect"},
+      {{"--proxy=http://localhost:1", "--connect=a:1"}, "--proxy: needs --live"},
+      {{"--connect=a:1", "--trace", "--unmasked"},
+       "--unmasked: only where the requests stay on this machine"},
+      {{"--unmasked"}, "--unmasked: needs --trace"},
+      {{"--json", "--picture", "-"}, "--picture -: contradicts --json"},
+      {{"--only=code", "--picture=a"}, "--picture: the call that --only names has no use for it"},
+      {{"--only=sms"}, "--only: sms not in {picture,code,login}"},
+      {{"--auto=yes"}, "auto was given a disallowed flag override"},
+      {{"--mobile"}, "--mobile: 1 required NUMBER missing"},
+      {{"+4477"}, "The following argument was not expected: +4477"},
   };
-  for (const auto& [words, terminal, outcome] : cases) EXPECT_EQ(outcomeOf(words, terminal), outcome);
+  for (const auto& [words, outcome] : cases) EXPECT_EQ(outcomeOf(words), outcome);
 }
 
 TEST(SignInTrace, MasksBodies) {
@@ -77,7 +82,7 @@ TEST(SignInTrace, MasksBodies) {
       {"{\"msg\":\"\xff k9xf\"}", "{\"msg\":\"\xff ***\"}"},
       {deep, std::string(33, '[') + std::string(33, ']')},
   };
-  for (const auto& [body, masked] : cases) EXPECT_EQ(maskedBody(body, secrets), masked);
+  for (const auto& [body, masked] : cases) EXPECT_EQ(secrets.maskedBody(body), masked);
 }
 
 TEST(SignInTrace, WritesLinesThatCanBePasted) {
@@ -107,8 +112,8 @@ TEST(SignInTrace, WritesLinesThatCanBePasted) {
 
   const std::string hostile = "\x1b[2J\ns3cret \xc2\x9b";
   const orvane::DataTaskResult reply{orvane::Bytes(hostile.begin(), hostile.end()), {{500}}, nullptr};
-  EXPECT_EQ(replyLine("http://a/s3cret", reply, secrets),
-            "# http://a/***: status 500, 14 bytes: \\x1b[2J\\x0a*** \\xc2\x9b");
+  EXPECT_EQ(replyLine("http://a/s3cret", reply, std::chrono::milliseconds(12), secrets),
+            "http://a/***: 12 ms, status 500, 14 bytes: \\x1b[2J\\x0a*** \\xc2\x9b");
 }
 
 /// Red and green over blue and white.
@@ -125,7 +130,10 @@ TEST(SignInPicture, IsDrawnToFitUnlessDamaged) {
       {1, Palette::direct, "\x1b[38;2;127;127;0m\x1b[48;2;127;127;255m▀\x1b[0m\n"},
       {80, Palette::characters, "%.\n"},
   };
-  for (const auto& [width, palette, view] : cases) EXPECT_EQ(viewPicture(fourPixels, width, palette), view);
+  for (const auto& [width, palette, view] : cases) {
+    EXPECT_EQ(viewPicture(fourPixels, width, palette)->lines, view);
+    EXPECT_EQ(viewPicture(fourPixels, width, palette)->isClear, palette != Palette::characters);
+  }
   EXPECT_FALSE(viewPicture(std::vector<std::uint8_t>(1000, 0x2A), 80, Palette::direct));
   for (std::size_t size = 0; size < std::size(fourPixels) - 16; ++size) {
     EXPECT_FALSE(viewPicture(std::span(fourPixels).first(size), 80, Palette::direct)) << size;
@@ -150,10 +158,12 @@ std::string take(const std::string& name) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Runs the program with nobody at its standard input.
+/// Runs the program with nobody at its standard input, where it might leave a core file.
 Ending run(const std::string& arguments) {
   const std::string files = " </dev/null >" + path("out") + " 2>" + path("err");
-  const int status = std::system(("exec '" SIGNIN_PROGRAM "' " + arguments + files).c_str());
+  const int status =
+      std::system(("ulimit -c unlimited; exec '" SIGNIN_PROGRAM "' " + files + " " + arguments).c_str());
+  EXPECT_FALSE(WCOREDUMP(status)) << arguments;
   return {endOf(status), take("out"), take("err")};
 }
 
@@ -175,7 +185,10 @@ TEST(SignInProgram, SignsInUnattended) {
   for (const std::string& secret : {std::string("447700900987"), std::string("cl1ent"), captcha, code}) {
     EXPECT_EQ(ending.err.find(secret), std::string::npos) << secret << " in " << ending.err;
   }
-  EXPECT_EQ(std::ranges::count(ending.err, '\n'), 8) << ending.err;  // four requests and their replies
+  EXPECT_EQ(std::ranges::count(ending.err, '\n'), 12)
+      << ending.err;  // four times a time, a request and its reply
+  EXPECT_TRUE(std::regex_search(ending.err, std::regex(R"(^# \d\d:\d\d:\d\d\.\d\d\d\ncurl -X POST )")))
+      << ending.err;
 }
 
 TEST(SignInProgram, TalksWithAPerson) {
@@ -186,13 +199,31 @@ TEST(SignInProgram, TalksWithAPerson) {
   talk.hear("Mobile number: ");
   talk.say("\n" + mobile + "\n");  // an empty line is no answer
   const std::string before = talk.hear("What does the picture say? ");
-  // Two lines of input, and the lines of the picture: 160 times 60 pixels in 40 columns.
-  EXPECT_EQ(std::ranges::count(before, '\n'), 2 + 8) << before;
-  talk.say(service.inspect(mobile)->picture.value() + "\n");
+  // Two lines of input, and the lines of the picture: 160 times 60 pixels in 40 columns, which are too few.
+  EXPECT_EQ(std::ranges::count(before, '\n'), 2 + 8 + 1) << before;
+  EXPECT_NE(before.find("If that cannot be read: --picture FILE saves the picture.\r\n"), before.npos);
+  talk.say(" misread \n");
+  talk.hear(
+      "\norvane-signin: code: that is not the picture's text (refused, 2002)\r\nHere is a new picture.\r\n");
+  talk.hear("What does the picture say? ");
+  talk.say("\t " + service.inspect(mobile)->picture.value() + " \n");
   talk.hear("Code in the text message: ");
+  for (int tries = 0; tries < 2; ++tries) {
+    talk.say("none\n");
+    talk.hear("\norvane-signin: login: that is not the code (refused, 1)\r\n");
+    talk.hear("Code in the text message: ");
+  }
   talk.say(service.inspect(mobile)->code.value() + "\n");
   talk.hear("Signed in. The service says: welcome\r\n");
   EXPECT_EQ(talk.status(), 0);
+
+  Conversation wrong({SIGNIN_PROGRAM, connectTo(server.port()), "--mobile", mobile});
+  for (int tries = 0; tries < 3; ++tries) {
+    wrong.hear("What does the picture say? ");
+    wrong.say("misread\n");
+    wrong.hear("(refused, 2002)\r\n");
+  }
+  EXPECT_EQ(wrong.status(), 1);
 
   const std::string body = R"({"code":0,"msg":"for 447700900123","data":[]})";
   const LoopbackServer quoting(
@@ -212,24 +243,35 @@ TEST(SignInProgram, MakesSingleCallsWithTheClientIdentifierGiven) {
   const auto traceOf = [&](const std::string& arguments) {
     return run(connectTo(server.port()) + " --trace --mobile " + mobile + " --only=" + arguments).err;
   };
+  EXPECT_EQ(run(connectTo(server.port()) + " --auto").status, 0);  // With the answers of its /inspect.
   traceOf("picture");
   EXPECT_EQ(known().clientId, std::nullopt);
   traceOf("code --client-id= --captcha " + known().picture.value());
   EXPECT_EQ(known().clientId, "");
   const std::string trace = traceOf("login --client-id 'an app' --code " + known().code.value());
   EXPECT_EQ(known().clientId, "an app");
-  EXPECT_NE(trace.find("submitMobileInformation: status 200"), trace.npos) << trace;
+  EXPECT_NE(trace.find(" ms, status 200, 39 bytes: {\"code\":0,\"msg\":\"recorded\""), trace.npos) << trace;
 }
 
 TEST(SignInProgram, ReportsHowItEnded) {
   const std::string nobodyThere = connectTo(LoopbackServer(nullptr).port()) + " --mobile=1 --only=picture";
   const std::tuple<std::string, int, std::string> cases[] = {
       {"--picture=/a/b", 2, "orvane-signin: --picture: cannot write /a/b: No such file or directory\n"},
-      {"--auto --captcha=no", 1, "orvane-signin: requestCode: that is not the picture's text (2002)\n"},
+      {"--auto --captcha=no", 1, "orvane-signin: code: that is not the picture's text (refused, 2002)\n"},
       {"--mobile=+99900000302", -SIGABRT, "orvane: requestLogin: there is no reply\n"},
       {"--mobile=+99900000310", -SIGABRT, "orvane: requestLogin: the reply has no \"msg\"\n"},
-      {"--mobile=+99900000105", 3, "orvane-signin: requestPictureCode: com.brovent.error (-1)\n  error: 反"},
-      {nobodyThere, 3, "orvane-signin: requestPictureCode: NSURLErrorDomain (-1004)\n  NS"},
+      {"--mobile=+99900000105", 3,
+       "orvane-signin: picture: The service's reply could not be read. (not readable, com.brovent.error "
+       "-1)\n"},
+      {nobodyThere, 3,
+       "orvane-signin: picture: Could not connect to the server. (no connection, NSURLErrorDomain -1004)\n"},
+      {nobodyThere + " --live", 2, "orvane-signin: --live: contradicts --connect\n"},
+      {"--live", 2, "orvane-signin: --mobile: missing, and there is nobody to ask\n"},
+      {nobodyThere.substr(0, nobodyThere.find(' ')), 2,
+       "orvane-signin: --mobile: missing, and no development service answers at 127.0.0.1:"},
+      {"--auto >/dev/full", 4, "orvane-signin: standard output could not be written\n"},
+      {"--auto --picture - >/dev/full", 4, ""},
+      {"--json >/dev/full", 4, "orvane-signin: standard output could not be written\n"},
   };
   for (const auto& [arguments, status, complaint] : cases) {
     const Ending ending = run(arguments);
@@ -244,17 +286,18 @@ TEST(SignInProgram, TellsScriptsHowEachStepEnded) {
   const std::string nobodyThere = connectTo(LoopbackServer(nullptr).port()) + " --mobile=1 --only=picture";
   const std::tuple<std::string, int, std::ptrdiff_t, std::string> cases[] = {
       {"--picture " + png, 0, 3,
-       R"({"step":"login","outcome":"success","domain":null,"code":0,"message":"welcome"})"},
+       R"({"step":"login","outcome":"success","domain":null,"code":0,"kind":null,"message":"welcome"})"},
       {"--only=picture --picture " + png, 0, 1,
-       R"({"step":"picture","outcome":"success","domain":null,"code":0,"message":null,"picture":")" + png},
+       R"({"step":"picture","outcome":"success","domain":null,"code":0,"kind":null,"message":null,"picture":")" +
+           png},
       {"--captcha=no", 1, 2,
        R"({"step":"code","outcome":"refusal","domain":"that is not the picture's text","code":2002,)"
-       R"("message":"that is not the picture's text"})"},
+       R"("kind":"refused","message":"that is not the picture's text"})"},
       {"--picture=/a/b", 2, 1,
-       R"({"step":"picture","outcome":"usage","domain":null,"code":null,"message":"--picture: cannot)"},
+       R"({"step":"picture","outcome":"usage","domain":null,"code":null,"kind":null,"message":"--picture: cannot)"},
       {"--mobile=\xff", 2, 1, R"({"step":null,"outcome":"usage",)"},
       {nobodyThere, 3, 1,
-       R"({"step":"picture","outcome":"network","domain":"NSURLErrorDomain","code":-1004,"message":"Could)"},
+       R"({"step":"picture","outcome":"network","domain":"NSURLErrorDomain","code":-1004,"kind":"no connection","message":"Could)"},
       {"--mobile=+99900000105", 3, 1,
        R"({"step":"picture","outcome":"network","domain":"com.brovent.error",)"},
       {"--mobile=+99900000302", -SIGABRT, 3, R"({"step":"login","outcome":"aborted",)"},
@@ -280,8 +323,8 @@ TEST(SignInProgram, TellsWhatItWaitsForAndLeavesTheTerminalAsItWas) {
   const LoopbackServer::Answer refusal{orvane::test::reply(R"({"code":7,"msg":"no"})")};
   const LoopbackServer::Answer silence{"", Then::hold};
   const Case cases[] = {
-      {"--auto", refusal, "", "orvane-signin: requestPictureCode: no (7)\r\n", 1},
-      {"--trace", refusal, "", "# http://", 1},
+      {"--auto", refusal, "", "orvane-signin: picture: no (refused, 7)\r\n", 1},
+      {"--trace", refusal, "", "# ", 1},
       {"--auto", {"", Then::close}, "", "orvane: requestPictureCode: NSURLErrorDomain (-1005)\r\n", 3},
       {"--auto", silence, "\x03", "\x1b[0m", -SIGINT},
       {"--json", silence, "\x03", "\x1b[0m{\"step\":\"picture\",\"outcome\":\"interrupted\"", -SIGINT},
@@ -338,6 +381,8 @@ TEST(SignInProgram, SavesThePictureAsItCame) {
   EXPECT_EQ(ending.out, "The picture, 5 bytes, is in " + path("png") +
                             ".\nWhat came as picture, 5 bytes, is nothing that can be drawn.\n");
   EXPECT_EQ(take("png"), std::string("\0\n\r\x1a\xff", 5));
+  EXPECT_EQ(run(connectTo(server.port()) + " --only=picture --mobile=1 --picture -").out,
+            std::string("\0\n\r\x1a\xff", 5));
 }
 
 }  // namespace

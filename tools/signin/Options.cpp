@@ -1,75 +1,29 @@
 #include "tools/signin/Options.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 #include <iterator>
 
+#include "orvane/orvane.h"
+
 namespace signin {
 namespace {
 
-template <auto member>
-void setText(Options& options, std::string_view value) {
-  options.*member = std::string(value);
-}
+constexpr const char* summary =
+    R"(Signs a user in by mobile phone number: a picture to read, a code by text message, the login.
 
-template <auto member>
-void setFlag(Options& options, std::string_view) {
-  options.*member = true;
-}
+Without --connect and --live it starts the development service inside itself and signs in there. It
+asks for what no option gives. Without a terminal on standard input, or with --auto, it asks nobody
+and takes the answers from the development service: the one inside it, or where --connect or --proxy
+leads.
+)";
 
-void setOnly(Options& options, std::string_view value) {
-  const auto found = std::ranges::find(callNames, value);
-  if (found == std::end(callNames)) throw UsageError("--only: picture, code or login wanted");
-  options.only = static_cast<Call>(found - std::begin(callNames));
-}
-
-void setConnect(Options& options, std::string_view value) {
-  const std::size_t colon = value.rfind(':');
-  std::string_view host = value.substr(0, colon);
-  const std::string_view port = colon == value.npos ? "" : value.substr(colon + 1);
-  const bool bracketed = host.starts_with('[') && host.ends_with(']');
-  if (bracketed) host = host.substr(1, host.size() - 2);
-
-  Address address{std::string(host)};
-  const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), address.port);
-  const bool isPort = error == std::errc() && end == port.data() + port.size() && address.port != 0;
-  if (!isPort || host.empty() || (host.find(':') != host.npos) != bracketed) {
-    throw UsageError("--connect: HOST:PORT or [IPV6]:PORT wanted, with a port from 1 to 65535");
-  }
-  options.connect = std::move(address);
-}
-
-struct OptionKind {
-  std::string_view name;
-  std::string_view valueName;  // empty where the option takes no value
-  std::string_view help;       // its lines
-  void (*set)(Options& options, std::string_view value);
-};
-
-constexpr OptionKind kinds[] = {
-    {"--connect", "HOST:PORT", "send the requests for the service to this address; [IPV6]:PORT, too",
-     setConnect},
-    {"--live", "", "send them to the service's own address", setFlag<&Options::live>},
-    {"--proxy", "URL", "with --live: send them by this HTTP proxy", setText<&Options::proxy>},
-    {"--mobile", "NUMBER", "the mobile number", setText<&Options::mobile>},
-    {"--captcha", "TEXT", "what the picture says", setText<&Options::captcha>},
-    {"--code", "TEXT", "the code in the text message", setText<&Options::code>},
-    {"--client-id", "ID", "send this client identifier, which may be empty; none is sent otherwise",
-     setText<&Options::clientId>},
-    {"--picture", "FILE", "save the picture as it came, and do not show it", setText<&Options::pictureFile>},
-    {"--only", "CALL", "make one call: picture, code or login", setOnly},
-    {"--auto", "", "ask nobody", setFlag<&Options::automatic>},
-    {"--json", "",
-     "print a JSON object a line for each step that ended, for scripts; what is\n"
-     "there for a person goes to standard error",
-     setFlag<&Options::json>},
-    {"--trace", "",
-     "print each request on standard error as a curl command, and its reply;\n"
-     "number, picture's text, code and client identifier are masked",
-     setFlag<&Options::trace>},
-    {"--help", "", "print this", setFlag<&Options::help>},
-    {"--version", "", "print the versions of the program and of the library", setFlag<&Options::version>},
-};
+constexpr const char* footer = R"(
+Exit status: 0 after a success, 1 when the service refused a call, 2 for wrong use, 3 when a call got
+no reply or none that is JSON, 4 when the machine lacks something. Ctrl-C ends the program by its
+signal, 130 in a shell. A reply that breaks the protocol, and a login without a reply, abort it: 134.
+NO_COLOR in the environment: no colours. The manual page has the rest.)";
 
 /// What one call alone has a use for.
 struct Use {
@@ -85,78 +39,139 @@ constexpr Use uses[] = {
     {"--code", &Options::code, Call::login, true},
 };
 
+Call readCall(const std::string& name) {
+  return static_cast<Call>(std::ranges::find(callNames, name) - std::begin(callNames));
+}
+
+Address readAddress(std::string_view text) {
+  const std::size_t colon = text.rfind(':');
+  std::string_view host = text.substr(0, colon);
+  const std::string_view port = colon == text.npos ? "" : text.substr(colon + 1);
+  const bool bracketed = host.starts_with('[') && host.ends_with(']');
+  if (bracketed) host = host.substr(1, host.size() - 2);
+
+  Address address{std::string(host)};
+  const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), address.port);
+  const bool isPort = error == std::errc() && end == port.data() + port.size() && address.port != 0;
+  if (!isPort || host.empty() || (host.find(':') != host.npos) != bracketed) {
+    throw UsageError("--connect: HOST:PORT or [IPV6]:PORT wanted, with a port from 1 to 65535");
+  }
+  return address;
+}
+
+/// The words as CLI11 takes them, the last one first. It would take the word after "--name=" for the value.
+std::vector<std::string> reversed(std::span<const char* const> arguments) {
+  std::vector<std::string> words;
+  for (const std::string_view argument : arguments) {
+    const bool isEmpty = argument.starts_with("--") && argument.find('=') == argument.size() - 1;
+    words.emplace_back(isEmpty ? argument.substr(0, argument.size() - 1) : argument);
+    if (isEmpty) words.emplace_back();
+  }
+  std::ranges::reverse(words);
+  return words;
+}
+
 void refuseContradictions(const Options& options) {
-  if (options.connect && options.live) throw UsageError("--live: contradicts --connect");
-  if (options.proxy && !options.live) throw UsageError("--proxy: needs --live");
+  const std::pair<bool, const char*> contradictions[] = {
+      {options.connect && options.live, "--live: contradicts --connect"},
+      {options.proxy && !options.live, "--proxy: needs --live"},
+      {options.unmasked && !options.trace, "--unmasked: needs --trace"},
+      {options.json && options.pictureFile == "-", "--picture -: contradicts --json"},
+  };
+  for (const auto& [isGiven, complaint] : contradictions) {
+    if (isGiven) throw UsageError(complaint);
+  }
   for (const Use& use : uses) {
     if (options.*use.value && !options.includes(use.call)) {
       throw UsageError(std::string(use.name) + ": the call that --only names has no use for it");
     }
   }
+  if (!options.unmasked || options.embedsService()) return;
+  const std::string service = options.service();
+  const std::string_view host = std::string_view(service).substr(0, service.rfind(':'));
+  constexpr std::string_view own[] = {"localhost", "127.0.0.1", "[::1]"};
+  if (std::ranges::find(own, host) == std::end(own)) {
+    throw UsageError("--unmasked: only where the requests stay on this machine");
+  }
 }
 
 }  // namespace
 
+std::string Address::authority() const {
+  return (host.find(':') == host.npos ? host : "[" + host + "]") + ":" + std::to_string(port);
+}
+
+std::string_view Options::missing() const {
+  if (!mobile) return "--mobile";
+  for (const Use& use : uses) {
+    if (use.isNeeded && includes(use.call) && !(this->*use.value)) return use.name;
+  }
+  return {};
+}
+
+std::string Options::service() const {
+  if (connect) return connect->authority();
+  std::string_view rest = proxy ? *proxy : std::string_view();
+  if (const std::size_t scheme = rest.find("://"); scheme != rest.npos) rest.remove_prefix(scheme + 3);
+  rest = rest.substr(0, rest.find('/'));
+  return std::string(rest.substr(rest.rfind('@') + 1));
+}
+
 Options parseOptions(std::span<const char* const> arguments) {
   Options options;
-  for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
-    const std::string_view word = *argument;
-    const std::string_view name = word.starts_with("--") ? word.substr(0, word.find('=')) : word;
-    const auto kind = std::ranges::find(kinds, name, &OptionKind::name);
-    if (kind == std::end(kinds)) throw UsageError(std::string(name) + ": no such option");
-    std::string_view value;
-    if (name.size() < word.size()) {
-      if (kind->valueName.empty()) throw UsageError(std::string(name) + ": takes no value");
-      value = word.substr(name.size() + 1);
-    } else if (!kind->valueName.empty()) {
-      if (++argument == arguments.end()) throw UsageError(std::string(name) + ": a value is missing");
-      value = *argument;
-    }
-    kind->set(options, value);
+  std::string only;
+  std::string connect;
+  CLI::App app(summary, "orvane-signin");
+  app.footer(footer);
+  app.get_formatter()->column_width(24);
+  const auto addText = [&app](const char* name, auto& value, const char* type, const char* help) {
+    return app.add_option(name, value, help)->type_name(type);
+  };
+  const auto addFlag = [&app](const char* name, bool& value, const char* help) {
+    return app.add_flag(name, value, help)->disable_flag_override();
+  };
+  auto* const connecting = addText("--connect", connect, "HOST:PORT",
+                                   "send the requests for the service to this address; [IPV6]:PORT, too");
+  addFlag("--live", options.live, "send them to the service's own address");
+  addText("--proxy", options.proxy, "URL", "with --live: send them by this HTTP proxy");
+  addText("--mobile", options.mobile, "NUMBER", "the mobile number");
+  addText("--captcha", options.captcha, "TEXT", "what the picture says");
+  addText("--code", options.code, "TEXT", "the code in the text message");
+  addText("--client-id", options.clientId, "ID",
+          "send this client identifier, which may be empty; none is sent otherwise");
+  addText("--picture", options.pictureFile, "FILE",
+          "save the picture as it came, and do not show it; - is standard output");
+  addText("--only", only, "CALL", "make one call: picture, code or login")
+      ->check(CLI::IsMember(std::vector<std::string>(std::begin(callNames), std::end(callNames)))
+                  .description(""));
+  addFlag("--auto", options.automatic, "ask nobody");
+  addFlag("--json", options.json,
+          "print a JSON object a line for each step that ended, for scripts; what is\n"
+          "there for a person goes to standard error");
+  addFlag("--trace", options.trace,
+          "print each request on standard error as a curl command, and its reply;\n"
+          "number, picture's text, code and client identifier are masked");
+  addFlag("--unmasked", options.unmasked, "with --trace: mask nothing, where all stays on this machine");
+  app.set_version_flag(
+      "--version",
+      "orvane-signin " ORVANE_VERSION "\n" + std::string(reinterpret_cast<const char*>(OrvaneVersionString)),
+      "print the versions of the program and of the library");
+  app.set_help_flag("-h,--help", "print this");
+  try {
+    app.parse(reversed(arguments));
+  } catch (const CLI::CallForHelp&) {
+    options.printed = app.help();
+    return options;
+  } catch (const CLI::CallForVersion& version) {
+    options.printed = version.what();
+    return options;
+  } catch (const CLI::ParseError& error) {
+    throw UsageError(error.what());
   }
+  if (!only.empty()) options.only = readCall(only);
+  if (connecting->count() > 0) options.connect = readAddress(connect);
   refuseContradictions(options);
   return options;
-}
-
-Answerer chooseAnswerer(const Options& options, bool hasTerminal) {
-  if (hasTerminal && !options.automatic) return Answerer::person;
-  if (options.embedsService()) return Answerer::embeddedService;
-  const auto require = [](bool isThere, std::string_view name) {
-    if (!isThere) throw UsageError(std::string(name) + ": missing, and there is nobody to ask");
-  };
-  require(options.mobile.has_value(), "--mobile");
-  for (const Use& use : uses) {
-    if (use.isNeeded && options.includes(use.call)) require((options.*use.value).has_value(), use.name);
-  }
-  return Answerer::nobody;
-}
-
-std::string helpText() {
-  std::string text = R"(Usage: orvane-signin [OPTION]...
-Signs a user in by mobile phone number: a picture to read, a code by text message, the login.
-
-Without --connect and --live it starts the development service inside itself and signs in there. It
-asks for what no option gives. Without a terminal on standard input, or with --auto, it asks nobody
-and takes the answers from the service inside it.
-
-)";
-  constexpr std::size_t helpColumn = 24;
-  for (const OptionKind& kind : kinds) {
-    std::string line("  ");
-    line.append(kind.name).append(" ").append(kind.valueName);
-    line.resize(helpColumn, ' ');
-    for (const char c : kind.help) {
-      line.push_back(c);
-      if (c == '\n') line.append(helpColumn, ' ');
-    }
-    text.append(line).append("\n");
-  }
-  return text + R"(
-Exit status: 0 after a success, 1 when the service refused a call, 2 for wrong use, 3 when a call got
-no reply or none that is JSON, 4 when the machine lacks something. Ctrl-C ends the program by its
-signal, 130 in a shell. A reply that breaks the protocol, and a login without a reply, abort it: 134.
-NO_COLOR in the environment: no colours. The manual page has the rest.
-)";
 }
 
 }  // namespace signin

@@ -18,48 +18,47 @@ class UsageError : public std::runtime_error {
 /// The calls of a sign-in, in their order.
 enum class Call { picture, code, login };
 
-/// What --only, and the lines of --json, call them.
-inline constexpr std::string_view callNames[] = {"picture", "code", "login"};
+/// What --only, the messages and the lines of --json call them.
+inline constexpr const char* callNames[] = {"picture", "code", "login"};
 
 /// Where --connect leads.
 struct Address {
   std::string host;  ///< A name, an IPv4 address, or an IPv6 address without brackets.
   std::uint16_t port = 0;
+
+  std::string authority() const;  ///< HOST:PORT, as in a URL.
 };
 
-/// What the command line says; a text is absent where its option was not given.
+/// What the command line says. A text is absent where its option was not given.
 struct Options {
   std::optional<std::string> mobile;
   std::optional<std::string> clientId;
   std::optional<std::string> captcha;
   std::optional<std::string> code;
   std::optional<std::string> pictureFile;
+  std::optional<std::string> proxy;
   std::optional<Call> only;
   std::optional<Address> connect;
-  std::optional<std::string> proxy;  ///< A URL.
   bool live = false;
   bool automatic = false;
   bool trace = false;
+  bool unmasked = false;
   bool json = false;
-  bool help = false;
-  bool version = false;
+  std::optional<std::string> printed;  ///< What to print instead of signing in, for --help and --version.
 
-  /// Whether the program brings the service along.
+  /// Returns true if the program brings the service along.
   bool embedsService() const { return !connect && !live; }
-  /// Whether the call is to be made.
+  /// Returns true if the call is to be made.
   bool includes(Call call) const { return !only || only == call; }
+  /// Returns true if standard output gets nothing but JSON lines or the picture.
+  bool takesOutput() const { return json || pictureFile == "-"; }
+  /// Returns the first option whose value the calls need and the command line lacks. Empty if there is none.
+  std::string_view missing() const;
+  /// Returns HOST:PORT of what may be a development service, by --connect or --proxy. Empty without one.
+  std::string service() const;
 };
 
-/// Where answers come from that no option gives.
-enum class Answerer { person, embeddedService, nobody };
-
-/// Reads the arguments behind the program's name. Throws UsageError.
+/// Reads the arguments after the program's name. Throws UsageError.
 Options parseOptions(std::span<const char* const> arguments);
-
-/// Throws UsageError when nobody answers and a call lacks what it needs.
-Answerer chooseAnswerer(const Options& options, bool hasTerminal);
-
-/// What --help prints.
-std::string helpText();
 
 }  // namespace signin

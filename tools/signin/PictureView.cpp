@@ -5,6 +5,7 @@
 #include <memory>
 #include <png.h>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace signin {
@@ -74,7 +75,7 @@ char shade(const Colour& upper, const Colour& lower) {
 
 }  // namespace
 
-std::optional<std::string> viewPicture(std::span<const std::uint8_t> file, std::size_t columns,
+std::optional<PictureView> viewPicture(std::span<const std::uint8_t> file, std::size_t columns,
                                        Palette palette) {
   const std::optional<Raster> picture = decode(file);
   if (!picture) return std::nullopt;
@@ -101,7 +102,7 @@ std::optional<std::string> viewPicture(std::span<const std::uint8_t> file, std::
     }
     view.append(palette == Palette::characters ? "\n" : "\x1b[0m\n");
   }
-  return view;
+  return PictureView{std::move(view), palette != Palette::characters && side <= 2 * columns};
 }
 
 }  // namespace signin

@@ -1,11 +1,8 @@
 #include "tools/signin/Report.h"
 
 #include <atomic>
-#include <cerrno>
 #include <csignal>
-#include <fcntl.h>
 #include <nlohmann/json.hpp>
-#include <system_error>
 #include <unistd.h>
 
 namespace signin {
@@ -23,6 +20,7 @@ std::string line(const std::optional<Call>& step, const StepEnd& stepEnd) {
   object["outcome"] = outcomes[static_cast<std::size_t>(stepEnd.outcome)];
   object["domain"] = orNull(stepEnd.domain);
   object["code"] = orNull(stepEnd.code);
+  object["kind"] = stepEnd.kind ? Json(rawValue(*stepEnd.kind)) : Json();
   object["message"] = orNull(stepEnd.message);
   if (stepEnd.picture) object["picture"] = *stepEnd.picture;
   return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
@@ -30,16 +28,8 @@ std::string line(const std::optional<Call>& step, const StepEnd& stepEnd) {
 
 }  // namespace
 
-void Report::open(bool hasPerson) {
-  const auto checked = [](int result) {
-    if (result < 0) throw std::system_error(errno, std::system_category(), "--json");
-    return result;
-  };
-  const int lines = checked(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0));
-  const int others = hasPerson ? STDERR_FILENO : checked(::open("/dev/null", O_WRONLY | O_CLOEXEC));
-  checked(dup2(others, STDOUT_FILENO));
-  lines_ = fdopen(lines, "w");
-  checked(lines_ ? 0 : -1);
+void Report::open(std::FILE* lines) {
+  lines_ = lines;
   opened = this;
   struct sigaction action = {};
   action.sa_handler = tellAbortion;
@@ -61,11 +51,6 @@ void Report::end(const StepEnd& stepEnd) {
   std::fflush(lines_);
   step_.reset();
   if (stepEnd.outcome == Outcome::interrupted) lines_ = nullptr;
-}
-
-bool Report::isBroken() {
-  const std::lock_guard lock(mutex_);
-  return lines_ && std::ferror(lines_);
 }
 
 void Report::tellAbortion(int) {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "orvane/orvane.h"
 #include "tools/signin/Options.h"
 
 namespace signin {
@@ -27,6 +28,7 @@ struct StepEnd {
   Outcome outcome = Outcome::success;
   std::optional<std::string> domain = std::nullopt;
   std::optional<std::int64_t> code = std::nullopt;
+  std::optional<orvane::ErrorKind> kind = std::nullopt;
   std::optional<std::string> message = std::nullopt;
   std::optional<std::string> picture = std::nullopt;  ///< The file that has the picture.
 };
@@ -35,16 +37,12 @@ struct StepEnd {
 /// interruption. May be used from any thread, and has to live for ever.
 class Report {
  public:
-  /// Takes standard output for the lines. What else is printed there goes from now on to standard error where
-  /// a person is to see it, else nowhere. Throws std::system_error. From now on the abortion of a step is told, too.
-  void open(bool hasPerson);
+  /// Writes the lines to the file. From now on the abortion of a step is told, too.
+  void open(std::FILE* lines);
 
   void begin(Call step);
   /// Ends the step that was begun, if any.
   void end(const StepEnd& stepEnd);
-
-  /// Whether a line was lost.
-  bool isBroken();
 
  private:
   static void tellAbortion(int signal);

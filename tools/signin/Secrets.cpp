@@ -2,15 +2,62 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <utility>
 
 #include "orvane/orvane.h"
 
 namespace signin {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int deepestShownLevel = 32;  // What is deeper is left out: the walk must not exhaust the stack.
+constexpr std::size_t longestShownArray = 16;
+
+bool isSecretMember(std::string_view name) {
+  constexpr std::string_view names[] = {"mobile", "captcha", "verificationCode"};
+  return std::ranges::find(names, name) != std::end(names);
+}
+
+void maskObject(Json& object, const Secrets& secrets);
+
+void maskValue(Json& value, const Secrets& secrets) {
+  if (value.is_object()) {
+    maskObject(value, secrets);
+  } else if (value.is_array()) {
+    const bool isLong = value.size() > longestShownArray;
+    if (isLong && std::ranges::all_of(value, [](const Json& element) { return element.is_number(); })) {
+      value = std::string("<").append(std::to_string(value.size())).append(" bytes>");
+    } else {
+      for (Json& element : value) maskValue(element, secrets);
+    }
+  } else {
+    const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+    if (std::string masked = secrets.masked(text); masked != text) value = std::move(masked);
+  }
+}
+
+void maskObject(Json& object, const Secrets& secrets) {
+  Json masked = Json::object();
+  for (const auto& member : object.items()) {
+    Json& value = masked[secrets.masked(member.key())] = std::move(member.value());
+    if (secrets.areMasked() && isSecretMember(member.key())) {
+      value = Secrets::mask;
+    } else {
+      maskValue(value, secrets);
+    }
+  }
+  object = std::move(masked);
+}
+
+}  // namespace
 
 void Secrets::add(std::string_view secret) {
   // Others may quote a mobile number without its plus sign, or with an encoded one.
   if (secret.starts_with('+')) secret.remove_prefix(1);
-  if (secret.size() < 2) return;
+  if (!areMasked_ || secret.size() < 2) return;
   const std::lock_guard lock(mutex_);
   secrets_.emplace_back(secret);
   std::ranges::sort(secrets_, std::greater(), &std::string::size);
@@ -32,6 +79,14 @@ std::string Secrets::masked(std::string_view text) const {
     }
   }
   return result;
+}
+
+std::string Secrets::maskedBody(std::string_view body) const {
+  const auto isShown = [](int depth, Json::parse_event_t, const Json&) { return depth <= deepestShownLevel; };
+  Json value = Json::parse(body, isShown, false);
+  if (value.is_discarded()) return masked(body);
+  maskValue(value, *this);
+  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 }  // namespace signin

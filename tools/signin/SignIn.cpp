@@ -1,28 +1,27 @@
 #include "tools/signin/SignIn.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <system_error>
-#include <tuple>
 #include <utility>
+#include <vector>
 
+#include "orvane/await.h"
 #include "orvane/host/MainQueue.h"
 #include "tools/signin/PictureView.h"
 #include "tools/signin/Terminal.h"
-#include "tools/signin/printable.h"
-#include "tools/signin/textBubble.h"
 
 namespace signin {
 namespace {
 
-using orvane::Bytes;
-using orvane::ErrorPtr;
-using orvane::Value;
-
 /// From the numbers that are reserved for stories, so nobody's.
-constexpr std::string_view someNumber = "+447700900123";
+constexpr const char* someNumber = "+447700900123";
+
+/// How often a person may answer a question that the service refuses.
+constexpr int mostTries = 3;
 
 /// How long an accepted login's submission may take to leave.
 constexpr std::chrono::seconds submissionLimit{5};
@@ -30,28 +29,20 @@ constexpr std::chrono::seconds submissionLimit{5};
 /// How long one waits without being told what for.
 constexpr std::chrono::milliseconds patience{500};
 
-/// Makes a call, runs the main queue until `finished` was called, on whatever thread, and returns what with.
-template <class... Results, class Call>
-std::tuple<Results...> await(std::string_view whatFor, Call call) {
-  std::optional<std::tuple<Results...>> results;
-  call([&results](Results... come) {
-    results.emplace(std::move(come)...);
+/// Makes a call, runs the main queue until it is over, and returns what it came to.
+template <class T, class Finished>
+orvane::Outcome<T> await(std::string_view whatFor, orvane::AwaitableCall<T, Finished> call) {
+  orvane::Outcome<T> outcome;
+  [](auto call, auto& outcome) -> orvane::Detached {
+    outcome = co_await std::move(call);
     orvane::hostMainQueue().stop();
-  });
+  }(std::move(call), outcome);
   if (!orvane::hostMainQueue().run(patience)) {
     showWaiting(whatFor);
     orvane::hostMainQueue().run();
     hideWaiting();
   }
-  return *std::move(results);
-}
-
-std::string inWords(const Value& value) {
-  if (value.text()) return *value.text();
-  if (value.boolean()) return *value.boolean() ? "true" : "false";
-  if (value.array()) return std::to_string(value.array()->size()) + " elements";
-  if (value.map()) return std::to_string(value.map()->size()) + " members";
-  return value.decimalText().value_or("nothing");
+  return outcome;
 }
 
 bool isUTF8(const std::string& text) {
@@ -63,73 +54,79 @@ bool isUTF8(const std::string& text) {
   }
 }
 
-void save(const Bytes& bytes, const std::string& path) {
-  std::ofstream file(path, std::ios::binary);
-  file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  if (!file.flush())
-    throw UsageError("--picture: cannot write " + path + ": " + std::system_category().message(errno));
+/// A text message as a phone shows it, in a box, one sentence per line. Only ASCII comes out straight.
+std::string textBubble(std::string_view text) {
+  std::vector<std::string_view> lines;
+  for (std::size_t end = text.find(". "); end != text.npos; end = text.find(". ")) {
+    lines.push_back(text.substr(0, end + 1));
+    text.remove_prefix(end + 2);
+  }
+  lines.push_back(text);
+  const std::size_t width = std::ranges::max(lines, {}, &std::string_view::size).size();
+  std::string edge;
+  for (std::size_t i = 0; i < width + 2; ++i) edge.append("─");
+
+  std::string box = "  ╭" + edge + "╮\n";
+  for (const std::string_view line : lines) {
+    box.append("  │ ").append(line).append(width - line.size(), ' ').append(" │\n");
+  }
+  return box + "  ╰" + edge + "╯\n";
 }
 
 }  // namespace
 
-SignIn::SignIn(const Options& options, Answerer answerer, const devservice::IdentityService* service,
-               const CountingSession& session, Secrets& secrets, Report& report)
-    : options_(options),
-      answerer_(answerer),
-      service_(service),
-      session_(session),
-      secrets_(secrets),
-      report_(report) {}
-
 Outcome SignIn::run() {
-  constexpr std::pair<Call, Outcome (SignIn::*)()> steps[] = {{Call::picture, &SignIn::requestPicture},
-                                                              {Call::code, &SignIn::requestCode},
-                                                              {Call::login, &SignIn::requestLogin}};
-  mobile_ = answer({"--mobile", "Mobile number: ", options_.mobile}, std::string(someNumber));
+  mobile_ = answer({"--mobile", "Mobile number: ", {}, options_.mobile});
   Outcome outcome = Outcome::success;
-  for (const auto& [call, request] : steps) {
-    if (!options_.includes(call) || outcome != Outcome::success) continue;
-    report_.begin(call);
-    outcome = (this->*request)();
+  const auto isAsked = [this](const auto& given) { return means_.hasPerson && !given; };
+  // A misread picture is asked again with a new one.
+  for (int tries = isAsked(options_.captcha) && !options_.only ? mostTries : 1; tries > 0; --tries) {
+    if (options_.includes(Call::picture)) outcome = requestPicture();
+    if (outcome != Outcome::success) return outcome;
+    if (options_.includes(Call::code)) outcome = requestCode();
+    if (outcome != Outcome::refusal) break;
+    if (tries > 1) print("Here is a new picture.\n");
   }
+  if (!options_.includes(Call::login) || outcome != Outcome::success) return outcome;
+  int tries = isAsked(options_.code) ? mostTries : 1;
+  do {
+    outcome = requestLogin();
+  } while (outcome == Outcome::refusal && --tries > 0);
   return outcome;
 }
 
 Outcome SignIn::requestPicture() {
-  const auto [picture, error] = await<std::optional<Bytes>, ErrorPtr>(
-      "Waiting for the picture ...",
-      [this](auto finished) { manager_.requestPictureCode(mobile_, std::move(finished)); });
-  if (error) return fail("requestPictureCode", *error);
+  means_.report.begin(Call::picture);
+  const auto picture = await("Waiting for the picture ...", orvane::requestPictureCode(manager_, mobile_));
+  if (!picture) return fail(Call::picture, *picture.error);
   present(*picture);
   return succeed({.picture = options_.pictureFile});
 }
 
 Outcome SignIn::requestCode() {
-  const std::string captcha = answer({"--captcha", "What does the picture say? ", options_.captcha},
-                                     known(&devservice::Inspection::picture));
-  const auto [error] = await<ErrorPtr>("Waiting for the code to be sent ...", [&](auto finished) {
-    manager_.requestCode(mobile_, captcha, std::move(finished));
-  });
-  if (error) return fail("requestCode", *error);
+  means_.report.begin(Call::code);
+  const std::string captcha =
+      answer({"--captcha", "What does the picture say? ", "picture", options_.captcha});
+  const auto sent =
+      await("Waiting for the code to be sent ...", orvane::requestCode(manager_, mobile_, captcha));
+  if (!sent) return fail(Call::code, *sent.error);
   print("A text message with a code was sent to " + printable(mobile_) + ".\n");
-  if (const std::string message = known(&devservice::Inspection::message); !message.empty()) {
-    print(textBubble(message));
+  if (means_.inspector) {
+    if (const auto message = means_.inspector->known("message", mobile_)) print(textBubble(*message));
   }
   return succeed();
 }
 
 Outcome SignIn::requestLogin() {
-  const std::string code =
-      answer({"--code", "Code in the text message: ", options_.code}, known(&devservice::Inspection::code));
-  const auto [message, error] = await<std::optional<std::string>, ErrorPtr>(
-      "Waiting for the login ...",
-      [&](auto finished) { manager_.requestLogin(mobile_, code, std::move(finished)); });
-  if (error) return fail("requestLogin", *error);
-  print("Signed in. The service says: " + printable(*message) + "\n");
-  const Outcome outcome = succeed({.message = *message});
-  if (!session_.waitUntilIdle(patience)) {
+  means_.report.begin(Call::login);
+  const std::string code = answer({"--code", "Code in the text message: ", "code", options_.code});
+  const auto login = await("Waiting for the login ...", orvane::requestLogin(manager_, mobile_, code));
+  if (!login) return fail(Call::login, *login.error);
+  print("Signed in. The service says: " + printable(*login) + "\n");
+  const Outcome outcome = succeed({.message = *login});
+  if (!means_.session.waitUntilIdle(patience)) {
     showWaiting("Sending the device's facts ...");
-    session_.waitUntilIdle(submissionLimit);
+    means_.session.waitUntilIdle(submissionLimit);
     hideWaiting();
   }
   return outcome;
@@ -137,62 +134,69 @@ Outcome SignIn::requestLogin() {
 
 Outcome SignIn::succeed(StepEnd stepEnd) const {
   stepEnd.code = 0;
-  report_.end(stepEnd);
+  means_.report.end(stepEnd);
   return stepEnd.outcome;
 }
 
 /// Says why the call failed.
-Outcome SignIn::fail(std::string_view call, const orvane::Error& error) const {
-  std::string text = std::string(call) + ": " + printable(description(error));
-  for (const auto& [key, value] : error.userInfo) {
-    text.append("\n  ").append(printable(key)).append(": ").append(printable(inWords(value)));
-  }
-  complain(text);
-
-  // Only a refusal comes without user information.
-  StepEnd stepEnd{error.userInfo.empty() ? Outcome::refusal : Outcome::network, error.domain, error.code};
-  if (stepEnd.outcome == Outcome::refusal) stepEnd.message = error.domain;
-  for (const char* key : {"NSLocalizedDescription", "error"}) {
-    if (const auto found = error.userInfo.find(key); found != error.userInfo.end()) {
-      stepEnd.message = inWords(found->second);
-    }
-  }
-  report_.end(stepEnd);
-  return stepEnd.outcome;
+Outcome SignIn::fail(Call call, const orvane::Error& error) const {
+  const orvane::ErrorKind kind = orvane::kind(error);
+  const bool isRefusal = kind == orvane::ErrorKind::refused;
+  const std::string message = orvane::message(error);
+  complain(std::string(callNames[static_cast<std::size_t>(call)]) + ": " + printable(message) + " (" +
+           std::string(rawValue(kind)) + ", " + (isRefusal ? "" : printable(error.domain) + " ") +
+           std::to_string(error.code) + ")");
+  const Outcome outcome = isRefusal ? Outcome::refusal : Outcome::network;
+  means_.report.end({outcome, error.domain, error.code, kind, message});
+  return outcome;
 }
 
-/// What the option gives, else what the person or the service answers.
-std::string SignIn::answer(const Question& question, const std::string& fromService) const {
+/// Returns what the option gives, else what the person or the development service answers.
+std::string SignIn::answer(const Question& question) const {
   std::optional<std::string> text = question.given;
-  if (!text && answerer_ == Answerer::person) {
+  const std::string option(question.option);
+  if (!text && means_.hasPerson) {
     text = ask(question.text);
-    if (!text) throw UsageError(std::string(question.option) + ": missing, and the input has ended");
+    if (!text) throw UsageError(option + ": missing, and the input has ended");
   } else if (!text) {
-    text = fromService;
-    print(std::string(question.text) + fromService + "\n");
+    text = question.fact.empty() ? someNumber : means_.inspector->known(question.fact, mobile_);
+    if (!text) throw UsageError(option + ": missing, and the development service does not know it");
+    print(std::string(question.text) + printable(*text) + "\n");
   }
-  if (!isUTF8(*text)) throw UsageError(std::string(question.option) + ": not UTF-8");
-  secrets_.add(*text);
+  if (!isUTF8(*text)) throw UsageError(option + ": not UTF-8");
+  means_.secrets.add(*text);
   return *text;
 }
 
-/// What the embedded service knows of the number; empty without it.
-std::string SignIn::known(std::optional<std::string> devservice::Inspection::*fact) const {
-  const auto inspection = service_ ? service_->inspect(mobile_) : std::nullopt;
-  return inspection ? (*inspection.*fact).value_or("") : "";
-}
-
 /// Saves or shows the picture.
-void SignIn::present(const Bytes& picture) const {
+void SignIn::present(const orvane::Bytes& picture) const {
   const std::string size = std::to_string(picture.size()) + " bytes";
-  const std::optional<std::string> view = viewPicture(picture, outputColumns(), outputPalette());
+  const std::optional<PictureView> view = viewPicture(picture, outputColumns(), outputPalette());
   if (options_.pictureFile) {
-    save(picture, *options_.pictureFile);
-    print("The picture, " + size + ", is in " + *options_.pictureFile + ".\n");
+    save(picture);
+    const bool isPrinted = means_.pictureOutput != nullptr;
+    print("The picture, " + size + ", is " +
+          (isPrinted ? "on standard output" : "in " + *options_.pictureFile) + ".\n");
   } else if (view) {
-    print(*view);
+    print(view->lines);
+    if (means_.hasPerson && !view->isClear)
+      print("If that cannot be read: --picture FILE saves the picture.\n");
   }
   if (!view) print("What came as picture, " + size + ", is nothing that can be drawn.\n");
+}
+
+void SignIn::save(const orvane::Bytes& picture) const {
+  if (means_.pictureOutput) {
+    std::fwrite(picture.data(), 1, picture.size(), means_.pictureOutput);
+    std::fflush(means_.pictureOutput);
+    return;
+  }
+  const std::string& path = *options_.pictureFile;
+  std::ofstream file(path, std::ios::binary);
+  file.write(reinterpret_cast<const char*>(picture.data()), static_cast<std::streamsize>(picture.size()));
+  if (!file.flush()) {
+    throw UsageError("--picture: cannot write " + path + ": " + std::system_category().message(errno));
+  }
 }
 
 }  // namespace signin

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "orvane/orvane.h"
-#include "tools/devservice/IdentityService.h"
-#include "tools/signin/CountingSession.h"
+#include "tools/signin/Inspector.h"
+#include "tools/signin/ObservedSession.h"
 #include "tools/signin/Options.h"
 #include "tools/signin/Report.h"
 #include "tools/signin/Secrets.h"
@@ -17,19 +17,28 @@ namespace signin {
 /// library. Runs the host's main queue, so it is for the main thread alone.
 class SignIn {
  public:
-  /// All of it has to outlive the sign-in; `service` is the embedded one, null without. `session` is the one
-  /// that the library uses.
-  SignIn(const Options& options, Answerer answerer, const devservice::IdentityService* service,
-         const CountingSession& session, Secrets& secrets, Report& report);
+  /// Where the sign-in has its means from. All of it has to outlive the sign-in.
+  struct Means {
+    const Options& options;
+    bool hasPerson;            ///< Asks a person for what no option gives, else the inspector.
+    Inspector* inspector;      ///< Null where there is none; then nothing is missing, or there is a person.
+    ObservedSession& session;  ///< The one that the library uses.
+    Secrets& secrets;
+    Report& report;
+    std::FILE* pictureOutput;  ///< Where --picture - goes.
+  };
 
-  /// How the last of the calls ended; the error of one that did not succeed is on standard error. Throws
-  /// UsageError when an answer does not come, is no UTF-8, or the picture cannot be saved.
+  explicit SignIn(const Means& means) : means_(means), options_(means.options) {}
+
+  /// Returns how the last of the calls ended; the error of one that did not succeed is on standard error. Throws
+  /// UsageError when an answer does not come, is not UTF-8, or the picture cannot be saved.
   Outcome run();
 
  private:
   struct Question {
     std::string_view option;
     std::string_view text;
+    std::string_view fact;  // What the inspector calls it.
     const std::optional<std::string>& given;
   };
 
@@ -38,18 +47,14 @@ class SignIn {
   Outcome requestLogin();
 
   Outcome succeed(StepEnd stepEnd = {}) const;
-  Outcome fail(std::string_view call, const orvane::Error& error) const;
+  Outcome fail(Call call, const orvane::Error& error) const;
 
-  std::string answer(const Question& question, const std::string& fromService) const;
-  std::string known(std::optional<std::string> devservice::Inspection::*fact) const;
+  std::string answer(const Question& question) const;
   void present(const orvane::Bytes& picture) const;
+  void save(const orvane::Bytes& picture) const;
 
+  const Means means_;
   const Options& options_;
-  const Answerer answerer_;
-  const devservice::IdentityService* const service_;
-  const CountingSession& session_;
-  Secrets& secrets_;
-  Report& report_;
   orvane::OrvaneManager& manager_ = orvane::OrvaneManager::shareManager();
   std::string mobile_;
 };

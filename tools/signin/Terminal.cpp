@@ -1,12 +1,15 @@
 #include "tools/signin/Terminal.h"
 
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <iostream>
 #include <mutex>
 #include <string>
 #include <sys/ioctl.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -61,16 +64,48 @@ Palette outputPalette() {
   return colours == "truecolor" || colours == "24bit" ? Palette::direct : Palette::indexed;
 }
 
+std::FILE* takeOutput(bool hasPerson) {
+  const auto checked = [](int result) {
+    if (result < 0) throw std::system_error(errno, std::system_category(), "standard output");
+    return result;
+  };
+  const int taken = checked(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0));
+  const int others = hasPerson ? STDERR_FILENO : checked(open("/dev/null", O_WRONLY | O_CLOEXEC));
+  checked(dup2(others, STDOUT_FILENO));
+  std::FILE* const file = fdopen(taken, "w");
+  checked(file ? 0 : -1);
+  return file;
+}
+
+std::string printable(std::string_view text) {
+  constexpr std::string_view hex = "0123456789abcdef";
+  std::string result;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    // In UTF-8 there are more of them, from U+0080 to U+009F; one without its first byte is none.
+    const bool startsControl =
+        byte == 0xC2 && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
+    if (byte < 0x20 || byte == 0x7F || startsControl) {
+      result.append({'\\', 'x', hex[byte >> 4], hex[byte & 15]});
+    } else {
+      result.push_back(text[at]);
+    }
+  }
+  return result;
+}
+
 std::optional<std::string> ask(std::string_view question) {
-  std::string answer;
+  constexpr const char* blanks = " \t\r";
+  std::string line;
   do {
     print(question);
-    if (!std::getline(std::cin, answer)) {
+    if (!std::getline(std::cin, line)) {
       print("\n");
       return std::nullopt;
     }
-  } while (answer.empty());
-  return answer;
+  } while (line.find_first_not_of(blanks) == line.npos);
+  const std::size_t start = line.find_first_not_of(blanks);
+  return line.substr(start, line.find_last_not_of(blanks) + 1 - start);
 }
 
 void print(std::string_view text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdio>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,16 +10,24 @@
 
 namespace signin {
 
-/// Whether a person may be at standard input.
+/// Returns true if a person may be at standard input.
 bool inputIsTerminal();
 
-/// How many columns standard output has: the terminal's, else those of COLUMNS in the environment, else 80.
+/// Returns how many columns standard output has: the terminal's, else those of COLUMNS in the environment, else 80.
 std::size_t outputColumns();
 
-/// The colours that standard output can show; none where NO_COLOR is in the environment.
+/// Returns the colours that standard output can show; none where NO_COLOR is in the environment.
 Palette outputPalette();
 
-/// Puts the question and reads lines until one is not empty. Nothing at the end of the input.
+/// Returns standard output, for the caller alone. What is printed goes from now on to standard error if a person is to
+/// see it, else nowhere. To be called once. Throws std::system_error.
+std::FILE* takeOutput(bool hasPerson);
+
+/// Returns the text with its control characters as \xNN, so that a service cannot command the terminal.
+std::string printable(std::string_view text);
+
+/// Puts the question and reads lines until one has more than blanks, without those around it. Returns nothing at the end
+/// of the input.
 std::optional<std::string> ask(std::string_view question);
 
 /// Writes a text to standard output at once.

@@ -1,9 +1,11 @@
 #include "tools/signin/Trace.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <ctime>
 
-#include "tools/signin/maskedBody.h"
-#include "tools/signin/printable.h"
+#include "tools/signin/Options.h"
+#include "tools/signin/Terminal.h"
 
 namespace signin {
 namespace {
@@ -23,22 +25,18 @@ std::string shortened(std::string text) {
   return text + "…";
 }
 
-std::string authority(const std::string& host, std::uint16_t port) {
-  return (host.find(':') == host.npos ? host : "[" + host + "]") + ":" + std::to_string(port);
-}
-
 /// The URL without the name and password in it, if it has any.
 std::string maskedUser(const std::string& url) {
   const std::size_t at = url.rfind('@');
   if (at == url.npos) return url;
   const std::size_t scheme = url.find("//");
-  return url.substr(0, scheme < at ? scheme + 2 : 0) + std::string(mask) + url.substr(at);
+  return url.substr(0, scheme < at ? scheme + 2 : 0) + std::string(Secrets::mask) + url.substr(at);
 }
 
 std::string headerWord(const orvane::HeaderField& field, const Secrets& secrets) {
   if (field.value.empty()) return shellWord(field.name + ";");  // curl's way to send an empty one
-  const bool isSecret = orvane::equalIgnoringCase(field.name, "XRAPI-CLIENT-ID");
-  return shellWord(field.name + ": " + (isSecret ? std::string(mask) : secrets.masked(field.value)));
+  const bool isSecret = secrets.areMasked() && orvane::equalIgnoringCase(field.name, "XRAPI-CLIENT-ID");
+  return shellWord(field.name + ": " + (isSecret ? std::string(Secrets::mask) : secrets.masked(field.value)));
 }
 
 }  // namespace
@@ -61,26 +59,40 @@ std::string shellWord(std::string_view text) {
   return word + "'";
 }
 
+std::string timeText() {
+  const auto now = std::chrono::system_clock::now();
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+  const auto milliseconds =
+      std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count();
+  std::tm local{};
+  localtime_r(&seconds, &local);
+  char text[32];
+  const std::size_t size = std::strftime(text, sizeof text, "# %H:%M:%S.", &local);
+  std::snprintf(text + size, sizeof text - size, "%03d", static_cast<int>(milliseconds % 1000));
+  return text;
+}
+
 std::string requestLine(const orvane::URLRequest& request,
                         const orvane::HostSessionConfiguration& configuration, const Secrets& secrets) {
   std::string line = "curl -X " + request.method();
   for (const orvane::Reroute& reroute : configuration.reroutes) {
     line.append(" --connect-to ");
-    line +=
-        shellWord(authority(reroute.host, reroute.port) + ":" + authority(reroute.toHost, reroute.toPort));
+    line += shellWord(Address{reroute.host, reroute.port}.authority() + ":" +
+                      Address{reroute.toHost, reroute.toPort}.authority());
   }
   if (!configuration.proxy.empty()) line.append(" -x ").append(shellWord(maskedUser(configuration.proxy)));
   for (const orvane::HeaderField& field : request.headers()) {
     line.append(" -H ").append(headerWord(field, secrets));
   }
   if (request.body()) {
-    line.append(" --data-raw ").append(shellWord(maskedBody(textOf(*request.body()), secrets)));
+    line.append(" --data-raw ").append(shellWord(secrets.maskedBody(textOf(*request.body()))));
   }
   return line.append(" ").append(shellWord(secrets.masked(request.url())));
 }
 
-std::string replyLine(std::string_view url, const orvane::DataTaskResult& result, const Secrets& secrets) {
-  std::string line = "# " + secrets.masked(url) + ": ";
+std::string replyLine(std::string_view url, const orvane::DataTaskResult& result,
+                      std::chrono::milliseconds took, const Secrets& secrets) {
+  std::string line = secrets.masked(url) + ": " + std::to_string(took.count()) + " ms, ";
   if (result.error) {
     line += secrets.masked(orvane::description(*result.error));
     for (const auto& [key, value] : result.error->userInfo) {
@@ -90,7 +102,7 @@ std::string replyLine(std::string_view url, const orvane::DataTaskResult& result
     const std::string_view body = textOf(*result.body);
     line += "status " + std::to_string(result.response->statusCode) + ", " + std::to_string(body.size()) +
             " bytes";
-    if (!body.empty()) line.append(": ").append(shortened(maskedBody(body, secrets)));
+    if (!body.empty()) line.append(": ").append(shortened(secrets.maskedBody(body)));
   }
   return printable(line);
 }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -5,21 +6,21 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <string_view>
+#include <sys/resource.h>
 #include <utility>
 
 #include "orvane/host/HostSession.h"
 #include "orvane/orvane.h"
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/Server.h"
-#include "tools/signin/CountingSession.h"
+#include "tools/signin/Inspector.h"
 #include "tools/signin/Interruption.h"
+#include "tools/signin/ObservedSession.h"
 #include "tools/signin/Options.h"
 #include "tools/signin/Report.h"
 #include "tools/signin/Secrets.h"
 #include "tools/signin/SignIn.h"
 #include "tools/signin/Terminal.h"
-#include "tools/signin/TracingSession.h"
 
 namespace {
 
@@ -30,70 +31,81 @@ struct EmbeddedService {
   devservice::Server server{service};
 };
 
-orvane::Reroute rerouteTo(const Address& address) {
-  return {.host = std::string(orvane::serviceHost()), .toHost = address.host, .toPort = address.port};
+/// A core file would have the codes. A limit of one byte also keeps Linux from handing the core to a program.
+void preventCoreFile() {
+  rlimit limit{};
+  getrlimit(RLIMIT_CORE, &limit);
+  limit.rlim_cur = std::min<rlim_t>(1, limit.rlim_max);
+  setrlimit(RLIMIT_CORE, &limit);
 }
 
-/// Puts the tool's own session under the library.
-std::shared_ptr<CountingSession> installSession(const orvane::HostSessionConfiguration& configuration,
-                                                std::shared_ptr<const Secrets> traceSecrets) {
-  // Under the tracing, so that what is waited for is hidden before a reply is traced.
-  auto counting =
-      std::make_shared<CountingSession>(std::make_shared<orvane::HostSession>(configuration), hideWaiting);
-  std::shared_ptr<orvane::URLSession> session = counting;
-  if (traceSecrets) {
-    session = std::make_shared<TracingSession>(counting, configuration, std::move(traceSecrets), writeError);
+/// Returns how the library's requests reach the service.
+orvane::HostSessionConfiguration routeTo(const std::optional<Address>& address, const Options& options) {
+  orvane::HostSessionConfiguration configuration{.proxy = options.proxy.value_or("")};
+  if (address) {
+    configuration.reroutes.push_back(
+        {.host = std::string(orvane::serviceHost()), .toHost = address->host, .toPort = address->port});
   }
-  orvane::installPlatform({.sharedSession = std::move(session)});
-  return counting;
+  return configuration;
 }
 
-Outcome signIn(const Options& options, Report& report) {
-  const Answerer answerer = chooseAnswerer(options, inputIsTerminal());
+Outcome signIn(const Options& options, Report& report, std::FILE*& output) {
+  const bool hasPerson = inputIsTerminal() && !options.automatic;
+  const bool lacksAnswers = !hasPerson && !options.missing().empty();
+  const auto refuseToGuess = [&](const std::string& why) {
+    throw UsageError(std::string(options.missing()) + ": missing, and " + why);
+  };
+  if (lacksAnswers && !options.embedsService() && options.service().empty())
+    refuseToGuess("there is nobody to ask");
   onInterruption([&report] {
     leaveTerminal();
     report.end({Outcome::interrupted});
   });
-  if (options.json) report.open(answerer == Answerer::person);
+  if (options.takesOutput()) output = takeOutput(hasPerson);
+  if (options.json) report.open(output);
+
   std::optional<EmbeddedService> embedded;
   if (options.embedsService()) embedded.emplace();
-
-  orvane::HostSessionConfiguration configuration{.proxy = options.proxy.value_or("")};
-  if (embedded) configuration.reroutes.push_back(rerouteTo({"127.0.0.1", embedded->server.port()}));
-  if (options.connect) configuration.reroutes.push_back(rerouteTo(*options.connect));
-
-  const auto secrets = std::make_shared<Secrets>();
+  const std::optional<Address> address =
+      embedded ? Address{"127.0.0.1", embedded->server.port()} : options.connect;
+  const auto secrets = std::make_shared<Secrets>(!options.unmasked);
   for (const auto& given : {options.mobile, options.clientId, options.captcha, options.code}) {
     if (given) secrets->add(*given);
   }
-  const auto session = installSession(configuration, options.trace ? secrets : nullptr);
+  const auto session =
+      std::make_shared<ObservedSession>(routeTo(address, options), options.trace ? secrets : nullptr);
+  orvane::installPlatform({.sharedSession = session});
   if (options.clientId) orvane::OrvaneManager::shareManager().setAppClientId(*options.clientId);
-  return SignIn(options, answerer, embedded ? &embedded->service : nullptr, *session, *secrets, report).run();
+
+  std::optional<Inspector> inspector;
+  if (embedded || lacksAnswers) inspector.emplace(embedded ? address->authority() : options.service());
+  if (lacksAnswers && !inspector->isThere())
+    refuseToGuess("no development service answers at " + options.service());
+  return SignIn({.options = options,
+                 .hasPerson = hasPerson,
+                 .inspector = inspector ? &*inspector : nullptr,
+                 .session = *session,
+                 .secrets = *secrets,
+                 .report = report,
+                 .pictureOutput = options.pictureFile == "-" ? output : nullptr})
+      .run();
 }
 
-void printVersion() {
-  print("orvane-signin " SIGNIN_VERSION "\n");
-  print(reinterpret_cast<const char*>(OrvaneVersionString));
-}
-
-Outcome run(std::span<const char* const> arguments, Report& report) {
+Outcome run(std::span<const char* const> arguments, Report& report, std::FILE*& output) {
   const Options options = parseOptions(arguments);
-  if (options.help) {
-    print(helpText());
-  } else if (options.version) {
-    printVersion();
-  } else {
-    return signIn(options, report);
-  }
+  if (!options.printed) return signIn(options, report, output);
+  print(*options.printed);
   return Outcome::success;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  preventCoreFile();
   // A reader who goes away, like head, must not stop a sign-in between its calls.
   std::signal(SIGPIPE, SIG_IGN);
   static Report& report = *new Report;
+  std::FILE* output = stdout;
   const auto complainOf = [](Outcome outcome, const std::exception& error) {
     complain(error.what());
     report.end({.outcome = outcome, .message = error.what()});
@@ -101,12 +113,15 @@ int main(int argc, char** argv) {
   };
   Outcome outcome{};
   try {
-    outcome = run(std::span(argv, static_cast<std::size_t>(argc)).subspan(1), report);
+    outcome = run(std::span(argv, static_cast<std::size_t>(argc)).subspan(1), report, output);
   } catch (const UsageError& error) {
     outcome = complainOf(Outcome::usage, error);
   } catch (const std::exception& error) {
     outcome = complainOf(Outcome::fault, error);
   }
-  if (std::ferror(stdout) || report.isBroken()) complain("standard output could not be written");
+  if (std::ferror(output)) {
+    complain("standard output could not be written");
+    outcome = Outcome::fault;
+  }
   return static_cast<int>(outcome);
 }

@@ -19,7 +19,7 @@ _orvane_signin() {
     --mobile | --captcha | --code | --client-id | --proxy) return ;;
     *)
       kind=(-W '--connect --live --proxy --mobile --captcha --code --client-id --picture --only --auto --json
-        --trace --help --version')
+        --trace --unmasked --help --version')
       ;;
   esac
   mapfile -t COMPREPLY < <(compgen "${kind[@]}" -- "$word")
