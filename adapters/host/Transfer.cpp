@@ -13,7 +13,7 @@
 namespace orvane {
 namespace {
 
-constexpr const char* userAgent = "Orvane/1.0";
+constexpr const char* userAgent = "Orvane/" ORVANE_VERSION;
 
 /// Limits on all header lines of an exchange: interim replies, the reply, trailers. Below those of every
 /// curl, which keeps each line and counts with some versions.
