@@ -326,7 +326,7 @@ TEST(HostSession, GoesOnWherePollFails) {
   std::optional<DescriptorLimit> limit;
   LoopbackServer server([&](const Request&) {
     limit.emplace(1);  // For poll() also a limit on how many it takes.
-    return Answer{reply("ok"), Then::keep, "", milliseconds(1)};
+    return Answer{reply("ok"), Then::keep, "", milliseconds(10)};
   });
   HostSession session({.idleTimeout = std::chrono::seconds(5)});
   const std::string outcome = perform(session, URLRequest(server.url()));
@@ -488,7 +488,7 @@ TEST(HostSession, ChecksCertificates) {
   }
   const TLSServer server(&good, reply("ok"));
   auto systems = session(server.port(), "");
-  EXPECT_EQ(perform(systems, URLRequest("https://" + name + "/")), "error -1203");
+  EXPECT_TRUE(perform(systems, URLRequest("https://" + name + "/")).starts_with("error -120"));
   auto none = session(server.port(), file + ".absent");
   EXPECT_EQ(perform(none, URLRequest("https://" + name + "/")), "error -1202");
   std::filesystem::remove(file);
