@@ -7,8 +7,7 @@
 #include <rapidjson/document.h>
 #include <simdjson.h>
 
-#include "orvane/client/Outcome.h"
-#include "orvane/client/replies.h"
+#include "orvane/client/JudgedReply.h"
 #include "orvane/json/JSONReader.h"
 #include "orvane/json/JSONWriter.h"
 
@@ -40,15 +39,10 @@ std::string ownBody(const Fields& fields) {
 
 Codec ownCodec() {
   return {"own reader", ownBody,
-          [](const std::string& reply) {
-            std::optional<Bytes> taken;
-            finishPictureCode(readJSON(reply), nullptr,
-                              [&](std::optional<Bytes> bytes, const ErrorPtr&) { taken = std::move(bytes); });
-            return taken;
-          },
+          [](const std::string& reply) { return judgePictureCode(readJSON(reply), nullptr).picture; },
           [](const std::string& text) -> std::optional<std::string> {
-            Outcome outcome = judgeLogin(readJSON(text), nullptr);
-            return outcome.error ? std::nullopt : std::move(outcome.message);
+            JudgedReply judged = judgeLogin(readJSON(text), nullptr);
+            return judged.error ? std::nullopt : std::move(judged.message);
           }};
 }
 

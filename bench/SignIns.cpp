@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "orvane/client/Envelope.h"
+#include "orvane/client/ServiceCall.h"
 #include "orvane/host/HostSession.h"
 #include "orvane/host/MainQueue.h"
 #include "orvane/orvane.h"
@@ -40,7 +40,7 @@ class WatchedSession final : public URLSession {
   explicit WatchedSession(std::uint16_t port) : session_(rerouted(port)) {}
 
   void startDataTask(URLRequest request, DataTaskHandler handler) override {
-    if (request.url().ends_with(submissionCall.path)) {
+    if (request.url().ends_with(deviceReportCall.path)) {
       handler = [handler = std::move(handler)](DataTaskResult result) {
         handler(std::move(result));
         hostMainQueue().stop();
@@ -80,7 +80,7 @@ Bytes signIn(Client& client, const Codec& codec) {
   requestCode(client, codec);
   const std::string login = codec.body({{"mobile", mobile}, {"verificationCode", smsCode}});
   require(codec.message(client.post(loginCall.path, login)).has_value());
-  require(codec.message(client.post(submissionCall.path, codec.body(factFields()))).has_value());
+  require(codec.message(client.post(deviceReportCall.path, codec.body(factFields()))).has_value());
   return picture;
 }
 

@@ -14,7 +14,7 @@
 #include "bench/ServiceReplies.h"
 #include "bench/SignIns.h"
 #include "bench/process.h"
-#include "orvane/client/Envelope.h"
+#include "orvane/client/ServiceCall.h"
 
 namespace orvane::bench {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "adapters/host/HostTextRules.h"
 #include "fuzz/fuzz.h"
-#include "orvane/client/Envelope.h"
+#include "orvane/client/ServiceCall.h"
 #include "orvane/client/GuardedSession.h"
 #include "orvane/client/OrvaneManager.h"
 #include "orvane/client/ServiceAddress.h"

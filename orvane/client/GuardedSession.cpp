@@ -3,18 +3,18 @@
 #include <utility>
 
 #include "orvane/base/fatal.h"
-#include "orvane/client/Envelope.h"
-#include "orvane/client/Outcome.h"
+#include "orvane/client/JudgedReply.h"
 #include "orvane/client/ServiceAddress.h"
+#include "orvane/client/ServiceCall.h"
 #include "orvane/json/JSONWriter.h"
 #include "orvane/network/decodeReply.h"
 
 namespace orvane {
 namespace {
 
-using Judge = Outcome (*)(std::optional<Value> result, ErrorPtr error);
+using Judge = JudgedReply (*)(std::optional<Value> result, ErrorPtr error);
 
-/// Returns null for an address of none of the three calls.
+/// Returns the judge of the call with the address `url`, or null if none of the three calls has it.
 Judge judgeOf(std::string_view url) {
   if (!url.starts_with(serviceBaseURL())) return nullptr;
   url.remove_prefix(serviceBaseURL().size());
@@ -37,8 +37,8 @@ void GuardedSession::startDataTask(URLRequest request, DataTaskHandler handler) 
   if (const Judge judge = judgeOf(request.url())) {
     handler = [judge, refusal = refusal_, handler = std::move(handler)](DataTaskResult reply) {
       DecodedReply decoded = decodeReply(reply);
-      const Outcome outcome = judge(std::move(decoded.result), std::move(decoded.error));
-      if (!outcome.flaw.empty()) reply = {.body = refusal, .response = HTTPResponse{200}, .error = nullptr};
+      const JudgedReply judged = judge(std::move(decoded.result), std::move(decoded.error));
+      if (!judged.flaw.empty()) reply = {.body = refusal, .response = HTTPResponse{200}, .error = nullptr};
       handler(std::move(reply));
     };
   }

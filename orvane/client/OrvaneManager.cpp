@@ -1,18 +1,28 @@
 #include "orvane/client/OrvaneManager.h"
 
-#include "orvane/client/Envelope.h"
-#include "orvane/client/replies.h"
+#include <cstdio>
+#include <utility>
+
+#include "orvane/base/fatal.h"
+#include "orvane/client/JudgedReply.h"
+#include "orvane/client/ServiceCall.h"
+#include "orvane/client/reportDevice.h"
 
 namespace orvane {
 namespace {
 
-constexpr auto nobody = [](const auto&...) {};
+constexpr auto ignore = [](const auto&...) {};
 
-/// The shared transport, with the header set of the call that is about to be made.
-NetworkManager& preparedTransport(const OrvaneManager& manager) {
-  NetworkManager& transport = NetworkManager::sharedManager();
-  transport.addHeaders(serviceHeaders(manager.clientId()));
-  return transport;
+/// Returns a reply that the call could read, and stops the process for any other.
+JudgedReply flawless(const ServiceCall& call, JudgedReply reply) {
+  if (!reply.flaw.empty()) fatal(std::string(call.name).append(": ").append(reply.flaw));
+  return reply;
+}
+
+void trace(const ServiceCall& call, const Error& error) {
+  const std::string line = "orvane: " + std::string(call.name) + ": " + description(error) + "\n";
+  std::fwrite(line.data(), 1, line.size(), stdout);
+  std::fflush(stdout);
 }
 
 }  // namespace
@@ -38,30 +48,32 @@ void OrvaneManager::setAppClientId(std::string clientId) {
 }
 
 void OrvaneManager::requestPictureCode(std::string mobile, PictureCodeFinished finished) {
-  if (!finished) finished = nobody;
-  send(preparedTransport(*this), pictureCodeCall, {{"mobile", std::move(mobile)}},
+  if (!finished) finished = ignore;
+  send(pictureCodeCall, clientId(), {{"mobile", std::move(mobile)}},
        [finished = std::move(finished)](std::optional<Value> result, ErrorPtr error) {
-         finishPictureCode(std::move(result), std::move(error), finished);
+         if (error) trace(pictureCodeCall, *error);
+         JudgedReply reply = flawless(pictureCodeCall, judgePictureCode(std::move(result), std::move(error)));
+         finished(std::move(reply.picture), std::move(reply.error));
        });
 }
 
 void OrvaneManager::requestCode(std::string mobile, std::string codeNumber, CodeFinished finished) {
-  if (!finished) finished = nobody;
-  send(preparedTransport(*this), codeCall,
-       {{"mobile", std::move(mobile)}, {"captcha", std::move(codeNumber)}},
+  if (!finished) finished = ignore;
+  send(codeCall, clientId(), {{"mobile", std::move(mobile)}, {"captcha", std::move(codeNumber)}},
        [finished = std::move(finished)](std::optional<Value> result, ErrorPtr error) {
-         finishCode(std::move(result), std::move(error), finished);
+         finished(flawless(codeCall, judgeCode(std::move(result), std::move(error))).error);
        });
 }
 
 void OrvaneManager::requestLogin(std::string mobile, std::string code, LoginFinished finished) {
-  if (!finished) finished = nobody;
-  NetworkManager& transport = preparedTransport(*this);
+  if (!finished) finished = ignore;
   Map body = {{"mobile", mobile}, {"verificationCode", std::move(code)}};
-  send(transport, loginCall, std::move(body),
-       [finished = std::move(finished), mobile = std::move(mobile), &transport](std::optional<Value> result,
-                                                                                ErrorPtr error) {
-         finishLogin(std::move(result), std::move(error), transport, mobile, finished);
+  send(loginCall, clientId(), std::move(body),
+       [finished = std::move(finished), mobile = std::move(mobile)](std::optional<Value> result,
+                                                                    ErrorPtr error) {
+         JudgedReply reply = flawless(loginCall, judgeLogin(std::move(result), std::move(error)));
+         if (!reply.error) reportDevice(mobile);
+         finished(std::move(reply.message), std::move(reply.error));
        });
 }
 

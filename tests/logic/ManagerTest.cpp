@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
+#include "orvane/client/JudgedReply.h"
 #include "orvane/client/OrvaneManager.h"
 #include "orvane/client/ServiceAddress.h"
-#include "orvane/client/replies.h"
 #include "orvane/json/JSONReader.h"
 #include "tests/support/TestPlatform.h"
 
@@ -172,15 +172,10 @@ TEST_F(Manager, ReportsAnAcceptedLoginAfterTheSubmissionHasLeft) {
 
 TEST_F(Manager, LoginReadsTheReplyBeforeTheError) {
   const auto error = std::make_shared<const Error>(Error{"d", 1, {}});
-  std::string message;
-  ErrorPtr received;
-  finishLogin(readJSON(R"({"msg":"m"})"), error, NetworkManager::sharedManager(), "139",
-              [&](std::optional<std::string> text, ErrorPtr reported) {
-                message = text.value_or("nothing");
-                received = std::move(reported);
-              });
-  EXPECT_EQ(message, "网络错误");
-  EXPECT_EQ(received, error);
+  const JudgedReply reply = judgeLogin(readJSON(R"({"msg":"m"})"), error);
+  EXPECT_EQ(reply.message, "网络错误");
+  EXPECT_EQ(reply.error, error);
+  EXPECT_EQ(reply.flaw, "");
 }
 
 TEST_F(ManagerDeathTest, MalformedRepliesStopTheProcess) {

@@ -1,4 +1,4 @@
-#include "orvane/client/Outcome.h"
+#include "orvane/client/JudgedReply.h"
 
 #include <utility>
 
@@ -7,7 +7,7 @@
 namespace orvane {
 namespace {
 
-/// A decoded reply while it is judged. Keeps the first flaw that reading meets. What is read from then on is empty.
+/// Reads a decoded reply. Keeps the first flaw that it meets: after it, everything that is read is empty.
 class Reply {
  public:
   explicit Reply(std::optional<Value> result) : value_(std::move(result)) {
@@ -44,7 +44,7 @@ class Reply {
   std::string_view flaw() const { return flaw_; }
 
  private:
-  /// Returns null where there is none, or was a flaw before.
+  /// Returns null, and notes `flaw`, if there is no such member. Returns null after any flaw.
   Value* member(std::string_view key, std::string_view flaw) {
     if (!flaw_.empty()) return nullptr;
     Map& members = *value_->map();
@@ -74,7 +74,7 @@ ErrorPtr refusalIn(Reply& reply) {
 
 }  // namespace
 
-Outcome judgePictureCode(std::optional<Value> result, ErrorPtr error) {
+JudgedReply judgePictureCode(std::optional<Value> result, ErrorPtr error) {
   if (error) return {.error = std::move(error)};
   Reply reply(std::move(result));
   if (ErrorPtr refused = refusalIn(reply)) return {.error = std::move(refused), .flaw = reply.flaw()};
@@ -82,14 +82,14 @@ Outcome judgePictureCode(std::optional<Value> result, ErrorPtr error) {
   return {.picture = std::move(picture), .flaw = reply.flaw()};
 }
 
-Outcome judgeCode(std::optional<Value> result, ErrorPtr error) {
+JudgedReply judgeCode(std::optional<Value> result, ErrorPtr error) {
   if (error) return {.error = std::move(error)};
   Reply reply(std::move(result));
   ErrorPtr refused = refusalIn(reply);
   return {.error = std::move(refused), .flaw = reply.flaw()};
 }
 
-Outcome judgeLogin(std::optional<Value> result, ErrorPtr error) {
+JudgedReply judgeLogin(std::optional<Value> result, ErrorPtr error) {
   // Reads the reply before the error, so that a failed transfer stops the process.
   Reply reply(std::move(result));
   std::string message = reply.msg();

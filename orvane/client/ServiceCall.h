@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "orvane/network/NetWorkManager.h"
+
+namespace orvane {
+
+/// One of the service's calls.
+struct ServiceCall {
+  std::string_view name;  ///< As messages about a stop name it.
+  std::string_view path;  ///< Under the service's base URL.
+};
+
+inline constexpr ServiceCall pictureCodeCall = {"requestPictureCode", "/tenant/verify/captcha"};
+inline constexpr ServiceCall codeCall = {"requestCode", "/tenant/getVerifyCode"};
+inline constexpr ServiceCall loginCall = {"requestLogin", "/tenant/submitVerifyCode"};
+inline constexpr ServiceCall deviceReportCall = {"requestLogin's report", "/tenant/submitMobileInformation"};
+
+/// Makes a call through the shared NetworkManager: stores the header set with `clientId` there and sends `body`.
+void send(const ServiceCall& call, const std::optional<std::string>& clientId, Map body,
+          NetworkTool::Completion completion);
+
+/// Makes a call with the header set that the shared NetworkManager holds, which is that of the call made last.
+void sendWithStoredHeaders(const ServiceCall& call, Map body, NetworkTool::Completion completion);
+
+}  // namespace orvane
