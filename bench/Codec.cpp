@@ -8,8 +8,8 @@
 #include <simdjson.h>
 
 #include "orvane/client/JudgedReply.h"
-#include "orvane/json/JSONReader.h"
-#include "orvane/json/JSONWriter.h"
+#include "orvane/json/readJSON.h"
+#include "orvane/json/writeJSON.h"
 
 namespace orvane::bench {
 namespace {

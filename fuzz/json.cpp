@@ -3,8 +3,8 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz/fuzz.h"
-#include "orvane/json/JSONReader.h"
-#include "orvane/json/JSONWriter.h"
+#include "orvane/json/readJSON.h"
+#include "orvane/json/writeJSON.h"
 
 namespace orvane {
 namespace {

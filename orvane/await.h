@@ -24,26 +24,30 @@
 
 namespace orvane {
 
-/// What a call came to. True if the service accepted it.
+/// The outcome of a call. Converts to true if the service accepted the call.
 template <class T>
 struct Outcome {
-  std::optional<T>
-      value;       ///< Present after a success. For a login the service's message, after a refusal, too.
-  ErrorPtr error;  ///< Null after a success.
+  /// Present after a success. A login has the service's message here, after a refusal too.
+  std::optional<T> value;
+  /// Null after a success.
+  ErrorPtr error;
 
+  /// Returns true after a success.
   explicit operator bool() const noexcept { return !error; }
-  /// The value. There must be one.
+  /// Returns the value, which must be present.
   ///@{
   T& operator*() noexcept { return *value; }
   const T& operator*() const noexcept { return *value; }
   ///@}
 };
 
-/// What a call without a result came to.
+/// The outcome of a call without a result.
 template <>
 struct Outcome<void> {
-  ErrorPtr error;  ///< Null after a success.
+  /// Null after a success.
+  ErrorPtr error;
 
+  /// Returns true after a success.
   explicit operator bool() const noexcept { return !error; }
 };
 
@@ -54,13 +58,16 @@ struct Outcome<void> {
 /// coroutine is destroyed. An exception out of it ends the process by std::terminate. Pass what it needs as parameters,
 /// by value: a lambda's captures go with the lambda.
 struct Detached {
-  /// For the compiler.
+  /// What the language asks of a coroutine's type.
   struct promise_type {
+    /// The members that the compiler uses.
+    ///@{
     Detached get_return_object() const noexcept { return {}; }
     std::suspend_never initial_suspend() const noexcept { return {}; }
     std::suspend_never final_suspend() const noexcept { return {}; }
     void return_void() const noexcept {}
     [[noreturn]] void unhandled_exception() const noexcept { std::terminate(); }
+    ///@}
   };
 };
 
@@ -76,14 +83,17 @@ class [[nodiscard]] AwaitableCall {
   /// Starts the call; `finished` is to be called once.
   using Start = std::function<void(Finished finished)>;
 
+  /// A call that `start` starts. It can be moved until it is awaited.
+  ///@{
   explicit AwaitableCall(Start start) : start_(std::move(start)) {}
   AwaitableCall(AwaitableCall&&) noexcept = default;
   AwaitableCall& operator=(AwaitableCall&&) = delete;
+  ///@}
   ~AwaitableCall() {
     if (pending_) pending_->coroutine = nullptr;
   }
 
-  /// For the compiler.
+  /// The members that the compiler uses.
   ///@{
   bool await_ready() const noexcept { return false; }
 

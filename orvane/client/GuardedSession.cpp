@@ -6,7 +6,7 @@
 #include "orvane/client/JudgedReply.h"
 #include "orvane/client/ServiceAddress.h"
 #include "orvane/client/ServiceCall.h"
-#include "orvane/json/JSONWriter.h"
+#include "orvane/json/writeJSON.h"
 #include "orvane/network/decodeReply.h"
 
 namespace orvane {

@@ -1,9 +1,9 @@
 #include "orvane/network/NetworkTool.h"
 
 #include "orvane/base/fatal.h"
-#include "orvane/json/JSONWriter.h"
+#include "orvane/json/writeJSON.h"
 #include "orvane/network/decodeReply.h"
-#include "orvane/network/percentEncoding.h"
+#include "orvane/network/percentEncode.h"
 #include "orvane/network/transportErrors.h"
 #include "orvane/platform/Platform.h"
 

@@ -1,6 +1,6 @@
 #include "orvane/network/decodeReply.h"
 
-#include "orvane/json/JSONReader.h"
+#include "orvane/json/readJSON.h"
 #include "orvane/network/transportErrors.h"
 
 namespace orvane {

@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <random>
 
-#include "orvane/json/JSONReader.h"
-#include "orvane/json/JSONWriter.h"
+#include "orvane/json/readJSON.h"
+#include "orvane/json/writeJSON.h"
 
 namespace orvane {
 namespace {

@@ -3,7 +3,7 @@
 #include "orvane/client/JudgedReply.h"
 #include "orvane/client/OrvaneManager.h"
 #include "orvane/client/ServiceAddress.h"
-#include "orvane/json/JSONReader.h"
+#include "orvane/json/readJSON.h"
 #include "tests/support/TestPlatform.h"
 
 namespace orvane {

@@ -1,4 +1,4 @@
-#include "orvane/json/JSONReader.h"
+#include "orvane/json/readJSON.h"
 
 #include <array>
 #include <bit>

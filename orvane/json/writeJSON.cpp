@@ -1,4 +1,4 @@
-#include "orvane/json/JSONWriter.h"
+#include "orvane/json/writeJSON.h"
 
 #include <cmath>
 #include <string_view>

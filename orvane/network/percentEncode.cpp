@@ -1,4 +1,4 @@
-#include "orvane/network/percentEncoding.h"
+#include "orvane/network/percentEncode.h"
 
 #include "orvane/base/utf8.h"
 #include "orvane/platform/TextRules.h"
