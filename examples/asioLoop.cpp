@@ -1,48 +1,50 @@
-// A sign-in in Asio's loop, as a coroutine.
+// A sign-in in Asio's loop, as a coroutine of Asio's.
 #include <asio.hpp>
 #include <fstream>
 #include <iostream>
 
+#include "orvane/await.h"
 #include "orvane/host/MainQueue.h"
 
 #include "developmentSession.h"
+#include "readLine.h"
 
 using namespace orvane;
 
-static asio::awaitable<std::string> ask(auto& input, const char* question) {
-  std::string line;
+/// Asks without holding up the loop.
+static asio::awaitable<std::string> ask(asio::posix::stream_descriptor& input, const char* question) {
   std::cout << question << std::flush;
-  co_await asio::async_read_until(input, asio::dynamic_buffer(line), '\n', asio::use_awaitable);
-  co_return line.substr(0, line.find('\n'));
+  co_await input.async_wait(input.wait_read, asio::use_awaitable);
+  co_return readLine();
 }
 
-/// Makes a call. The coroutine goes on in its loop, with the call's result or with its error as exception.
-template <class... Result, class Call>
-static auto resultOf(Call call) {
-  const auto start = [call](auto coroutine) {
-    const auto waiting = std::make_shared<decltype(coroutine)>(std::move(coroutine));
-    call([waiting](Result... result, ErrorPtr error) {
-      const auto failure = error ? std::make_exception_ptr(std::runtime_error(description(*error))) : nullptr;
-      asio::post(waiting->get_executor(), [=] { (*waiting)(failure, result...); });
-    });
+/// Makes a call of await.h's awaitable for Asio. A failure becomes an exception.
+template <class Call>
+static auto make(Call call) {
+  using Result = decltype(call.await_resume());
+  const auto start = [](auto handler, Call call) -> Detached {
+    auto waiting = std::move(handler);
+    Result outcome = co_await std::move(call);
+    const auto failure =
+        outcome ? nullptr : std::make_exception_ptr(std::runtime_error(message(*outcome.error)));
+    std::move(waiting)(failure, std::move(outcome));
   };
-  using Signature = void(std::exception_ptr, Result...);
-  return asio::async_initiate<decltype(asio::use_awaitable), Signature>(start, asio::use_awaitable);
+  using Signature = void(std::exception_ptr, Result);
+  return asio::async_initiate<decltype(asio::use_awaitable), Signature>(start, asio::use_awaitable,
+                                                                        std::move(call));
 }
 
 static asio::awaitable<void> signIn() {
   asio::posix::stream_descriptor input(co_await asio::this_coro::executor, STDIN_FILENO);
   OrvaneManager& manager = OrvaneManager::shareManager();
   const std::string mobile = co_await ask(input, "Mobile number: ");
-  const auto picture = co_await resultOf<std::optional<Bytes>>(
-      [&](auto finished) { manager.requestPictureCode(mobile, finished); });
-  std::ofstream("picture.png", std::ios::binary) << std::string(picture->begin(), picture->end());
+  const auto picture = co_await make(requestPictureCode(manager, mobile));
+  std::ofstream("picture.png", std::ios::binary) << std::string((*picture).begin(), (*picture).end());
   const std::string text = co_await ask(input, "What does picture.png say? ");
-  co_await resultOf([&](auto finished) { manager.requestCode(mobile, text, finished); });
+  co_await make(requestCode(manager, mobile, text));
   const std::string code = co_await ask(input, "The code in the text message: ");
-  const auto message = co_await resultOf<std::optional<std::string>>(
-      [&](auto finished) { manager.requestLogin(mobile, code, finished); });
-  std::cout << *message << "\n";
+  const auto login = co_await make(requestLogin(manager, mobile, code));
+  std::cout << *login << "\n";
 }
 
 int main(int argc, char** argv) {
@@ -51,9 +53,16 @@ int main(int argc, char** argv) {
   installPlatform(
       {.sharedSession = developmentSession(argc, argv), .mainQueue = std::make_shared<PostingQueue>(post)});
   const auto work = asio::make_work_guard(loop);
+  int status = 0;
   asio::co_spawn(loop, signIn(), [&](std::exception_ptr failure) {
-    if (failure) std::rethrow_exception(failure);
+    try {
+      if (failure) std::rethrow_exception(failure);
+    } catch (const std::exception& error) {
+      std::cerr << "Sign-in failed: " << error.what() << "\n";
+      status = 1;
+    }
     loop.stop();
   });
   loop.run();
+  return status;
 }

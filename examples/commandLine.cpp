@@ -1,56 +1,48 @@
-// A sign-in on the command line, one step after the other.
+// A sign-in on the command line, with callbacks. The README has the same as a coroutine.
 #include <fstream>
 #include <iostream>
-#include <tuple>
 
 #include "orvane/host/MainQueue.h"
 
 #include "developmentSession.h"
+#include "readLine.h"
 
 using namespace orvane;
+static int status = 1;
 
 static std::string ask(const char* question) {
-  std::string answer;
   std::cout << question << std::flush;
-  std::getline(std::cin, answer);
-  return answer;
+  return readLine();
 }
 
-/// Makes a call and runs the main queue until it is over. What `finished` was called with.
-template <class... Results, class Call>
-static std::tuple<Results...> resultsOf(Call call) {
-  std::tuple<Results...> results;
-  call([&](Results... come) {
-    results = {std::move(come)...};
-    hostMainQueue().stop();
-  });
-  hostMainQueue().run();
-  return results;
-}
-
-static int fail(const Error& error) {
-  std::cerr << "Sign-in failed: " << description(error) << "\n";
-  return 1;
+static bool failed(const ErrorPtr& error) {
+  if (!error) return false;
+  std::cerr << "Sign-in failed: " << message(*error) << "\n";
+  hostMainQueue().stop();
+  return true;
 }
 
 int main(int argc, char** argv) {
   installPlatform({.sharedSession = developmentSession(argc, argv)});
   OrvaneManager& manager = OrvaneManager::shareManager();
-
   const std::string mobile = ask("Mobile number: ");
-  const auto [picture, noPicture] = resultsOf<std::optional<Bytes>, ErrorPtr>(
-      [&](auto finished) { manager.requestPictureCode(mobile, finished); });
-  if (noPicture) return fail(*noPicture);
-  std::ofstream("picture.png", std::ios::binary) << std::string(picture->begin(), picture->end());
 
-  const std::string text = ask("What does picture.png say? ");
-  const auto [noCode] =
-      resultsOf<ErrorPtr>([&](auto finished) { manager.requestCode(mobile, text, finished); });
-  if (noCode) return fail(*noCode);
-
-  const std::string code = ask("The code in the text message: ");
-  const auto [message, noLogin] = resultsOf<std::optional<std::string>, ErrorPtr>(
-      [&](auto finished) { manager.requestLogin(mobile, code, finished); });
-  if (noLogin) return fail(*noLogin);
-  std::cout << *message << "\n";
+  const auto loggedIn = [](std::optional<std::string> words, ErrorPtr error) {
+    if (failed(error)) return;
+    std::cout << *words << "\n";
+    status = 0;
+    hostMainQueue().stop();
+  };
+  const auto codeSent = [&](ErrorPtr error) {
+    if (failed(error)) return;
+    manager.requestLogin(mobile, ask("The code in the text message: "), loggedIn);
+  };
+  const auto pictureCame = [&](std::optional<Bytes> picture, ErrorPtr error) {
+    if (failed(error)) return;
+    std::ofstream("picture.png", std::ios::binary) << std::string(picture->begin(), picture->end());
+    manager.requestCode(mobile, ask("What does picture.png say? "), onMainQueue(codeSent));
+  };
+  manager.requestPictureCode(mobile, onMainQueue(pictureCame));
+  hostMainQueue().run();
+  return status;
 }

@@ -1,33 +1,31 @@
 // A sign-in in GLib's main loop, which is also GTK's: nothing here holds it up.
-#include <glib.h>
+#include <glib-unix.h>
 
 #include "orvane/host/MainQueue.h"
 
 #include "developmentSession.h"
+#include "readLine.h"
 
 using namespace orvane;
 static GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
 static std::function<void(std::string answer)> answered;
+static int status = 1;
 
-static gboolean readAnswer(GIOChannel* input, GIOCondition, gpointer) {
-  g_autofree char* line = nullptr;
-  g_io_channel_read_line(input, &line, nullptr, nullptr, nullptr);
-  std::exchange(answered, nullptr)(line ? g_strchomp(line) : "");
+static gboolean readAnswer(int, GIOCondition, gpointer) {
+  std::exchange(answered, nullptr)(readLine());
   return G_SOURCE_REMOVE;
 }
 
 /// Asks and returns; `then` is called from the loop.
 static void ask(const char* question, std::function<void(std::string answer)> then) {
-  static GIOChannel* const input = g_io_channel_unix_new(0);
-  g_print("%s", question);
+  std::cout << question << std::flush;
   answered = std::move(then);
-  g_io_add_watch(input, GIOCondition(G_IO_IN | G_IO_HUP), readAnswer, nullptr);
+  g_unix_fd_add(STDIN_FILENO, GIOCondition(G_IO_IN | G_IO_HUP), readAnswer, nullptr);
 }
 
-/// Ends the loop after a failure, on whatever thread that is reported.
 static bool failed(const ErrorPtr& error) {
   if (!error) return false;
-  g_printerr("Sign-in failed: %s\n", description(*error).c_str());
+  g_printerr("Sign-in failed: %s\n", message(*error).c_str());
   g_main_loop_quit(loop);
   return true;
 }
@@ -36,24 +34,30 @@ int main(int argc, char** argv) {
   installPlatform({.sharedSession = developmentSession(argc, argv),
                    .mainQueue = std::make_shared<PostingQueue>(g_idle_add_once)});
   auto& manager = OrvaneManager::shareManager();
-  ask("Mobile number: ", [&](std::string mobile) {
-    manager.requestPictureCode(mobile, [&, mobile](auto picture, ErrorPtr error) {
-      if (failed(error)) return;
-      const auto size = static_cast<gssize>(picture->size());
-      g_file_set_contents("picture.png", reinterpret_cast<const char*>(picture->data()), size, nullptr);
-      ask("What does picture.png say? ", [&, mobile](std::string text) {
-        manager.requestCode(mobile, text, [&, mobile](ErrorPtr error) {
-          if (failed(error)) return;
-          ask("The code in the text message: ", [&, mobile](std::string code) {
-            manager.requestLogin(mobile, code, [](auto message, ErrorPtr error) {
-              if (failed(error)) return;
-              g_print("%s\n", message->c_str());
-              g_main_loop_quit(loop);
-            });
-          });
-        });
-      });
-    });
+  std::string mobile;
+
+  const auto loggedIn = [](std::optional<std::string> words, ErrorPtr error) {
+    if (failed(error)) return;
+    g_print("%s\n", words->c_str());
+    status = 0;
+    g_main_loop_quit(loop);
+  };
+  const auto codeSent = [&](ErrorPtr error) {
+    if (failed(error)) return;
+    ask("The code in the text message: ",
+        [&](std::string code) { manager.requestLogin(mobile, code, loggedIn); });
+  };
+  const auto pictureCame = [&](std::optional<Bytes> picture, ErrorPtr error) {
+    if (failed(error)) return;
+    const auto size = static_cast<gssize>(picture->size());
+    g_file_set_contents("picture.png", reinterpret_cast<const char*>(picture->data()), size, nullptr);
+    ask("What does picture.png say? ",
+        [&](std::string text) { manager.requestCode(mobile, text, onMainQueue(codeSent)); });
+  };
+  ask("Mobile number: ", [&](std::string answer) {
+    mobile = answer;
+    manager.requestPictureCode(mobile, onMainQueue(pictureCame));
   });
   g_main_loop_run(loop);
+  return status;
 }

@@ -1,0 +1,70 @@
+// A sign-in in Qt's event loop, as a coroutine: nothing here holds the loop up.
+#include <QCoreApplication>
+#include <QSaveFile>
+#include <QSocketNotifier>
+
+#include "orvane/await.h"
+#include "orvane/host/MainQueue.h"
+
+#include "developmentSession.h"
+#include "readLine.h"
+
+using namespace orvane;
+
+/// Asks; the coroutine that awaits it goes on with the answer. A window would have a field and a button instead.
+class Answer {
+ public:
+  explicit Answer(const char* question) { std::cout << question << std::flush; }
+
+  bool await_ready() const { return false; }
+  void await_suspend(std::coroutine_handle<> coroutine) {
+    QObject::connect(&input_, &QSocketNotifier::activated, &input_, [this, coroutine] {
+      input_.setEnabled(false);
+      // Later: the notifier must not be destroyed while it notifies.
+      QMetaObject::invokeMethod(
+          QCoreApplication::instance(), [coroutine] { coroutine.resume(); }, Qt::QueuedConnection);
+    });
+  }
+  std::string await_resume() const { return readLine(); }
+
+ private:
+  QSocketNotifier input_{STDIN_FILENO, QSocketNotifier::Read};
+};
+
+static void fail(const ErrorPtr& error) {
+  std::cerr << "Sign-in failed: " << message(*error) << "\n";
+  QCoreApplication::exit(1);
+}
+
+static Detached signIn() {
+  OrvaneManager& manager = OrvaneManager::shareManager();
+  const std::string mobile = co_await Answer("Mobile number: ");
+  const auto picture = co_await requestPictureCode(manager, mobile);
+  if (!picture) co_return fail(picture.error);
+  QSaveFile file("picture.png");
+  if (file.open(QIODevice::WriteOnly)) {
+    file.write(reinterpret_cast<const char*>((*picture).data()), static_cast<qint64>((*picture).size()));
+    file.commit();
+  }
+  const std::string text = co_await Answer("What does picture.png say? ");
+  const auto sent = co_await requestCode(manager, mobile, text);
+  if (!sent) co_return fail(sent.error);
+  const std::string code = co_await Answer("The code in the text message: ");
+  const auto login = co_await requestLogin(manager, mobile, code);
+  if (!login) co_return fail(login.error);
+  std::cout << *login << "\n";
+  QCoreApplication::quit();
+}
+
+int main(int argc, char** argv) {
+  // Never destroyed: the library may post to it until the process ends.
+  auto& application = *new QCoreApplication(argc, argv);
+  const auto post = [&application](Task task) {
+    QMetaObject::invokeMethod(&application, std::move(task), Qt::QueuedConnection);
+  };
+  installPlatform(
+      {.sharedSession = developmentSession(argc, argv), .mainQueue = std::make_shared<PostingQueue>(post)});
+  QMetaObject::invokeMethod(
+      &application, [] { signIn(); }, Qt::QueuedConnection);
+  return QCoreApplication::exec();
+}
