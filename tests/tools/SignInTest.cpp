@@ -49,7 +49,7 @@ TEST(SignInOptions, AreUnderstoodOrRefused) {
       {{}, "- - - - --mobile|"},
       {{"--live", "--mobile=1", "--captcha", "2", "--code=3"}, "<1> - <2> <3> |"},
       {{"--client-id=", "--code=", "--mobile==--="}, "<=--=> <> - <> --captcha|"},
-      {{"--mobile=-1", "--only", "login"}, "<-1> - - - --code|"},
+      {{"--mobile=9", "--auto", "--mobile=-1", "--only", "login", "--auto"}, "<-1> - - - --code|"},
       {{"--connect", "localhost:65535"}, "- - - - --mobile|localhost:65535"},
       {{"--connect=[::1]:8080", "--trace", "--unmasked"}, "- - - - --mobile|[::1]:8080"},
       {{"--live", "--proxy=http://a:b@[::1]:8080/"}, "- - - - --mobile|[::1]:8080"},

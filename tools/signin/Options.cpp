@@ -125,10 +125,10 @@ Options parseOptions(std::span<const char* const> arguments) {
   app.footer(footer);
   app.get_formatter()->column_width(24);
   const auto addText = [&app](const char* name, auto& value, const char* type, const char* help) {
-    return app.add_option(name, value, help)->type_name(type);
+    return app.add_option(name, value, help)->type_name(type)->take_last();
   };
   const auto addFlag = [&app](const char* name, bool& value, const char* help) {
-    return app.add_flag(name, value, help)->disable_flag_override();
+    return app.add_flag(name, value, help)->disable_flag_override()->take_last();
   };
   auto* const connecting = addText("--connect", connect, "HOST:PORT",
                                    "send the requests for the service to this address; [IPV6]:PORT, too");
