@@ -39,7 +39,7 @@ static asio::awaitable<void> signIn() {
   OrvaneManager& manager = OrvaneManager::shareManager();
   const std::string mobile = co_await ask(input, "Mobile number: ");
   const auto picture = co_await make(requestPictureCode(manager, mobile));
-  std::ofstream("picture.png", std::ios::binary) << std::string((*picture).begin(), (*picture).end());
+  std::ofstream("picture.png", std::ios::binary) << std::string(picture->begin(), picture->end());
   const std::string text = co_await ask(input, "What does picture.png say? ");
   co_await make(requestCode(manager, mobile, text));
   const std::string code = co_await ask(input, "The code in the text message: ");

@@ -43,7 +43,7 @@ static Detached signIn() {
   if (!picture) co_return fail(picture.error);
   QSaveFile file("picture.png");
   if (file.open(QIODevice::WriteOnly)) {
-    file.write(reinterpret_cast<const char*>((*picture).data()), static_cast<qint64>((*picture).size()));
+    file.write(reinterpret_cast<const char*>(picture->data()), static_cast<qint64>(picture->size()));
     file.commit();
   }
   const std::string text = co_await Answer("What does picture.png say? ");

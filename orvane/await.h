@@ -38,6 +38,7 @@ struct Outcome {
   ///@{
   T& operator*() noexcept { return *value; }
   const T& operator*() const noexcept { return *value; }
+  const T* operator->() const noexcept { return &*value; }
   ///@}
 };
 

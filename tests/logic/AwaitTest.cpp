@@ -54,7 +54,7 @@ template <class Coroutine>
 Coroutine signIn(OrvaneManager* manager, Trace& trace, [[maybe_unused]] std::shared_ptr<int> alive) {
   const std::string mobile = "+447700900123 is longer than a text kept in place";
   const auto picture = co_await requestPictureCode(*manager, mobile);
-  trace.say(picture.value ? std::string((*picture).begin(), (*picture).end()) + " " : "", picture.error);
+  trace.say(picture.value ? std::string(picture->begin(), picture->end()) + " " : "", picture.error);
   const auto sent = co_await requestCode(*manager, mobile, std::string("text of the pi") + "cture");
   trace.say(std::string(sent ? "sent " : ""), sent.error);
   const auto login = co_await requestLogin(*manager, mobile, "123456");
