@@ -1,6 +1,12 @@
-# Finds utf8proc, which comes without a package file for CMake, as utf8proc::utf8proc.
+# Finds utf8proc as utf8proc::utf8proc, by its own package file for CMake where it has one. Debian's has none.
 
 include(FindPackageHandleStandardArgs)
+
+find_package(utf8proc CONFIG QUIET)
+if(TARGET utf8proc::utf8proc)
+  find_package_handle_standard_args(utf8proc CONFIG_MODE)
+  return()
+endif()
 
 find_path(UTF8PROC_INCLUDE_DIR utf8proc.h)
 find_library(UTF8PROC_LIBRARY utf8proc)
