@@ -88,6 +88,7 @@ void printHelp() {
 }
 
 void serve(const Options& options) {
+  std::signal(SIGPIPE, SIG_IGN);  // The service goes on when its output is no longer read.
   // Blocked before there are threads, so that all inherit it and the signals wait to be collected here.
   sigset_t signals;
   sigemptyset(&signals);
