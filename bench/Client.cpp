@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "bench/CurlPost.h"
+#include "orvane/client/ServiceAddress.h"
 
 namespace orvane::bench {
 namespace {
@@ -37,6 +38,8 @@ class CurlEasyClient final : public Client {
   CurlPost post_;
 };
 
+constexpr const char* compression = "gzip, deflate";
+
 class HttplibClient final : public Client {
  public:
   explicit HttplibClient(std::uint16_t port) : client_("127.0.0.1", port) {
@@ -53,7 +56,10 @@ class HttplibClient final : public Client {
 
  private:
   httplib::Client client_;
-  const httplib::Headers headers_ = {{"XRAPI-VERSION", "1.0"}, {"XRAPI-DEVICE-TYPE", "1"}};
+  const httplib::Headers headers_ = {{"Host", std::string(serviceHost())},
+                                     {"Accept-Encoding", compression},
+                                     {"XRAPI-VERSION", "1.0"},
+                                     {"XRAPI-DEVICE-TYPE", "1"}};
   std::string body_;
 };
 
@@ -63,7 +69,9 @@ class BeastClient final : public Client {
     socket_.connect({boost::asio::ip::address_v4::loopback(), port});
     socket_.set_option(boost::asio::ip::tcp::no_delay(true));
     request_.method(http::verb::post);
-    request_.set(http::field::host, "127.0.0.1");
+    const std::string_view host = serviceHost();
+    request_.set(http::field::host, {host.data(), host.size()});
+    request_.set(http::field::accept_encoding, compression);
     request_.set(http::field::user_agent, "bench");
     request_.set(http::field::accept, "*/*");
     request_.set(http::field::content_type, "application/json");
@@ -104,8 +112,10 @@ class SocketClient final : public Client {
   ~SocketClient() override { close(socket_); }
 
   const std::string& post(std::string_view path, const std::string& body) override {
-    request_.assign("POST ").append(path).append(
-        " HTTP/1.1\r\nHost: 127.0.0.1\r\nUser-Agent: bench\r\nAccept: */*\r\n"
+    request_.assign("POST ").append(path).append(" HTTP/1.1\r\nHost: ").append(serviceHost());
+    request_.append("\r\nAccept-Encoding: ").append(compression);
+    request_.append(
+        "\r\nUser-Agent: bench\r\nAccept: */*\r\n"
         "Content-Type: application/json\r\nXRAPI-VERSION: 1.0\r\nXRAPI-DEVICE-TYPE: 1\r\nContent-Length: ");
     request_.append(std::to_string(body.size())).append("\r\n\r\n").append(body);
     require(send(socket_, request_.data(), request_.size(), MSG_NOSIGNAL) == std::ssize(request_),

@@ -1,15 +1,20 @@
 #include "bench/CurlPost.h"
 
+#include "orvane/client/ServiceAddress.h"
+
 namespace orvane::bench {
 
-CurlPost::CurlPost(std::uint16_t port)
-    : base_("http://127.0.0.1:" + std::to_string(port)), handle_(curl_easy_init()) {
+CurlPost::CurlPost(std::uint16_t port) : base_(serviceBaseURL()), handle_(curl_easy_init()) {
   headers_.append("Content-Type: application/json");
   headers_.append("XRAPI-VERSION: 1.0");
   headers_.append("XRAPI-DEVICE-TYPE: 1");
   const auto set = [this](auto option, auto value) { curl_easy_setopt(handle(), option, value); };
   set(CURLOPT_NOSIGNAL, 1L);
   set(CURLOPT_PROXY, "");
+  reroute_.append(std::string(serviceHost()) + ":80:127.0.0.1:" + std::to_string(port));
+  set(CURLOPT_CONNECT_TO, reroute_.get());
+  set(CURLOPT_ACCEPT_ENCODING, "");
+  set(CURLOPT_COOKIEFILE, "");
   set(CURLOPT_USERAGENT, "bench");
   set(CURLOPT_HTTPHEADER, headers_.get());
   set(CURLOPT_POST, 1L);

@@ -10,7 +10,8 @@
 
 namespace orvane::bench {
 
-/// A POST on an easy handle that serves one request after another.
+/// A POST to the service on an easy handle that serves one request after another. Asks of curl what the
+/// library's user gets: compressed replies, cookies kept, and the way to that port on loopback.
 class CurlPost {
  public:
   explicit CurlPost(std::uint16_t port);
@@ -33,6 +34,7 @@ class CurlPost {
   const std::string base_;
   const std::unique_ptr<CURL, Deleter> handle_;
   Slist headers_;
+  Slist reroute_;
   std::string reply_;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <ctime>
 
 namespace orvane::bench {
 namespace {
@@ -88,6 +89,17 @@ double nanosecondsEach(std::size_t times, const std::function<void()>& call) {
   for (std::size_t i = 0; i < times; ++i) call();
   const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - start;
   return taken.count() / static_cast<double>(times);
+}
+
+double processorTimeEach(std::size_t times, const std::function<void()>& call) {
+  const auto now = [] {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
+  };
+  const double start = now();
+  for (std::size_t i = 0; i < times; ++i) call();
+  return (now() - start) / static_cast<double>(times);
 }
 
 std::size_t timesForOneRound(const std::function<void()>& call) {

@@ -27,6 +27,9 @@ std::vector<Figures> takeTurns(const std::vector<Contestant>& contestants, int r
 /// The nanoseconds that one of `times` calls takes.
 double nanosecondsEach(std::size_t times, const std::function<void()>& call);
 
+/// The processor time of all threads, user's and system's, that one of `times` calls takes, in nanoseconds.
+double processorTimeEach(std::size_t times, const std::function<void()>& call);
+
 /// How many calls take about 20 milliseconds.
 std::size_t timesForOneRound(const std::function<void()>& call);
 
