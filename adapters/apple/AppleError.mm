@@ -9,9 +9,10 @@ ErrorPtr makeError(NSError* error) {
   if (!error) return nullptr;
   Map userInfo;
   NSDictionary* const entries = [error userInfo];
-  for (NSString* key in entries) {
+  for (id key in entries) {
     const id value = [entries objectForKey:key];
-    if ([value isKindOfClass:[NSString class]]) userInfo.emplace(utf8(key), utf8(value));
+    const Class text = [NSString class];
+    if ([key isKindOfClass:text] && [value isKindOfClass:text]) userInfo.emplace(utf8(key), utf8(value));
   }
   return std::make_shared<const Error>(
       Error{utf8([error domain]), [error code], std::move(userInfo), retained(error)});

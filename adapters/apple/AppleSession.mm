@@ -19,7 +19,18 @@ NSURLRequest* platformRequest(const URLRequest& request) {
   return made;
 }
 
+/// In bytes. What a host session takes by default.
+constexpr NSUInteger maximumBodySize = 64U << 20;
+
+NSError* tooLarge() {
+  constexpr NSInteger dataLengthExceedsMaximum = -1103;
+  NSDictionary* const words = @{NSLocalizedDescriptionKey : @"The server's reply is too large."};
+  return [NSError errorWithDomain:@"NSURLErrorDomain" code:dataLengthExceedsMaximum userInfo:words];
+}
+
+/// An error may come with a response and what there was of the body.
 DataTaskResult resultOf(NSData* body, NSURLResponse* response, NSError* error) {
+  if (!error && [body length] > maximumBodySize) error = tooLarge();
   if (error) return {std::nullopt, std::nullopt, makeError(error)};
   DataTaskResult result;
   // An empty body may come as none.

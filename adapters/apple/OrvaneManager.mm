@@ -5,11 +5,11 @@
 #import "adapters/apple/qualifiedName.h"
 #import "adapters/apple/text.h"
 #import "orvane/apple/AppleError.h"
+#include "orvane/client/sharedManagerMaker.h"
 
 namespace {
 
-/// The manager of one object. Its calls reach the identifier through the object, so that an override of the object's
-/// accessors counts.
+/// Makes one object's calls, and reaches the identifier through the object, so that an override of its accessors counts.
 class BoundManager final : public orvane::OrvaneManager {
  public:
   explicit BoundManager(::OrvaneManager* object) : object_(object) {}
@@ -20,60 +20,45 @@ class BoundManager final : public orvane::OrvaneManager {
   }
 
  private:
-  ::OrvaneManager* object_;  // Owns this.
+  ::OrvaneManager* object_;  // Outlives this.
 };
+
+std::unique_ptr<orvane::OrvaneManager> makeSharedManager() {
+  return std::make_unique<BoundManager>([OrvaneManager shareManager]);
+}
 
 }  // namespace
 
 @implementation OrvaneManager
 
-/// No method, which a subclass might take for its own.
-static orvane::OrvaneManager& managerOf(OrvaneManager* object) {
-  return *static_cast<orvane::OrvaneManager*>(object->_orvaneManager);
-}
-
-static OrvaneManager* makeShared() {
-  OrvaneManager* const object = [OrvaneManager alloc];
-  object->_orvaneManager = &orvane::OrvaneManager::shareManager();  // For ever. `init` would make another.
-  return object;
-}
+@synthesize clientId = clientId;
 
 + (void)load {
   orvane::registerQualifiedName(self);
+  orvane::sharedManagerMaker = makeSharedManager;
 }
 
 + (OrvaneManager*)shareManager {
-  static OrvaneManager* const shareInstance = makeShared();
+  static OrvaneManager* const shareInstance = [[OrvaneManager alloc] init];
   return shareInstance;
 }
 
 - (instancetype)init {
-  if ((self = [super init]))
-    _orvaneManager = static_cast<orvane::OrvaneManager*>(std::make_unique<BoundManager>(self).release());
-  return self;
+  return [super init];
 }
 
 - (void)dealloc {
-  // Null where a subclass gave up before `init`.
-  const std::unique_ptr<orvane::OrvaneManager> owned(static_cast<orvane::OrvaneManager*>(_orvaneManager));
+  [clientId release];
   [super dealloc];
 }
 
-- (NSString*)clientId {
-  return orvane::platformTextOrNil(managerOf(self).OrvaneManager::clientId());
-}
-
-- (void)setClientId:(NSString*)clientId {
-  managerOf(self).OrvaneManager::setClientId(orvane::optionalUTF8(clientId));
-}
-
-- (void)setAppClientId:(NSString*)clientId {
-  managerOf(self).setAppClientId(orvane::utf8(clientId));
+- (void)setAppClientId:(NSString*)identifier {
+  [self setClientId:identifier ? identifier : @""];
 }
 
 - (void)requestPictureCode:(NSString*)mobile finished:(void (^)(NSData* data, NSError* error))finished {
   const orvane::KeptBlock block(finished);
-  managerOf(self).requestPictureCode(
+  BoundManager(self).requestPictureCode(
       orvane::utf8(mobile), [block](const std::optional<orvane::Bytes>& data, const orvane::ErrorPtr& error) {
         @autoreleasepool {
           block(data ? [NSData dataWithBytes:data->data() length:data->size()] : nil,
@@ -86,19 +71,19 @@ static OrvaneManager* makeShared() {
          codeNumber:(NSString*)codeNumber
            finished:(void (^)(NSError* error))finished {
   const orvane::KeptBlock block(finished);
-  managerOf(self).requestCode(orvane::utf8(mobile), orvane::utf8(codeNumber),
-                              [block](const orvane::ErrorPtr& error) {
-                                @autoreleasepool {
-                                  block(orvane::platformError(error));
-                                }
-                              });
+  BoundManager(self).requestCode(orvane::utf8(mobile), orvane::utf8(codeNumber),
+                                 [block](const orvane::ErrorPtr& error) {
+                                   @autoreleasepool {
+                                     block(orvane::platformError(error));
+                                   }
+                                 });
 }
 
 - (void)requestLogin:(NSString*)mobile
                 code:(NSString*)code
             finished:(void (^)(NSString* message, NSError* error))finished {
   const orvane::KeptBlock block(finished);
-  managerOf(self).requestLogin(
+  BoundManager(self).requestLogin(
       orvane::utf8(mobile), orvane::utf8(code),
       [block](const std::optional<std::string>& message, const orvane::ErrorPtr& error) {
         @autoreleasepool {

@@ -2,7 +2,7 @@
 
 find_library(FOUNDATION Foundation REQUIRED)
 target_link_libraries(orvane_apple PRIVATE ${FOUNDATION})
-if(NOT CMAKE_SYSTEM_NAME STREQUAL "Darwin")
+if(has_uikit)
   find_library(UIKIT UIKit REQUIRED)
   find_library(CORE_TELEPHONY CoreTelephony REQUIRED)
   target_link_libraries(orvane_apple PRIVATE ${UIKIT} ${CORE_TELEPHONY})

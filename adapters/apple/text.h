@@ -14,7 +14,7 @@ std::string utf8(NSString* text);
 /// Likewise, and nothing for nil.
 std::optional<std::string> optionalUTF8(NSString* text);
 
-/// The text as an object, with U+FFFD for each byte that is not UTF-8.
+/// The text as an object, with U+FFFD for each lone surrogate and for each other byte that is not UTF-8.
 NSString* platformText(std::string_view text);
 
 /// Likewise, and nil for nothing.

@@ -14,6 +14,12 @@ bool isLowSurrogate(char32_t unit) {
   return unit >= 0xDC00 && unit < 0xE000;
 }
 
+/// Returns true for the three bytes that utf8() makes of a lone surrogate.
+bool beginsWithSurrogate(std::string_view bytes) {
+  const auto isContinued = [](char byte) { return (byte & '\xC0') == '\x80'; };
+  return bytes.size() >= 3 && bytes[0] == '\xED' && isContinued(bytes[1]) && isContinued(bytes[2]);
+}
+
 }  // namespace
 
 std::string utf8(NSString* text) {
@@ -42,7 +48,7 @@ NSString* platformText(std::string_view text) {
   units.reserve(text.size());
   for (std::size_t at = 0; at < text.size();) {
     const std::optional<char32_t> decoded = decodeUTF8(text, at);
-    if (!decoded) ++at;
+    if (!decoded) at += beginsWithSurrogate(text.substr(at)) ? 3 : 1;
     const char32_t codePoint = decoded.value_or(0xFFFD);
     if (codePoint < 0x10000) {
       units.push_back(static_cast<unichar>(codePoint));

@@ -8,7 +8,10 @@ namespace orvane {
 
 /// Requests over an NSURLSession, with whose configuration they run. Handlers come on its delegate queue, which must be
 /// serial and not the main one, as it is unless the application says otherwise. The session stays the
-/// application's: it is not invalidated here.
+/// application's: it is not invalidated here. A body of more than 64 MiB is reported as NSURLErrorDomain -1103.
+///
+/// In a file that also imports Orvane.h, `using namespace orvane` makes OrvaneManager and OVDeviceInfoTool ambiguous: they
+/// are classes of both languages. Write `orvane::` there.
 class ORVANE_API AppleSession final : public URLSession {
  public:
   /// Keeps `session`. Stops the process for nil.

@@ -7,6 +7,7 @@
 #include "orvane/client/JudgedReply.h"
 #include "orvane/client/ServiceCall.h"
 #include "orvane/client/reportDevice.h"
+#include "orvane/client/sharedManagerMaker.h"
 
 namespace orvane {
 namespace {
@@ -27,8 +28,10 @@ void trace(const ServiceCall& call, const Error& error) {
 
 }  // namespace
 
+std::unique_ptr<OrvaneManager> (*sharedManagerMaker)() = [] { return std::make_unique<OrvaneManager>(); };
+
 OrvaneManager& OrvaneManager::shareManager() {
-  static auto* const shareInstance = new OrvaneManager;
+  static OrvaneManager* const shareInstance = sharedManagerMaker().release();
   return *shareInstance;
 }
 

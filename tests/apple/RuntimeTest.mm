@@ -65,6 +65,8 @@ TEST(ObjectRuntime, AnswersTheSelectorsAtTheirLevels) {
                          {"OVDeviceInfoTool", '+', "getSystemVersion", "@"},
                          {"OVDeviceInfoTool", '+', "getcarrierName", "@"},
                          {"OVDeviceInfoTool", '-', "init", "@"},
+                         {"OVSession", '+', "useSession:failureMessage:", "v@@"},
+                         {"OVSession", '+', "useSession:failureMessage:encrypted:", "v@@C"},
                          {"OVDeviceInfoTool", ' ', "getDeviceName", nullptr},
                          {"OVDeviceInfoTool", ' ', "screenSize", nullptr}}) {
     for (const std::string& name : {std::string(row.type), std::string("Orvane.").append(row.type)}) {
@@ -98,8 +100,22 @@ TEST(ObjectRuntime, SharesOneManagerAndMakesOthers) {
     EXPECT_EQ(orvane::OrvaneManager::shareManager().clientId(), "shared");
     orvane::OrvaneManager::shareManager().setClientId({});
     EXPECT_EQ([shared clientId], nil);
+    EXPECT_EQ([shared init], shared);
+    [shared setClientId:@"still"];
+    EXPECT_EQ(orvane::OrvaneManager::shareManager().clientId(), "still");
     // As by a subclass that fails before its superclass's `init`.
-    [[OrvaneManager alloc] release];
+    OrvaneManager* const raw = [[OrvaneManager alloc] autorelease];
+    EXPECT_EQ([raw clientId], nil);
+    [raw setClientId:@"raw"];
+    EXPECT_TRUE([[raw clientId] isEqual:@"raw"]);
+
+    const Method getter = class_getInstanceMethod([OrvaneManager class], @selector(clientId));
+    const auto replaced = [](id, SEL) -> NSString* { return @"replaced"; };
+    NSString* (*const replacement)(id, SEL) = replaced;
+    const IMP original = method_setImplementation(getter, reinterpret_cast<IMP>(replacement));
+    EXPECT_EQ(orvane::OrvaneManager::shareManager().clientId(), "replaced");
+    method_setImplementation(getter, original);
+    [shared setClientId:nil];
   }
 }
 
@@ -119,7 +135,7 @@ TEST(ObjectRuntime, ConvertsTextWithoutLoss) {
       EXPECT_EQ(unitsOf([manager clientId]), units);
     }
     [manager setClientId:[[[BrokenText alloc] init] autorelease]];
-    EXPECT_EQ(unitsOf([manager clientId]), u"\uFFFD\uFFFD\uFFFD\U0001F600\uFFFD\uFFFD\uFFFDa");
+    EXPECT_EQ(unitsOf([manager clientId]), std::u16string({0xD83D, 0xD83D, 0xDE00, 0xDE00, 'a'}));
 
     NSMutableString* const changing = [NSMutableString stringWithString:@"a"];
     [manager setClientId:changing];
@@ -132,8 +148,8 @@ TEST(ObjectRuntime, ConvertsTextWithoutLoss) {
 
 TEST(ObjectRuntime, ErrorsKeepTheirIdentityAndTheirWords) {
   @autoreleasepool {
-    NSDictionary* const words =
-        [NSDictionary dictionaryWithObjectsAndKeys:@"why", @"reason", [NSNull null], @"object", nil];
+    NSDictionary* const words = [NSDictionary
+        dictionaryWithObjectsAndKeys:@"why", @"reason", [NSNull null], @"object", @"what", @1, nil];
     NSError* const error = [NSError errorWithDomain:@"d\U0001F600" code:-7 userInfo:words];
     const orvane::ErrorPtr carried = orvane::makeError(error);
     EXPECT_EQ(orvane::platformError(carried), error);

@@ -87,6 +87,42 @@ CodeOutcome requestCode(NSString* mobile) {
   return {text, onMainQueue, pointer};
 }
 
+/// Signs in by selector, with what the service knows of the number.
+void signIn(id manager, NSString* mobile, devservice::IdentityService& identities) {
+  const auto known = [&] { return identities.inspect([mobile UTF8String]).value(); };
+  const auto text = [](const std::string& utf8) { return [NSString stringWithUTF8String:utf8.c_str()]; };
+
+  __block std::string picture;
+  EXPECT_TRUE(finish(^(Over over) {
+    const auto finished = ^(NSData* data, NSError* error) {
+      if (!error) picture.assign(static_cast<const char*>([data bytes]), [data length]);
+      over();
+    };
+    [manager performSelector:sel_registerName("requestPictureCode:finished:")
+                  withObject:mobile
+                  withObject:(id)finished];
+  }));
+  ASSERT_TRUE(picture.starts_with("\x89PNG")) << picture.substr(0, 80);
+
+  EXPECT_TRUE(finish(^(Over over) {
+    send(manager, "requestCode:codeNumber:finished:", mobile, text(*known().picture), ^(NSError* error) {
+      EXPECT_EQ(error, nil);
+      over();
+    });
+  }));
+
+  EXPECT_TRUE(finish(^(Over over) {
+    send(manager, "requestLogin:code:finished:", mobile, text(*known().code),
+         ^(NSString* message, NSError* error) {
+           EXPECT_TRUE([message isEqual:@"welcome"]);
+           EXPECT_EQ(error, nil);
+           over();
+         });
+  }));
+  while (!known().facts) std::this_thread::yield();
+  EXPECT_EQ(known().facts->at("carrier"), "Carrier");
+}
+
 TEST(BySelector, AWholeSignInOfEachManager) {
   devservice::IdentityService identities;
   const devservice::Server server(identities);
@@ -104,41 +140,8 @@ TEST(BySelector, AWholeSignInOfEachManager) {
     };
     for (const Row& row : {Row{shared, "one", @"+447700900001"}, Row{own, "two", @"+447700900002"},
                            Row{stubborn, "stubborn", @"+447700900003"}}) {
-      const id manager = row.manager;
-      NSString* const mobile = row.mobile;
-      const auto known = [&] { return identities.inspect([mobile UTF8String]).value(); };
-      const auto text = [](const std::string& utf8) { return [NSString stringWithUTF8String:utf8.c_str()]; };
-
-      __block std::string picture;
-      EXPECT_TRUE(finish(^(Over over) {
-        const auto finished = ^(NSData* data, NSError* error) {
-          if (!error) picture.assign(static_cast<const char*>([data bytes]), [data length]);
-          over();
-        };
-        [manager performSelector:sel_registerName("requestPictureCode:finished:")
-                      withObject:mobile
-                      withObject:(id)finished];
-      }));
-      EXPECT_TRUE(picture.starts_with("\x89PNG")) << picture.substr(0, 80);
-
-      EXPECT_TRUE(finish(^(Over over) {
-        send(manager, "requestCode:codeNumber:finished:", mobile, text(*known().picture), ^(NSError* error) {
-          EXPECT_EQ(error, nil);
-          over();
-        });
-      }));
-
-      EXPECT_TRUE(finish(^(Over over) {
-        send(manager, "requestLogin:code:finished:", mobile, text(*known().code),
-             ^(NSString* message, NSError* error) {
-               EXPECT_TRUE([message isEqual:@"welcome"]);
-               EXPECT_EQ(error, nil);
-               over();
-             });
-      }));
-      while (!known().facts) std::this_thread::yield();
-      EXPECT_EQ(known().facts->at("carrier"), "Carrier");
-      EXPECT_EQ(known().clientId, row.identifier);
+      signIn(row.manager, row.mobile, identities);
+      EXPECT_EQ(identities.inspect([row.mobile UTF8String])->clientId, row.identifier);
     }
     [shared setClientId:nil];
   }
@@ -155,7 +158,7 @@ TEST(BySelector, OutcomesComeAsTheyAreAndWhereTheyShould) {
       {{reply(R"({"code":7,"msg":"Bu\ud83d\ude00sy"})")}, "Bu😀sy 7 0", true},
       {{reply(R"({"code":-2147483648,"msg":""})")}, " -2147483648 0", true},
       {{reply("")}, "com.brovent.error -1 1", false},
-      {{"", LoopbackServer::Then::close}, "NSURLErrorDomain -1005 3", false},
+      {{"", LoopbackServer::Then::close}, "NSURLErrorDomain -1005 5", false},
   };
   for (const auto& [answer, text, onMainQueue] : rows) {
     answerWith(answer);
@@ -199,8 +202,11 @@ TEST(BySelector, NilIsAnEmptyTextAndNobodyToTell) {
   LoopbackServer server;
   orvane::test::installAdapter(server.port());
   server.setScript([](const auto&) { return Answer{reply(R"({"code":0})")}; });
+  [[OrvaneManager shareManager] setClientId:[[[BrokenText alloc] init] autorelease]];
   EXPECT_EQ(requestCode(none).text, "none");
   EXPECT_EQ(server.requests().at(0).body, R"({"captcha":"","mobile":""})");
+  EXPECT_TRUE(server.requests().at(0).hasLine("XRAPI-CLIENT-ID: \uFFFD😀\uFFFDa"));
+  [[OrvaneManager shareManager] setClientId:nil];
 }
 
 /// Makes one call; the process ends well if its block is called, and if nothing stops it.
@@ -255,6 +261,72 @@ TEST(BySelectorDeathTest, FatalCasesEndTheProcess) {
   };
   for (const auto& [call, result, complaint] : rows)
     EXPECT_EXIT(callOnce(call, result), testing::KilledBySignal(SIGABRT), complaint) << call;
+}
+
+/// A debug build in a simulator: the development service is the proxy of the application's session.
+void signInThroughAProxy() {
+  @autoreleasepool {
+    devservice::IdentityService identities;
+    const devservice::Server server(identities);
+    NSURLSessionConfiguration* const configuration =
+        [NSURLSessionConfiguration ephemeralSessionConfiguration];
+    [configuration setConnectionProxyDictionary:@{
+      @"HTTPEnable" : @1,
+      @"HTTPProxy" : @"127.0.0.1",
+      @"HTTPPort" : @(static_cast<int>(server.port()))
+    }];
+    [OVSession useSession:[NSURLSession sessionWithConfiguration:configuration]
+           failureMessage:@"No connection."];
+    signIn([OrvaneManager shareManager], @"+447700900004", identities);
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+}
+
+/// Status 200 and a page of HTML in front of a login. The process ends well if that is refused as promised.
+void logInBehindAPortal(bool encrypted) {
+  @autoreleasepool {
+    __block std::string url;
+    struct Portal final : orvane::URLSession {
+      explicit Portal(std::string& asked) : url(asked) {}
+      void startDataTask(orvane::URLRequest request, orvane::DataTaskHandler handler) override {
+        url = request.url();
+        std::thread([handler = std::move(handler)] {
+          handler(success("<html>Sign in to this network</html>"));
+        }).detach();
+      }
+      void cancelAllOperations() override {}
+      std::string& url;
+    };
+    standins::setSharedTransport(std::make_shared<Portal>(url));
+    send(classNamed("Orvane.OVSession"), "useSession:failureMessage:encrypted:", [NSURLSession sharedSession],
+         @"No connection.", static_cast<BOOL>(encrypted));
+    EXPECT_TRUE(finish(^(Over over) {
+      send([OrvaneManager shareManager], "requestLogin:code:finished:", @"1", @"2",
+           ^(NSString* message, NSError* error) {
+             EXPECT_TRUE([message isEqual:@"No connection."]);
+             EXPECT_TRUE([[error domain] isEqual:message]);
+             EXPECT_EQ([error code], 1);
+             over();
+           });
+    }));
+    EXPECT_TRUE(url.starts_with(encrypted ? "https://" : "http://")) << url;
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+}
+
+void useSessionTwice() {
+  NSURLSession* const session = [NSURLSession sharedSession];
+  send(classNamed("OVSession"), "useSession:failureMessage:", session, @"No connection.");
+  send(classNamed("OVSession"), "useSession:failureMessage:", session, @"No connection.");
+}
+
+TEST(BySelectorDeathTest, ASessionIsChosenBeforeTheFirstCallAndOnce) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const testing::ExitedWithCode well(0);
+  EXPECT_EXIT(signInThroughAProxy(), well, "");
+  EXPECT_EXIT(logInBehindAPortal(false), well, "");
+  EXPECT_EXIT(logInBehindAPortal(true), well, "");
+  EXPECT_EXIT(useSessionTwice(), testing::KilledBySignal(SIGABRT), "installPlatform: the platform is in use");
 }
 
 std::size_t bytesInUse() {

@@ -9,7 +9,7 @@
 #define NS_SWIFT_ASYNC(place) __attribute__((swift_async(not_swift_private, place)))
 #define FOUNDATION_EXPORT extern
 
-typedef signed char BOOL;
+typedef _Bool BOOL;
 typedef long NSInteger;
 
 NS_ASSUME_NONNULL_BEGIN
@@ -37,13 +37,14 @@ NS_SWIFT_SENDABLE __attribute__((swift_bridge("Swift.Error")))
 extern NSString* const NSURLErrorDomain;
 extern NSString* const NSPOSIXErrorDomain;
 
-@interface NSURLSessionConfiguration : NSObject
+NS_SWIFT_NAME(URLSessionConfiguration) @interface NSURLSessionConfiguration : NSObject
 @property(class, readonly, strong)
     NSURLSessionConfiguration* ephemeralSessionConfiguration NS_SWIFT_NAME(ephemeral);
 @end
 
 NS_SWIFT_SENDABLE NS_SWIFT_NAME(URLSession) @interface NSURLSession : NSObject
 @property(class, readonly, strong) NSURLSession* sharedSession NS_SWIFT_NAME(shared);
++ (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration NS_SWIFT_NAME(init(configuration:));
 @end
 
 NS_ASSUME_NONNULL_END

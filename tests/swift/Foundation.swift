@@ -19,3 +19,10 @@ extension String: _ObjectiveCBridgeable {
   public static func _conditionallyBridgeFromObjectiveC(_: NSString, result: inout String?) -> Bool { false }
   public static func _unconditionallyBridgeFromObjectiveC(_: NSString?) -> String { "" }
 }
+
+extension URLSessionConfiguration {
+  public var connectionProxyDictionary: [AnyHashable: Any]? {
+    get { nil }
+    set {}
+  }
+}

@@ -4,6 +4,7 @@
 #include <atomic>
 
 #import "orvane/apple/AppleSession.h"
+#include "orvane/host/HostSession.h"
 #include "tests/apple/standins/StandIns.h"
 
 namespace {
@@ -38,6 +39,8 @@ orvane::URLRequest portable(NSURLRequest* request) {
 NSError* platformError(const orvane::Error& error) {
   NSMutableDictionary* const userInfo = [NSMutableDictionary dictionary];
   for (const auto& [key, value] : error.userInfo) [userInfo setObject:text(*value.text()) forKey:text(key)];
+  [userInfo setObject:[NSURL URLWithString:@"http://h/"] forKey:@"URL"];
+  [userInfo setObject:@"an entry of no meaning" forKey:@1];
   NSError* const made = [NSError errorWithDomain:text(error.domain)
                                             code:static_cast<NSInteger>(error.code)
                                         userInfo:userInfo];
@@ -50,13 +53,13 @@ NSError* platformError(const orvane::Error& error) {
 /// The queue on which the transport calls handlers.
 @interface TransportQueue : NSOperationQueue {
  @public
-  std::shared_ptr<orvane::URLSession> transport;
+  std::function<std::shared_ptr<orvane::URLSession>()> transport;
 }
 @end
 
 @implementation TransportQueue
 - (void)cancelAllOperations {
-  transport->cancelAllOperations();
+  transport()->cancelAllOperations();
 }
 @end
 
@@ -76,14 +79,26 @@ NSError* platformError(const orvane::Error& error) {
 @interface CarriedSession : NSURLSession {
  @public
   std::shared_ptr<orvane::URLSession> own;
+  TransportQueue* queue;
 }
 @end
 
 @implementation CarriedSession
 
+- (instancetype)init {
+  if ((self = [super init])) {
+    queue = [[TransportQueue alloc] init];
+    queue->transport = [self] { return own ? own : sharedTransport(); };
+  }
+  return self;
+}
+
+- (void)dealloc {
+  [queue release];
+  [super dealloc];
+}
+
 - (NSOperationQueue*)delegateQueue {
-  TransportQueue* const queue = [[[TransportQueue alloc] init] autorelease];
-  queue->transport = own ? own : sharedTransport();
   return queue;
 }
 
@@ -92,19 +107,20 @@ NSError* platformError(const orvane::Error& error) {
   CarriedTask* const task = [[[CarriedTask alloc] init] autorelease];
   const auto finish = [block](const orvane::DataTaskResult& result) {
     @autoreleasepool {
-      NSData* body = nil;
+      // As where a body was cut, an error comes with what there was before it.
+      NSData* body = result.error ? [NSData dataWithBytes:"{}" length:2] : nil;
       if (result.body && !result.body->empty())
         body = [NSData dataWithBytes:result.body->data() length:result.body->size()];
       NSURLResponse* response = nil;
-      if (result.response)
+      if (result.response || result.error)
         response = [[[NSHTTPURLResponse alloc] initWithURL:nil
-                                                statusCode:result.response->statusCode
+                                                statusCode:result.response ? result.response->statusCode : 200
                                                HTTPVersion:@"HTTP/1.1"
                                               headerFields:nil] autorelease];
       ((Handler)block.get())(body, response, result.error ? platformError(*result.error) : nil);
     }
   };
-  task->start = [transport = own ? own : sharedTransport(), request = portable(request), finish] {
+  task->start = [transport = queue->transport(), request = portable(request), finish] {
     transport->startDataTask(request, finish);
   };
   return task;
@@ -117,11 +133,33 @@ NSError* platformError(const orvane::Error& error) {
 }
 @end
 
+@implementation NSURLSessionConfiguration
+@synthesize connectionProxyDictionary;
++ (NSURLSessionConfiguration*)ephemeralSessionConfiguration {
+  return [[[self alloc] init] autorelease];
+}
+- (void)dealloc {
+  [connectionProxyDictionary release];
+  [super dealloc];
+}
+@end
+
 @implementation NSURLSession
 
 + (NSURLSession*)sharedSession {
   static CarriedSession* const shared = [[CarriedSession alloc] init];
   return shared;
+}
+
++ (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration {
+  NSDictionary* const proxy = [configuration connectionProxyDictionary];
+  orvane::HostSessionConfiguration own;
+  if ([[proxy objectForKey:@"HTTPEnable"] boolValue])
+    own.proxy = [[NSString stringWithFormat:@"http://%@:%@", [proxy objectForKey:@"HTTPProxy"],
+                                            [proxy objectForKey:@"HTTPPort"]] UTF8String];
+  CarriedSession* const session = [[[CarriedSession alloc] init] autorelease];
+  session->own = std::make_shared<orvane::HostSession>(own);
+  return session;
 }
 
 - (NSOperationQueue*)delegateQueue {

@@ -9,8 +9,16 @@
 - (void)resume;
 @end
 
+@interface NSURLSessionConfiguration : NSObject {
+  NSDictionary* connectionProxyDictionary;
+}
++ (NSURLSessionConfiguration*)ephemeralSessionConfiguration;
+@property(copy) NSDictionary* connectionProxyDictionary;
+@end
+
 @interface NSURLSession : NSObject
 + (NSURLSession*)sharedSession;
++ (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration;
 - (NSOperationQueue*)delegateQueue;
 - (NSURLSessionDataTask*)dataTaskWithRequest:(NSURLRequest*)request
                            completionHandler:
