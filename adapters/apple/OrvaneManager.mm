@@ -14,9 +14,15 @@ class BoundManager final : public orvane::OrvaneManager {
  public:
   explicit BoundManager(::OrvaneManager* object) : object_(object) {}
 
-  std::optional<std::string> clientId() const override { return orvane::optionalUTF8([object_ clientId]); }
+  std::optional<std::string> clientId() const override {
+    @autoreleasepool {
+      return orvane::optionalUTF8([object_ clientId]);
+    }
+  }
   void setClientId(std::optional<std::string> clientId) override {
-    [object_ setClientId:orvane::platformTextOrNil(clientId)];
+    @autoreleasepool {
+      [object_ setClientId:orvane::platformTextOrNil(clientId)];
+    }
   }
 
  private:
