@@ -1,7 +1,6 @@
 // An answered call has one outcome, as its reply says, or there is the stop, whose line holds nothing of the reply.
 // The input's first byte chooses the call, the rest is the reply's body.
 
-#include <algorithm>
 #include <array>
 #include <nlohmann/json.hpp>
 
@@ -105,9 +104,7 @@ void judge(Call call, const std::string& body) {
   bool hasPassed = false;
   guarded.startDataTask(
       URLRequest(std::string(serviceBaseURL()).append(paths[static_cast<std::size_t>(call)])),
-      [&](const DataTaskResult& result) {
-        hasPassed = std::equal(body.begin(), body.end(), result.body->begin(), result.body->end());
-      });
+      [&](const DataTaskResult& result) { hasPassed = result.body == Bytes(body.begin(), body.end()); });
   session.handlers.front()({Bytes(body.begin(), body.end()), HTTPResponse{200}, nullptr});
   require(hasPassed != isStopped, "a guard replaces what would stop the process, and nothing else");
 }
