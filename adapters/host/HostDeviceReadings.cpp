@@ -1,5 +1,6 @@
 #include "orvane/host/HostDeviceReadings.h"
 
+#include <string>
 #include <sys/utsname.h>
 
 namespace orvane {

@@ -1,3 +1,6 @@
+#include <memory>
+#include <utility>
+
 #include "adapters/host/HostTextRules.h"
 #include "adapters/host/backgroundThread.h"
 #include "orvane/host/HostDeviceReadings.h"

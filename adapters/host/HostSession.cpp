@@ -1,6 +1,10 @@
 #include "orvane/host/HostSession.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <utility>
 
 #include "adapters/host/SessionThreads.h"
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <string_view>
 #include <utf8proc.h>
 
 #include "orvane/base/utf8.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "orvane/platform/TextRules.h"
 
 namespace orvane {

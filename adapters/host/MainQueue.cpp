@@ -1,6 +1,10 @@
 #include "orvane/host/MainQueue.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <deque>
+#include <mutex>
 #include <utility>
 
 namespace orvane {

@@ -1,5 +1,9 @@
 #include "adapters/host/SessionError.h"
 
+#include <cstdint>
+#include <memory>
+#include <utility>
+
 namespace orvane {
 namespace {
 

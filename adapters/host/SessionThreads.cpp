@@ -1,5 +1,6 @@
 #include "adapters/host/SessionThreads.h"
 
+#include <cstddef>
 #include <system_error>
 #include <utility>
 

@@ -1,8 +1,10 @@
 #include "adapters/host/Transfer.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "adapters/host/Redirect.h"

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <curl/curl.h>
 #include <memory>
-#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "adapters/host/CookieJar.h"

@@ -1,9 +1,14 @@
 #include "adapters/host/TransferEngine.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstdint>
 #include <iterator>
 #include <new>
+#include <optional>
+#include <string>
 #include <utility>
+#include <variant>
 
 #include "adapters/host/ExitGate.h"
 #include "adapters/host/Redirect.h"

@@ -1,6 +1,8 @@
 #include "orvane/network/HTTPSUpgradeSession.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string_view>
 #include <utility>
 
 #include "orvane/base/fatal.h"

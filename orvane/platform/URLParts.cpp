@@ -1,6 +1,7 @@
 #include "orvane/platform/URLParts.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "orvane/platform/URLRequest.h"
 
