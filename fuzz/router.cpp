@@ -1,12 +1,15 @@
 // The development service answers any sequence of requests with envelopes, and takes nothing for a secret but the secret.
 // The input is texts, each ended by a backslash and a blank: verb and path, an additional header field, body, and so on.
 
+#include "tools/devservice/Router.h"
+
 #include <algorithm>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <nlohmann/json.hpp>
 
 #include "fuzz/fuzz.h"
 #include "tools/devservice/IdentityService.h"
+#include "tools/devservice/Target.h"
 
 namespace devservice {
 namespace {
@@ -20,10 +23,13 @@ std::pair<std::string, std::string> split(const std::string& text, char at) {
 }
 
 Request takeRequest(FuzzedDataProvider& input) {
-  const auto [method, path] = split(input.ConsumeRandomLengthString(), ' ');
+  const auto [method, text] = split(input.ConsumeRandomLengthString(), ' ');
+  const Target target = parseTarget(text);
   const auto field = split(input.ConsumeRandomLengthString(), ':');
   const std::string body = input.ConsumeRandomLengthString();
-  Request request{method, path, {field}, body, "127.0.0.1"};
+  Request request{method, target.path, {}, body, "127.0.0.1", target.query, target.authority.has_value()};
+  if (target.authority) request.headers.emplace_back("Host", *target.authority);
+  request.headers.push_back(field);
   for (const auto& [name, value] :
        {std::pair("Content-Type", "application/json"), {"XRAPI-VERSION", "1.0"}, {"XRAPI-DEVICE-TYPE", "1"}})
     request.headers.emplace_back(name, value);
@@ -48,12 +54,14 @@ void checkEnvelope(const Json& envelope) {
   require(envelope.at("data").is_null(), "a refusal has no data");
 }
 
-void call(IdentityService& service, const Request& request) {
+void call(IdentityService& service, Router& router, const Request& request) {
   const Json body = Json::parse(request.body, nullptr, false);
   const std::string mobile = member(body, "mobile");
   const Inspection before = service.inspect(mobile).value_or(Inspection());
-  const Reply reply = service.answer(request);
+  const Reply reply = router.answer(request);
+  router.log(request, reply);
   const Json envelope = Json::parse(reply.body, nullptr, false);
+  if (reply.status == 204 || (Page::owns(request.path) && reply.status == 200)) return;
   if (request.path == "/inspect" && reply.status == 200)
     return require(envelope.is_object(), "an inspection is JSON");
   if (mobile.starts_with(faultNumberPrefix)) return;  // May demand anything.
@@ -75,6 +83,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   FuzzedDataProvider input(data, size);
   // No bits set: the picture AAAA and the code 000000.
   IdentityService service{{.now = [] { return TimePoint(); }, .random = [] { return 0U; }}};
-  while (input.remaining_bytes() > 0) call(service, takeRequest(input));
+  Router router(service, {"localhost"}, {});
+  while (input.remaining_bytes() > 0) call(service, router, takeRequest(input));
   return 0;
 }

@@ -24,7 +24,9 @@
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/Page.h"
 #include "tools/devservice/Picture.h"
+#include "tools/devservice/Router.h"
 #include "tools/devservice/Server.h"
+#include "tools/devservice/Target.h"
 
 namespace devservice {
 namespace {
@@ -69,6 +71,7 @@ struct Bench {
   // What delivers messages asks the service back, which must not be locked then.
   IdentityService service{{[this](auto to, auto text) { EXPECT_EQ(service.inspect(to)->message, text); },
                            [this] { return now; }, [this] { return bits; }}};
+  Router router{service, {"identity.test", "localhost", "127.0.0.1:8080"}, {}};
 
   Json call(const Request& request) { return Json::parse(service.answer(request).body); }
 };
@@ -80,7 +83,6 @@ TEST(DevService, RefusesMalformedRequests) {
   std::vector<std::tuple<Request, int, int>> cases = {
       {{"POST", good.path + "/", {}, "", ""}, 404, 1006},
       {{"GET", good.path, {}, "", ""}, 405, 1007},
-      {{"GET", "/inspect", {}, "", "192.0.2.1"}, 403, 1008},
       {with(good.body + filler), 200, 0},
       {with(good.body + filler + " "), 413, 1005},
       {with("{\"mobile\":\"\xff\"}"), 200, 1001},
@@ -149,7 +151,6 @@ TEST(DevService, KeepsTheRulesOfSigningIn) {
 
 TEST(DevService, StaysSmallAndForgetsTheNumberUsedLongestAgo) {
   Bench bench;
-  Page page(bench.service);
   for (std::size_t i = 0; i < 3 * maxNumbers; ++i) {
     bench.service.answer(askCode(std::to_string(10'000 + i), ""));
     if (i % (maxNumbers - 1) == 5) bench.service.answer(askCode("10005", ""));
@@ -158,19 +159,28 @@ TEST(DevService, StaysSmallAndForgetsTheNumberUsedLongestAgo) {
     bench.service.answer(askPicture(number));
     bench.service.answer(askCode(number, "AAAA"));
   }
+  const std::string large(9000, '/');
+  const std::string body =
+      Json{{"mobile", large}, {"captcha", "s3cret"}, {"carrier", large}, {"x", 1}}.dump();
   for (std::size_t i = 0; i <= maxLogEntries; ++i)
-    page.record({std::string(9000, 'x'), std::string(9000, '/'), 404, ""});
-  const Json state = Json::parse(page.answer(local("/page/state")).body);
+    bench.router.log({large, large, {}, body, ""}, {.body = large});
+  const Json state = Json::parse(bench.router.answer(local("/page/state")).body);
   EXPECT_EQ(bench.service.recent(3 * maxNumbers).size(), maxNumbers);
   EXPECT_TRUE(bench.service.inspect("10005"));
   EXPECT_FALSE(bench.service.inspect("10006"));
   EXPECT_EQ(state["messages"].size(), maxMessages);
   EXPECT_EQ(state["messages"].back()["id"], maxMessages + 1);
   EXPECT_EQ(state["requests"].size(), maxLogEntries);
-  for (const auto part : {"method", "path"}) {
+  for (const auto part : {"method", "path", "mobile"}) {
     EXPECT_EQ(state["requests"][0][part].get<std::string>().size(), maxLogText);
   }
+  const Json members = {{"mobile", "***"}, {"captcha", "***"}, {"carrier", large.substr(0, maxLogText)}};
+  EXPECT_EQ(Json::parse(state["requests"][0]["members"].get<std::string>()), members);
   EXPECT_EQ(state["numbers"].size(), maxShownNumbers);
+  EXPECT_EQ(state["numberCount"], maxNumbers);
+  Request filtered = local("/page/state");
+  filtered.query = "filter=%2B4915";
+  EXPECT_EQ(Json::parse(bench.router.answer(filtered).body)["numbers"].size(), 1);
 }
 
 TEST(DevService, LetsNobodyTryCodeAfterCode) {
@@ -206,7 +216,12 @@ TEST(DevService, SpoilsRepliesOnDemand) {
       {"15", [](auto&, auto json) { return json["data"].size() > 1 && json["data"].back() == 256; }},
       {"16", [](auto&, auto json) { return json.is_array(); }},
       {"17", [](auto&, auto json) { return json["data"].size() == 1 << 20 && json["data"][1] == 'P'; }},
-      {"18", [](auto&, auto json) { return json["code"] == 0; }},
+      {"18", [](auto& reply, auto) { return reply.fault == TransportFault::silence; }},
+      {"01", [](auto& reply, auto) { return reply.delay == 1500ms; }},
+      {"016000", [](auto& reply, auto) { return reply.delay == 60s; }},
+      {"016001", [](auto& reply, auto) { return reply.fault == TransportFault::none; }},
+      {"020001", [](auto& reply, auto) { return reply.fault == TransportFault::none; }},
+      {"19", [](auto&, auto json) { return json["code"] == 0; }},
   };
   for (const auto& [fault, holds] : cases) {
     Bench bench;
@@ -218,28 +233,35 @@ TEST(DevService, SpoilsRepliesOnDemand) {
   }
 }
 
-TEST(Page, SpoilsTheNextCallAsChosen) {
-  const std::pair<std::string, int> choices[] = {{R"({"fault":8})", 4321},
-                                                 {R"({"fault":null})", 0},
-                                                 {R"({"fault":0})", -1},
-                                                 {R"({"fault":"8"})", -1},
-                                                 {R"({"fault":8.5})", -1},
-                                                 {R"({"fault":[8]})", -1},
-                                                 {"{}", -1},
-                                                 {"[8]", -1},
-                                                 {"", -1}};
-  for (const auto& [body, expected] : choices) {
+// A letter is a call: R is refused as chosen, and . is answered.
+TEST(Page, SpoilsCallsAsChosen) {
+  const std::pair<std::string, std::string> choices[] = {{R"({"fault":8})", "R..."},
+                                                         {R"({"fault":8,"every":1})", "RRRR"},
+                                                         {R"({"fault":8,"every":3})", "..R..R"},
+                                                         {R"({"fault":null})", "."},
+                                                         {R"({"fault":1,"delay":60001})", ""},
+                                                         {R"({"fault":8,"every":-1})", ""},
+                                                         {R"({"fault":8,"never":1})", ""},
+                                                         {R"({"fault":0})", ""},
+                                                         {R"({"fault":"8"})", ""},
+                                                         {R"({"fault":8.5})", ""},
+                                                         {R"({"delay":8})", ""},
+                                                         {"[8]", ""},
+                                                         {"", ""}};
+  for (const auto& [body, outcomes] : choices) {
     Bench bench;
-    Page page(bench.service);
-    const Reply reply = page.answer(local("/page/fault", body));
-    EXPECT_EQ(reply.status, expected < 0 ? 400 : 200) << body;
+    const Reply reply = bench.router.answer(local("/page/fault", body));
+    EXPECT_EQ(reply.status, outcomes.empty() ? 400 : 200) << body;
     EXPECT_TRUE(Json::parse(reply.body)["msg"].is_string());
-    // Neither what is no call nor a number that demands another fault uses it up.
+    // Neither what is no call nor a number that demands another fault counts.
     EXPECT_EQ(bench.call(askCode("12", ""))["code"], 1004);
     EXPECT_EQ(bench.call(askCode("+99900000212", ""))["code"], "2001");
-    EXPECT_EQ(bench.call(askCode(number, ""))["code"], expected > 0 ? expected : 2001) << body;
-    EXPECT_EQ(bench.call(askCode(number, ""))["code"], 2001);
+    for (const char outcome : outcomes.empty() ? "." : outcomes)
+      EXPECT_EQ(bench.call(askCode(number, ""))["code"], outcome == 'R' ? 4321 : 2001) << body;
   }
+  Bench bench;
+  bench.router.answer(local("/page/fault", R"({"fault":1,"delay":250})"));
+  EXPECT_EQ(bench.service.answer(askCode(number, "")).delay, 250ms);
 }
 
 TEST(Page, AnswersTheDeveloperAlone) {
@@ -247,48 +269,122 @@ TEST(Page, AnswersTheDeveloperAlone) {
   struct Case {
     std::string peer, host;
     std::optional<std::string> origin;
-    bool looks, changes;
+    bool isLocal;
+    std::string site = "none";
   };
   const Case cases[] = {
-      {peer, own, std::nullopt, true, false},
-      {peer, own, ownOrigin, true, true},
-      {"::1", "[::1]", "http://[::1]", true, true},
-      {peer, "LocalHost:80", "http://localhost:80", true, true},
-      {"192.0.2.1", own, ownOrigin, false, false},
-      {peer, "", std::nullopt, false, false},
-      {peer, "rebound.example:8080", std::nullopt, false, false},
-      {peer, "rebound.example:8080", "http://rebound.example:8080", false, false},
-      {peer, "localhost.example", "http://localhost.example", false, false},
-      {peer, "127.0.0.1:8080:80", "http://127.0.0.1:8080:80", false, false},
-      {peer, own, "http://other.example", false, false},
-      {peer, own, "http://127.0.0.1:3000", false, false},
-      {peer, own, "https://127.0.0.1:8080", false, false},
-      {peer, own, "null", false, false},
-      {peer, own, "", false, false},
+      {peer, own, std::nullopt, true},
+      {peer, own, std::nullopt, true, "same-origin"},
+      {peer, own, std::nullopt, false, "cross-site"},
+      {peer, own, std::nullopt, false, "same-site"},
+      {peer, own, ownOrigin, true},
+      {"::1", "[::1]", "http://[::1]", true},
+      {peer, "LocalHost:80", "http://localhost:80", true},
+      {"192.0.2.1", own, ownOrigin, false},
+      {peer, "", std::nullopt, false},
+      {peer, "rebound.example:8080", std::nullopt, false},
+      {peer, "rebound.example:8080", "http://rebound.example:8080", false},
+      {peer, "localhost.example", "http://localhost.example", false},
+      {peer, "127.0.0.1:8080:80", "http://127.0.0.1:8080:80", false},
+      {peer, own, "http://other.example", false},
+      {peer, own, "http://127.0.0.1:3000", false},
+      {peer, own, "https://127.0.0.1:8080", false},
+      {peer, own, "null", false},
+      {peer, own, "", false},
   };
   for (const Case& each : cases) {
     Bench bench;
-    Page page(bench.service);
     bench.call(askPicture(number));
     const auto statusOf = [&](Request request) {
       request.peer = each.peer;
-      request.headers = {{"host", each.host}};
+      request.headers = {{"host", each.host}, {"Sec-Fetch-Site", each.site}};
       if (each.origin) request.headers.emplace_back("origin", *each.origin);
-      return (Page::owns(request.path) ? page.answer(request) : bench.service.answer(request)).status;
+      return bench.router.answer(request).status;
     };
+    const int expected = each.isLocal ? 200 : 403;
     const std::string picture = "/page/picture/" + number;
-    for (const std::string path : {"/", "/page/state", picture.c_str(), "/page/style.css", "/inspect"}) {
-      EXPECT_EQ(statusOf(local(path)), each.looks ? 200 : 403)
+    for (const std::string path : {"/", "/page/state", picture.c_str(), "/page/style.css", "/inspect"})
+      EXPECT_EQ(statusOf(local(path)), expected)
           << path << " " << each.host << " " << each.origin.value_or("-");
-    }
-    EXPECT_EQ(statusOf(local("/page/fault", R"({"fault":1})")), each.changes ? 200 : 403) << each.host;
-    EXPECT_EQ(bench.service.chosenFault() != nullptr, each.changes);
+    EXPECT_EQ(statusOf(local("/page/fault", R"({"fault":1})")), expected) << each.host;
+    EXPECT_EQ(bench.service.chosenFault().demand.fault != nullptr, each.isLocal);
+    Request forget = local("/inspect");
+    forget.method = "DELETE";
+    EXPECT_EQ(statusOf(forget), expected);
+    EXPECT_EQ(bench.service.size(), each.isLocal ? 0 : 1);
   }
-  IdentityService service;
-  Page page(service);
-  EXPECT_EQ(page.answer(local("/page/picture/" + number)).status, 404);
-  EXPECT_EQ(page.answer(local("/page/../inspect")).status, 404);
-  EXPECT_EQ(page.answer(local("/page/state", "{}")).status, 405);
+  Bench bench;
+  Request link = local("/");
+  link.headers = {{"Host", own}, {"Sec-Fetch-Site", "cross-site"}, {"Sec-Fetch-Mode", "navigate"}};
+  EXPECT_EQ(bench.router.answer(link).status, 200);
+  EXPECT_EQ(bench.router.answer(local("/page/picture/" + number)).status, 404);
+  EXPECT_EQ(bench.router.answer(local("/page/../inspect")).status, 404);
+  EXPECT_EQ(bench.router.answer(local("/page/state", "{}")).status, 405);
+}
+
+TEST(Router, InspectsOneNumberOrAll) {
+  Bench bench;
+  bench.call(askPicture(number));
+  bench.call(askCode(number, "AAAA"));
+  bench.call(askPicture("12345"));
+  const std::string one = "mobile=%2B4915112345678";
+  const std::tuple<std::string, int, int> cases[] = {
+      {"", 200, 0},
+      {one, 200, 0},
+      {"mobile=+4915112345678", 200, 0},
+      {"mobile=1", 404, 0},
+      {one + "&after=0", 200, 0},
+      {one + "&after=1", 204, 0},
+      {one + "&after=1&wait=60000", 204, 60000},
+      {one + "&wait=60000", 200, 0},
+      {"mobile=12345&wait=1", 204, 1},
+      {one + "&wait=60001", 400, 0},
+      {one + "&wait=", 400, 0},
+      {one + "&after=-1", 400, 0},
+      {one + "&until=1", 400, 0},
+      {"wait=1", 400, 0},
+      {"&&", 200, 0},
+  };
+  for (const auto& [query, status, wait] : cases) {
+    Request request = local("/inspect");
+    request.query = query;
+    const Reply reply = bench.router.answer(request);
+    EXPECT_EQ(reply.status, status) << query;
+    EXPECT_EQ(reply.wait.count(), wait) << query;
+    if (status != 200) continue;
+    const Json json = Json::parse(reply.body);
+    const Json& entry = json.contains(number) ? json[number] : json;
+    EXPECT_EQ(entry["code"], "000000");
+    EXPECT_EQ(entry["messageId"], 1);
+    EXPECT_GE(entry["times"]["message"], entry["times"]["picture"]);
+    EXPECT_TRUE(entry["times"]["login"].is_null());
+  }
+}
+
+TEST(Router, IsAProxyForItsOwnHostsAlone) {
+  const std::tuple<std::string, std::string, int> cases[] = {
+      {"GET", "http://identity.test/", 403},  // a page that is not this machine's
+      {"GET", "http://identity.test/inspect", 403},
+      {"GET", "HTTP://Identity.Test:80/tenant/verify/captcha?a", 405},
+      {"GET", "http://localhost/inspect", 200},
+      {"GET", "http://127.0.0.1:8080/inspect?mobile=1", 404},
+      {"GET", "http://127.0.0.1:8080", 200},
+      {"HEAD", "http://127.0.0.1:8080?a", 200},
+      {"GET", "http://127.0.0.1:8081/inspect", 403},
+      {"GET", "http://user@localhost/inspect", 403},
+      {"GET", "http:///inspect", 403},
+      {"GET", "https://localhost/inspect", 403},
+      {"GET", "http://other.test/inspect", 403},
+      {"CONNECT", "identity.test:80", 403},
+      {"CONNECT", "identity.test:443", 403},
+  };
+  for (const auto& [method, text, status] : cases) {
+    Bench bench;
+    const Target target = parseTarget(text);
+    Request request{method, target.path, {}, "", "127.0.0.1", target.query, target.authority.has_value()};
+    if (target.authority) request.headers.emplace_back("Host", *target.authority);
+    EXPECT_EQ(bench.router.answer(request).status, status) << text;
+  }
 }
 
 TEST(Picture, TellsTheCharactersApart) {
@@ -374,9 +470,7 @@ TEST(DevServer, KeepsItsPortItsConnectionsAndFieldsAsTheyCame) {
   for (const auto& [field, clientId] : cases) {
     EXPECT_EQ(bodyOf(connection.send(callFor(number, field)).receive())["code"], 2001);
     const Json known = bodyOf(connection.send("GET /inspect HTTP/1.1\r\nHost: localhost\r\n\r\n").receive());
-    const Json expected = {{"picture", nullptr}, {"message", nullptr},   {"code", nullptr},
-                           {"facts", nullptr},   {"clientId", clientId}, {"signedIn", false}};
-    EXPECT_EQ(known, (Json{{number, expected}})) << field;
+    EXPECT_EQ(known[number]["clientId"], clientId) << field;
   }
 }
 
@@ -390,6 +484,8 @@ TEST(DevServer, RefusesOrSpoils) {
       {"GET /" + std::string(70'000, 'a') + " HTTP/1.1\r\n\r\n", "HTTP/1.1 431", 1005},
       {"GET /%00%2g%2 HTTP/1.1\r\n\r\n", "HTTP/1.1 404", 1006},
       {"GET /page/state HTTP/1.1\r\n\r\n", "HTTP/1.1 403", 1008},
+      {"GET http://other.test/inspect HTTP/1.1\r\nHost: localhost\r\n\r\n", "HTTP/1.1 403", 1010},
+      {"GET http://localhost/inspect HTTP/1.1\r\nHost: other.test\r\n\r\n", "HTTP/1.1 200", Json::object()},
       {callFor("+99900000003"), std::strerror(ECONNRESET), nullptr},
       {callFor("+99900000204"), "HTTP/1.1 200", nullptr},
   };
@@ -399,7 +495,8 @@ TEST(DevServer, RefusesOrSpoils) {
     const std::string reply = Client(server).send(text).receive();
     EXPECT_TRUE(reply.starts_with(start)) << reply << " to " << text.substr(0, 300);
     EXPECT_EQ(reply.starts_with("HTTP"), reply.find("\r\n\r\n{") != reply.npos);
-    EXPECT_EQ(bodyOf(reply).is_object() ? bodyOf(reply)["code"] : Json(), code);
+    const Json body = bodyOf(reply);
+    EXPECT_EQ(body.is_object() ? body.value("code", body) : Json(), code) << text.substr(0, 300);
   }
 }
 
@@ -430,16 +527,33 @@ TEST(DevServer, ServesSoManyAtOnceAndEndsAnIdleOneForAnother) {
   EXPECT_TRUE(first.hasEnded() || second.hasEnded());
 }
 
+TEST(DevServer, TellsOfAMessageAsSoonAsItCame) {
+  IdentityService service{{.random = [] { return 0U; }}};
+  const Server server(service);
+  Client script(server), phone(server);
+  script.send("GET /inspect?mobile=" + number + "&wait=60000 HTTP/1.1\r\nHost: localhost\r\n\r\n");
+  service.answer(askPicture(number));
+  phone.send(callFor(number));  // uses up the picture
+  EXPECT_EQ(bodyOf(phone.receive())["code"], 2002);
+  service.answer(askPicture(number));
+  service.answer(askCode(number, "AAAA"));
+  phone.send(callFor("12345")).receive();
+  EXPECT_EQ(bodyOf(script.receive())["code"], "000000");
+}
+
 TEST(DevServer, StopsAtOnce) {
   IdentityService service;
   std::optional<Server> server(std::in_place, service, std::uint16_t{0}, Server::Log(),
-                               ServerLimits{.connections = 3, .idle = 10min, .request = 10min});
-  Client fresh(*server), idle(*server), delayed(*server), waiting(*server);
+                               ServerLimits{.connections = 5, .idle = 10min, .request = 10min});
+  Client fresh(*server), idle(*server), delayed(*server), silent(*server), script(*server), waiting(*server);
   idle.send(callFor(number)).receive();
+  script.send("GET /inspect?mobile=1&wait=60000 HTTP/1.1\r\nHost: localhost\r\n\r\n");
   delayed.send(callFor("+99900000001"));
-  while (!service.inspect("+99900000001")) std::this_thread::yield();  // until it is being served
+  silent.send(callFor("+99900000018"));
+  // Until they are being served.
+  while (!service.inspect("+99900000001") || !service.inspect("+99900000018")) std::this_thread::yield();
   server.reset();
-  for (Client* connection : {&fresh, &idle, &delayed}) EXPECT_EQ(connection->receive(), "");
+  for (Client* connection : {&fresh, &idle, &delayed, &silent, &script}) EXPECT_EQ(connection->receive(), "");
 }
 
 }  // namespace

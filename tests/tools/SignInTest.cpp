@@ -195,7 +195,9 @@ TEST(SignInProgram, TalksWithAPerson) {
   const std::string mobile = "+447700900123";
   devservice::IdentityService service;
   const devservice::Server server(service);
-  Conversation talk({SIGNIN_PROGRAM, connectTo(server.port())});
+  // By the service as a proxy, which is all that an application would have to be told.
+  const std::string proxy = "--proxy=http://127.0.0.1:" + std::to_string(server.port());
+  Conversation talk({SIGNIN_PROGRAM, "--live", proxy});
   talk.hear("Mobile number: ");
   talk.say("\n" + mobile + "\n");  // an empty line is no answer
   const std::string before = talk.hear("What does the picture say? ");

@@ -16,6 +16,8 @@ constexpr CodeDescription table[] = {
     {Code::wrongMethod, "wrong method"},
     {Code::notLocal, "only for callers on this machine"},
     {Code::malformedRequest, "the request is not understood"},
+    {Code::otherHost, "as a proxy this service answers for its own hosts alone"},
+    {Code::unknownNumber, "this number has made no call"},
     {Code::noPicture, "no picture to be read: none sent, used up or expired"},
     {Code::wrongPictureText, "that is not the picture's text"},
     {Code::noCode, "no code to be entered: none sent, used up or expired"},

@@ -21,6 +21,8 @@ enum class Code : int {
   wrongMethod = 1007,
   notLocal = 1008,
   malformedRequest = 1009,
+  otherHost = 1010,
+  unknownNumber = 1011,
   noPicture = 2001,
   wrongPictureText = 2002,
   noCode = 3001,

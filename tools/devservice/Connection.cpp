@@ -22,7 +22,6 @@ namespace asio = boost::asio;
 namespace http = boost::beast::http;
 
 constexpr auto awaited = asio::as_tuple(asio::use_awaitable);
-constexpr std::chrono::milliseconds faultDelay{1500};
 /// How long a refused connection stays, so that the peer can read why.
 constexpr std::chrono::seconds lingering{1};
 
@@ -34,9 +33,19 @@ std::string addressOf(const asio::ip::tcp::socket& socket) {
 
 Request requestFrom(const http::request<http::string_body>& message, const std::string& peer) {
   Target target = parseTarget(message.target());
-  Request request{message.method_string(), std::move(target.path), {}, message.body(), peer,
-                  std::move(target.query)};
-  for (const auto& field : message) request.headers.emplace_back(field.name_string(), field.value());
+  Request request{.method = message.method_string(),
+                  .path = std::move(target.path),
+                  .headers = {},
+                  .body = message.body(),
+                  .peer = peer,
+                  .query = std::move(target.query),
+                  .isProxied = target.authority.has_value()};
+  // What the URL names counts, and not the field.
+  if (target.authority) request.headers.emplace_back("Host", *target.authority);
+  for (const auto& field : message) {
+    if (!target.authority || field.name() != http::field::host)
+      request.headers.emplace_back(field.name_string(), field.value());
+  }
   return request;
 }
 
@@ -50,12 +59,13 @@ int statusOf(boost::system::error_code error) {
 
 }  // namespace
 
-Connection::Connection(Socket socket, Router& router, const ServerLimits& limits, std::function<void()> idles)
+Connection::Connection(Socket socket, Router& router, const ServerLimits& limits,
+                       std::function<void()> changed)
     : stream_(std::move(socket)),
       peer_(addressOf(stream_.socket())),
       router_(router),
       limits_(limits),
-      idles_(std::move(idles)),
+      changed_(std::move(changed)),
       pause_(stream_.get_executor()),
       idleSince_(Clock::now()) {
   boost::system::error_code ignored;  // the next read tells
@@ -66,6 +76,10 @@ void Connection::close() {
   idleSince_ = Clock::time_point::max();
   pause_.cancel();
   stream_.close();
+}
+
+void Connection::askAgain() {
+  if (asksAgain_) pause_.cancel();
 }
 
 asio::awaitable<void> Connection::serve() {
@@ -79,12 +93,21 @@ asio::awaitable<void> Connection::serve() {
     const Request request = requestFrom(parser.get(), peer_);
     // After what is not understood, nothing says where the next request starts.
     goesOn = !error && parser.keep_alive();
-    const Reply reply = error ? makeRefusal(refused, refused == 400 ? Code::malformedRequest : Code::tooLarge)
-                              : router_.answer(request);
-    router_.log(request, reply);
+    Reply reply;
+    if (error) {
+      reply = makeRefusal(refused, refused == 400 ? Code::malformedRequest : Code::tooLarge);
+    } else {
+      reply = co_await answer(request);
+    }
+    const std::uint64_t entry = router_.log(request, reply);
     const bool isWhole = co_await write(request, reply, goesOn);
+    router_.finish(entry);
     goesOn = goesOn && isWhole;
-    if (error) co_await awaitEnd();
+    if (!error) continue;
+    // The system discards a reply that is on its way when the peer sends more than was read.
+    boost::system::error_code ignored;
+    stream_.socket().shutdown(Socket::shutdown_send, ignored);
+    co_await awaitEnd(lingering);
   }
 }
 
@@ -93,7 +116,7 @@ asio::awaitable<bool> Connection::awaitRequest() {
   if (buffer_.size() > 0) co_return true;
   constexpr std::size_t enough = 4096;
   idleSince_ = Clock::now();
-  idles_();
+  changed_();
   stream_.expires_after(limits_.idle);
   const auto [error, size] = co_await stream_.async_read_some(buffer_.prepare(enough), awaited);
   idleSince_ = Clock::time_point::max();
@@ -114,10 +137,24 @@ asio::awaitable<boost::system::error_code> Connection::read(Parser& parser) {
   co_return error;
 }
 
+asio::awaitable<Reply> Connection::answer(const Request& request) {
+  Reply reply = router_.answer(request);
+  const Clock::time_point end = Clock::now() + reply.wait;
+  while (reply.wait.count() > 0 && Clock::now() < end && stream_.socket().is_open()) {
+    asksAgain_ = true;
+    pause_.expires_at(end);
+    co_await pause_.async_wait(awaited);
+    asksAgain_ = false;
+    reply = router_.answer(request);
+  }
+  changed_();
+  co_return reply;
+}
+
 /// Does what the reply's fault asks for; false when the connection is of no more use.
 asio::awaitable<bool> Connection::write(const Request& request, const Reply& reply, bool keepAlive) {
   if (reply.fault == TransportFault::delay) {
-    pause_.expires_after(faultDelay);
+    pause_.expires_after(reply.delay);
     co_await pause_.async_wait(awaited);
   }
   if (reply.fault == TransportFault::reset) {
@@ -125,12 +162,16 @@ asio::awaitable<bool> Connection::write(const Request& request, const Reply& rep
     stream_.socket().set_option(Socket::linger(true, 0), ignored);
   }
   if (reply.fault == TransportFault::reset || reply.fault == TransportFault::drop) co_return false;
+  if (reply.fault == TransportFault::silence) {
+    co_await awaitEnd(limits_.silence);
+    co_return false;
+  }
   const bool isCut = reply.fault == TransportFault::cut;
 
   http::response<http::span_body<const char>> response(http::status(reply.status), 11);
   for (const auto& [name, value] : reply.headers) response.set(name, value);
   response.set(http::field::content_type, reply.contentType);
-  response.content_length(reply.body.size());
+  if (reply.status != 204) response.content_length(reply.body.size());
   response.keep_alive(keepAlive);
   const std::size_t size = reply.body.size() / (isCut ? 2 : 1);
   response.body() = {reply.body.data(), request.method == "HEAD" ? 0 : size};
@@ -139,12 +180,10 @@ asio::awaitable<bool> Connection::write(const Request& request, const Reply& rep
   co_return !error && !isCut;
 }
 
-/// Ends the connection without losing the reply that is on its way: the system discards it when the peer sends
-/// more than was read.
-asio::awaitable<void> Connection::awaitEnd() {
+/// Waits until the peer ends the connection, whatever it sends until then.
+asio::awaitable<void> Connection::awaitEnd(Clock::duration limit) {
   boost::system::error_code error;
-  stream_.socket().shutdown(Socket::shutdown_send, error);
-  stream_.expires_after(lingering);
+  stream_.expires_after(limit);
   while (!error) {
     buffer_.clear();
     const auto [ended, size] = co_await stream_.async_read_some(buffer_.prepare(maxHeadSize), awaited);

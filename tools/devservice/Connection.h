@@ -23,9 +23,9 @@ class Connection {
   using Clock = std::chrono::steady_clock;
   using Socket = boost::asio::ip::tcp::socket;
 
-  /// Calls `idles` each time it begins to wait for a request. What is passed by reference has to outlive the
-  /// connection.
-  Connection(Socket socket, Router& router, const ServerLimits& limits, std::function<void()> idles);
+  /// Calls `changed` each time it begins to wait for a request, and when one was answered. What is passed by
+  /// reference has to outlive the connection.
+  Connection(Socket socket, Router& router, const ServerLimits& limits, std::function<void()> changed);
 
   /// Reads requests, has them answered, and writes the replies, each as its fault says. Ends with the
   /// connection.
@@ -33,6 +33,9 @@ class Connection {
 
   /// Since when it has been waiting for a request; the far future while it serves one.
   Clock::time_point idleSince() const { return idleSince_; }
+
+  /// Asks again for a reply that is worth it; to be called when a request was answered.
+  void askAgain();
 
   /// Ends it at once, whatever it is doing.
   void close();
@@ -44,15 +47,17 @@ class Connection {
 
   Awaitable<bool> awaitRequest();
   Awaitable<boost::system::error_code> read(Parser& parser);
+  Awaitable<Reply> answer(const Request& request);
   Awaitable<bool> write(const Request& request, const Reply& reply, bool keepAlive);
-  Awaitable<void> awaitEnd();
+  Awaitable<void> awaitEnd(Clock::duration limit);
 
   boost::beast::tcp_stream stream_;
   const std::string peer_;
   Router& router_;
   const ServerLimits& limits_;
-  const std::function<void()> idles_;
+  const std::function<void()> changed_;
   boost::asio::steady_timer pause_;
+  bool asksAgain_ = false;
   boost::beast::flat_buffer buffer_;
   Clock::time_point idleSince_;
 };

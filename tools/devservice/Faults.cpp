@@ -20,30 +20,32 @@ struct Draft {
 namespace {
 
 constexpr Fault table[] = {
-    {1, "late", "the reply comes 1.5 s late", [](Draft& draft) { draft.transport = TransportFault::delay; }},
-    {2, "dropped", "the connection is closed without a byte",
+    {lateFault, "network", "late", "the reply comes late, after 1.5 s or as long as was chosen",
+     [](Draft& draft) { draft.transport = TransportFault::delay; }},
+    {2, "network", "dropped", "the connection is closed without a byte",
      [](Draft& draft) { draft.transport = TransportFault::drop; }},
-    {3, "reset", "the connection is reset without a byte",
+    {3, "network", "reset", "the connection is reset without a byte",
      [](Draft& draft) { draft.transport = TransportFault::reset; }},
-    {4, "cut short", "the connection is closed after half of the body",
+    {4, "network", "cut short", "the connection is closed after half of the body",
      [](Draft& draft) { draft.transport = TransportFault::cut; }},
-    {5, "not JSON", "the body is not JSON",
+    {5, "HTTP", "not JSON", "the body is not JSON",
      [](Draft& draft) { draft.body = "<html><body>It works!</body></html>"; }},
-    {6, "empty", "the body is empty", [](Draft& draft) { draft.body = ""; }},
-    {7, "status 500", "HTTP status 500 with a good body", [](Draft& draft) { draft.status = 500; }},
-    {8, "refused", "the call is refused with code 4321", nullptr},
-    {9, "no code", "\"code\" is missing", [](Draft& draft) { draft.object.erase("code"); }},
-    {10, "no msg", "\"msg\" is missing", [](Draft& draft) { draft.object.erase("msg"); }},
-    {11, "no data", "\"data\" is missing", [](Draft& draft) { draft.object.erase("data"); }},
-    {12, "code as text", "\"code\" is a string",
+    {6, "HTTP", "empty", "the body is empty", [](Draft& draft) { draft.body = ""; }},
+    {7, "HTTP", "status 500", "HTTP status 500 with a good body", [](Draft& draft) { draft.status = 500; }},
+    {8, "reply", "refused", "the call is refused with code 4321", nullptr},
+    {9, "reply", "no code", "\"code\" is missing", [](Draft& draft) { draft.object.erase("code"); }},
+    {10, "reply", "no msg", "\"msg\" is missing", [](Draft& draft) { draft.object.erase("msg"); }},
+    {11, "reply", "no data", "\"data\" is missing", [](Draft& draft) { draft.object.erase("data"); }},
+    {12, "reply", "code as text", "\"code\" is a string",
      [](Draft& draft) { draft.object["code"] = draft.object["code"].dump(); }},
-    {13, "msg as number", "\"msg\" is a number", [](Draft& draft) { draft.object["msg"] = 7; }},
-    {14, "data as text", "\"data\" is a string", [](Draft& draft) { draft.object["data"] = "picture"; }},
-    {15, "element 256", "\"data\" ends in the element 256",
+    {13, "reply", "msg as number", "\"msg\" is a number", [](Draft& draft) { draft.object["msg"] = 7; }},
+    {14, "reply", "data as text", "\"data\" is a string",
+     [](Draft& draft) { draft.object["data"] = "picture"; }},
+    {15, "reply", "element 256", "\"data\" ends in the element 256",
      [](Draft& draft) { draft.object["data"].push_back(256); }},
-    {16, "array", "the body is an array around the object",
+    {16, "reply", "array", "the body is an array around the object",
      [](Draft& draft) { draft.object = Json::array({draft.object}); }},
-    {17, "1 MiB", "\"data\" is filled up with zeros to 1 MiB",
+    {17, "reply", "1 MiB", "\"data\" is filled up with zeros to 1 MiB",
      [](Draft& draft) {
        Json& data = draft.object["data"];
        std::vector<std::uint8_t> bytes;
@@ -51,7 +53,19 @@ constexpr Fault table[] = {
        bytes.resize(oversizedDataSize);
        data = std::move(bytes);
      }},
+    {18, "network", "silent", "the call is never answered, and the connection stays",
+     [](Draft& draft) { draft.transport = TransportFault::silence; }},
 };
+
+/// The number that the digits make; nothing where there are others.
+std::optional<int> numberOf(std::string_view digits) {
+  int number = 0;
+  for (const char c : digits) {
+    if (c < '0' || c > '9') return std::nullopt;
+    number = number * 10 + (c - '0');
+  }
+  return number;
+}
 
 }  // namespace
 
@@ -59,24 +73,32 @@ std::span<const Fault> faultTable() {
   return table;
 }
 
-const Fault* demandedFault(std::string_view mobile, Call call) {
-  if (!mobile.starts_with(faultNumberPrefix)) return nullptr;
-  const std::string_view digits = mobile.substr(faultNumberPrefix.size());
-  if (digits.size() != 3 || !std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; }))
-    return nullptr;
-  if (digits[0] != '0' && digits[0] - '0' != static_cast<int>(call)) return nullptr;
-  const int number = (digits[1] - '0') * 10 + (digits[2] - '0');
+const Fault* findFault(int number) {
   const auto* found = std::ranges::find(table, number, &Fault::number);
   return found == std::end(table) ? nullptr : found;
 }
 
-Reply makeReply(const Envelope& envelope, const Fault* fault) {
+Demand demandOf(std::string_view mobile, Call call) {
+  if (!mobile.starts_with(faultNumberPrefix)) return {};
+  const std::string_view digits = mobile.substr(faultNumberPrefix.size());
+  if (digits.size() != 3 && digits.size() != 7) return {};
+  const auto hit = numberOf(digits.substr(0, 1));
+  const auto fault = numberOf(digits.substr(1, 2));
+  const auto hundredths = numberOf(digits.substr(3));
+  if (!hit || !fault || !hundredths || (*hit != 0 && *hit != static_cast<int>(call))) return {};
+  if (digits.size() == 3) return {findFault(*fault)};
+  const std::chrono::milliseconds delay{*hundredths * 10};
+  return *fault == lateFault && delay <= maxDelay ? Demand{findFault(lateFault), delay} : Demand{};
+}
+
+Reply makeReply(const Envelope& envelope, const Demand& demand) {
   Draft draft{{{"code", static_cast<int>(envelope.code)}, {"msg", envelope.msg}, {"data", nullptr}}};
   if (envelope.data) draft.object["data"] = *envelope.data;
-  if (fault && fault->spoil) fault->spoil(draft);
-  return {draft.status, "application/json",
-          draft.body ? *draft.body : draft.object.dump(-1, ' ', false, Json::error_handler_t::replace),
-          draft.transport};
+  if (demand.fault && demand.fault->spoil) demand.fault->spoil(draft);
+  return {.status = draft.status,
+          .body = draft.body ? *draft.body : dumped(draft.object),
+          .fault = draft.transport,
+          .delay = demand.delay};
 }
 
 Reply makeRefusal(int status, Code reason, std::string_view detail) {

@@ -8,7 +8,6 @@
 
 #include "tools/devservice/Glyphs.h"
 #include "tools/devservice/Json.h"
-#include "tools/devservice/LocalCaller.h"
 #include "tools/devservice/Picture.h"
 
 namespace devservice {
@@ -80,7 +79,6 @@ std::uint32_t systemRandom() {
 IdentityService::IdentityService(Environment environment) : environment_(std::move(environment)) {}
 
 Reply IdentityService::answer(const Request& request) {
-  if (request.path == "/inspect") return answerInspect(request);
   const auto route = std::ranges::find(routes, request.path, &Route::path);
   if (route == std::end(routes)) return makeRefusal(404, Code::unknownPath);
   if (request.method != "POST") return makeRefusal(405, Code::wrongMethod);
@@ -96,9 +94,9 @@ Reply IdentityService::answer(const Request& request) {
   const std::string& mobile = members.find("mobile")->second;
   if (!isMobileNumber(mobile)) return makeRefusal(200, Code::badNumber, mobile);
 
-  const Fault* fault = faultFor(mobile, route->call);
-  if (fault && !fault->spoil) return makeReply(refusal(Code::demanded));
-  return makeReply(perform(route->call, members, request.header("XRAPI-CLIENT-ID")), fault);
+  const Demand demand = demandFor(mobile, route->call);
+  if (demand.fault && !demand.fault->spoil) return makeReply(refusal(Code::demanded));
+  return makeReply(perform(route->call, members, request.header("XRAPI-CLIENT-ID")), demand);
 }
 
 std::optional<Inspection> IdentityService::inspect(std::string_view mobile) const {
@@ -108,15 +106,21 @@ std::optional<Inspection> IdentityService::inspect(std::string_view mobile) cons
   return record ? std::optional(view(*record, now)) : std::nullopt;
 }
 
-std::vector<std::pair<std::string, Inspection>> IdentityService::recent(std::size_t most) const {
+std::vector<std::pair<std::string, Inspection>> IdentityService::recent(std::size_t most,
+                                                                        std::string_view text) const {
   std::vector<std::pair<std::string, Inspection>> known;
   const TimePoint now = environment_.now();
   const std::lock_guard lock(mutex_);
   for (const auto& [mobile, record] : records_.entries()) {
     if (known.size() == most) break;
-    known.emplace_back(mobile, view(record, now));
+    if (mobile.find(text) != mobile.npos) known.emplace_back(mobile, view(record, now));
   }
   return known;
+}
+
+std::size_t IdentityService::size() const {
+  const std::lock_guard lock(mutex_);
+  return records_.entries().size();
 }
 
 std::vector<TextMessage> IdentityService::messages() const {
@@ -124,40 +128,32 @@ std::vector<TextMessage> IdentityService::messages() const {
   return {messages_.begin(), messages_.end()};
 }
 
-void IdentityService::chooseFault(const Fault* fault) {
+void IdentityService::chooseFault(const Choice& choice) {
   const std::lock_guard lock(mutex_);
-  chosenFault_ = fault;
+  choice_ = choice;
+  missed_ = 0;
 }
 
-const Fault* IdentityService::chosenFault() const {
+Choice IdentityService::chosenFault() const {
   const std::lock_guard lock(mutex_);
-  return chosenFault_;
+  return choice_;
 }
 
-/// The fault the number demands, or the chosen one, which is then used up.
-const Fault* IdentityService::faultFor(std::string_view mobile, Call call) {
-  if (const Fault* demanded = demandedFault(mobile, call)) return demanded;
+void IdentityService::forget() {
   const std::lock_guard lock(mutex_);
-  return std::exchange(chosenFault_, nullptr);
+  records_.clear();
+  messages_.clear();
+  choice_ = {};
 }
 
-Reply IdentityService::answerInspect(const Request& request) const {
-  if (request.method != "GET") return makeRefusal(405, Code::wrongMethod);
-  if (!isLocalCaller(request)) return makeRefusal(403, Code::notLocal);
-
-  Json all = Json::object();
-  for (const auto& [mobile, known] : recent(maxNumbers)) {
-    all.push_back({mobile,
-                   {{"picture", orNull(known.picture)},
-                    {"message", orNull(known.message)},
-                    {"code", orNull(known.code)},
-                    {"facts", orNull(known.facts)},
-                    {"clientId", orNull(known.clientId)},
-                    {"signedIn", known.signedIn}}});
-  }
-  Reply reply;
-  reply.body = all.dump(-1, ' ', false, Json::error_handler_t::replace);
-  return reply;
+/// What the number demands, or else what was chosen, if it hits this call.
+Demand IdentityService::demandFor(std::string_view mobile, Call call) {
+  if (const Demand demand = demandOf(mobile, call); demand.fault) return demand;
+  const std::lock_guard lock(mutex_);
+  if (choice_.every == 0) return std::exchange(choice_, {}).demand;
+  if (++missed_ < choice_.every) return {};
+  missed_ = 0;
+  return choice_.demand;
 }
 
 Envelope IdentityService::perform(Call call, const Members& members,
@@ -165,7 +161,9 @@ Envelope IdentityService::perform(Call call, const Members& members,
   const std::string& mobile = members.find("mobile")->second;
   {
     const std::lock_guard lock(mutex_);
-    records_.touch(mobile).clientId = clientId;
+    Record& record = records_.touch(mobile);
+    record.clientId = clientId;
+    record.dates.call = std::chrono::system_clock::now();
   }
   switch (call) {
     case Call::picture:
@@ -189,6 +187,7 @@ Envelope IdentityService::sendPicture(const std::string& mobile) {
   Record& record = records_.touch(mobile);
   record.picture = Secret{text, now + secretLifetime, 1};
   record.drawing = Drawing{text, seed};
+  record.dates.picture = record.dates.call;
   return {Code::success, "picture sent", std::move(picture)};
 }
 
@@ -209,8 +208,10 @@ Envelope IdentityService::sendCode(const std::string& mobile, std::string_view p
     }
     record.code = Secret{code, now + secretLifetime, codeAttempts};
     record.message = message;
+    record.messageId = ++messageCount_;
+    record.dates.message = std::chrono::system_clock::now();
     if (messages_.size() == maxMessages) messages_.pop_front();
-    messages_.push_back({++messageCount_, std::chrono::system_clock::now(), mobile, message});
+    messages_.push_back({messageCount_, *record.dates.message, mobile, message});
   }
   environment_.deliver(mobile, message);
   return {Code::success, "code sent", {}};
@@ -232,6 +233,7 @@ Envelope IdentityService::login(const std::string& mobile, std::string_view code
       break;
   }
   record.signedIn = true;
+  record.dates.login = std::chrono::system_clock::now();
   return {Code::success, "welcome", {}};
 }
 
@@ -240,6 +242,7 @@ Envelope IdentityService::submit(const Members& facts) {
   Record& record = records_.touch(facts.find("mobile")->second);
   if (!record.signedIn) return refusal(Code::notSignedIn);
   record.facts = facts;
+  record.dates.facts = std::chrono::system_clock::now();
   return {Code::success, "recorded", {}};
 }
 
@@ -256,8 +259,15 @@ Inspection IdentityService::view(const Record& record, TimePoint now) {
   const auto live = [now](const std::optional<Secret>& secret) {
     return secret && now < secret->expires ? std::optional(secret->text) : std::nullopt;
   };
-  return {live(record.picture), record.message,  live(record.code), record.drawing,
-          record.facts,         record.clientId, record.signedIn};
+  return {.picture = live(record.picture),
+          .message = record.message,
+          .messageId = record.messageId,
+          .code = live(record.code),
+          .drawing = record.drawing,
+          .facts = record.facts,
+          .clientId = record.clientId,
+          .signedIn = record.signedIn,
+          .dates = record.dates};
 }
 
 /// A number from 0 to bound - 1; its bias, bound / 2^32, is far below what anybody could notice here.

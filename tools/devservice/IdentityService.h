@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -21,9 +20,6 @@
 
 namespace devservice {
 
-/// The string members of a request's body by name.
-using Members = std::map<std::string, std::string, std::less<>>;
-
 /// What a picture is drawn from.
 struct Drawing {
   std::string text;
@@ -37,15 +33,30 @@ struct TextMessage {
   std::string text;
 };
 
+/// When something happened to a number last.
+struct Dates {
+  using Date = std::optional<std::chrono::system_clock::time_point>;
+  Date call, picture, message, login, facts;
+};
+
 /// What the service knows of one mobile number.
 struct Inspection {
-  std::optional<std::string> picture;   ///< Text of the picture that waits to be read.
-  std::optional<std::string> message;   ///< The last text message.
+  std::optional<std::string> picture;  ///< Text of the picture that waits to be read.
+  std::optional<std::string> message;  ///< The last text message.
+  std::optional<std::uint64_t> messageId;
   std::optional<std::string> code;      ///< The code that waits to be entered.
   std::optional<Drawing> drawing;       ///< The last picture, whether it waits or not.
   std::optional<Members> facts;         ///< The last submission, with its "mobile".
   std::optional<std::string> clientId;  ///< The client identifier in the last request, if it had one.
   bool signedIn = false;
+  Dates dates;
+};
+
+/// The fault that was chosen for calls whose number demands none.
+struct Choice {
+  Demand demand;
+  /// It hits one call in so many, until another choice; 0: the next call alone.
+  unsigned every = 0;
 };
 
 using TimePoint = std::chrono::steady_clock::time_point;
@@ -77,15 +88,20 @@ class IdentityService {
   /// What is known of the number; nothing when it has made no call, or is forgotten.
   std::optional<Inspection> inspect(std::string_view mobile) const;
 
-  /// What is known of the numbers used last, the latest first.
-  std::vector<std::pair<std::string, Inspection>> recent(std::size_t most) const;
+  /// What is known of the numbers used last that contain the text, the latest first.
+  std::vector<std::pair<std::string, Inspection>> recent(std::size_t most, std::string_view text = {}) const;
+
+  /// How many numbers are known.
+  std::size_t size() const;
 
   /// The last text messages, the oldest first.
   std::vector<TextMessage> messages() const;
 
-  /// The fault, of the table, of the next call whose number demands none itself; null for none.
-  void chooseFault(const Fault* fault);
-  const Fault* chosenFault() const;
+  void chooseFault(const Choice& choice);
+  Choice chosenFault() const;
+
+  /// Forgets all but how many messages there were.
+  void forget();
 
  private:
   /// A text to be given back in time.
@@ -99,12 +115,14 @@ class IdentityService {
     std::optional<Secret> picture;
     std::optional<Secret> code;
     std::optional<std::string> message;
+    std::optional<std::uint64_t> messageId;
     std::optional<Drawing> drawing;
     std::optional<Members> facts;
     std::optional<std::string> clientId;
     bool signedIn = false;
     int wrongCodes = 0;        // since
     TimePoint firstWrongCode;  // this
+    Dates dates;
   };
 
   enum class Attempt { none, wrong, right };
@@ -112,8 +130,7 @@ class IdentityService {
   static Attempt attempt(std::optional<Secret>& secret, std::string_view text, TimePoint now);
   static Inspection view(const Record& record, TimePoint now);
 
-  Reply answerInspect(const Request& request) const;
-  const Fault* faultFor(std::string_view mobile, Call call);
+  Demand demandFor(std::string_view mobile, Call call);
   Envelope perform(Call call, const Members& members, std::optional<std::string_view> clientId);
   Envelope sendPicture(const std::string& mobile);
   Envelope sendCode(const std::string& mobile, std::string_view pictureText);
@@ -128,7 +145,8 @@ class IdentityService {
   RecentMap<Record> records_{maxNumbers};
   std::deque<TextMessage> messages_;
   std::uint64_t messageCount_ = 0;
-  const Fault* chosenFault_ = nullptr;
+  Choice choice_;
+  unsigned missed_ = 0;  // calls since the choice, or since it hit
 };
 
 }  // namespace devservice

@@ -24,8 +24,16 @@ inline constexpr std::size_t maxTextSize = 1024;
 inline constexpr std::size_t maxMessages = 50;
 inline constexpr std::size_t maxLogEntries = 100;
 inline constexpr std::size_t maxShownNumbers = 20;
-/// Bytes of a path and of a reply's body in the log; longer bodies are pictures.
+/// Bytes of a text and of a reply's body in the log; longer bodies are pictures. Members of a request there.
 inline constexpr std::size_t maxLogText = 200;
+inline constexpr std::size_t maxLoggedMembers = 10;
+
+/// How late a late reply is, and how late one can be made; how seldom a chosen fault can hit: one call in so many.
+inline constexpr std::chrono::milliseconds usualDelay{1500};
+inline constexpr std::chrono::milliseconds maxDelay{60'000};
+inline constexpr unsigned maxEvery = 1000;
+/// How long a script may wait for a text message.
+inline constexpr std::chrono::milliseconds maxWait{60'000};
 
 /// Bytes of a request's body: sixty times what the longest call needs.
 inline constexpr std::size_t maxBodySize = std::size_t{64} << 10;
@@ -42,6 +50,8 @@ struct ServerLimits {
   std::chrono::seconds idleWhenCrowded{1};
   /// How long a request may take to arrive, and a reply to be taken.
   std::chrono::milliseconds request{10'000};
+  /// How long a connection stays on which a call is never answered.
+  std::chrono::minutes silence{10};
 };
 
 }  // namespace devservice

@@ -18,13 +18,12 @@ bool isLocalHost(std::string_view host) {
 
 bool isLocalCaller(const Request& request) {
   if (!request.peer.starts_with("127.") && request.peer != "::1") return false;
-  if (!isLocalHost(request.header("Host").value_or(""))) return false;
-  return !request.header("Origin") || isFromOwnPage(request);
-}
-
-bool isFromOwnPage(const Request& request) {
-  const std::string own = "http://" + std::string(request.header("Host").value_or(""));
-  return equalIgnoringCase(request.header("Origin").value_or(""), own);
+  const std::string_view host = request.header("Host").value_or("");
+  if (!isLocalHost(host)) return false;
+  if (const auto origin = request.header("Origin"))
+    return equalIgnoringCase(*origin, "http://" + std::string(host));
+  const std::string_view site = request.header("Sec-Fetch-Site").value_or("none");
+  return site == "none" || site == "same-origin" || request.header("Sec-Fetch-Mode") == "navigate";
 }
 
 }  // namespace devservice

@@ -6,11 +6,9 @@ namespace devservice {
 
 /// Whether a developer on this machine sent the request, and not a site that is open in the developer's
 /// browser: the peer and the host asked for are this machine, and the origin, if there is one, is the service
-/// itself. A site whose name leads here by a trick of its name server gives itself away by the host.
+/// itself. A site whose name leads here by a trick of its name server gives itself away by the host. What a
+/// browser sends for another site without an origin it sends with "Sec-Fetch-Site"; only following a link from
+/// there is harmless.
 bool isLocalCaller(const Request& request);
-
-/// Whether the request says that it comes from the service's own page; no other site can make a browser say
-/// so.
-bool isFromOwnPage(const Request& request);
 
 }  // namespace devservice

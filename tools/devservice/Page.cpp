@@ -10,6 +10,7 @@
 #include "tools/devservice/LocalCaller.h"
 #include "tools/devservice/PageFiles.h"
 #include "tools/devservice/Picture.h"
+#include "tools/devservice/Target.h"
 
 namespace devservice {
 namespace {
@@ -28,38 +29,44 @@ constexpr std::pair<std::string_view, std::string_view> guards[] = {
     {"X-Content-Type-Options", "nosniff"},
 };
 
-std::int64_t milliseconds(std::chrono::system_clock::time_point time) {
-  return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
-}
-
 Json faults() {
   Json all = Json::array();
   for (const Fault& fault : faultTable()) {
-    all.push_back({{"number", fault.number}, {"name", fault.name}, {"text", fault.text}});
+    all.push_back(
+        {{"number", fault.number}, {"group", fault.group}, {"name", fault.name}, {"text", fault.text}});
   }
   return all;
+}
+
+Json chosen(const Choice& choice) {
+  if (!choice.demand.fault) return {};
+  return {{"fault", choice.demand.fault->number},
+          {"delay", choice.demand.delay.count()},
+          {"every", choice.every}};
 }
 
 Json messages(const IdentityService& service) {
   Json all = Json::array();
   for (const TextMessage& message : service.messages()) {
+    const auto known = service.inspect(message.mobile);
     all.push_back({{"id", message.id},
                    {"time", milliseconds(message.time)},
                    {"mobile", message.mobile},
-                   {"text", message.text}});
+                   {"text", message.text},
+                   {"waits", known && known->code && known->messageId == message.id}});
   }
   return all;
 }
 
-Json numbers(const IdentityService& service) {
+Json numbers(const IdentityService& service, std::string_view filter) {
   Json all = Json::array();
-  for (const auto& [mobile, known] : service.recent(maxShownNumbers)) {
+  for (const auto& [mobile, known] : service.recent(maxShownNumbers, filter)) {
     Json drawing;
     if (known.drawing) drawing = {{"text", known.drawing->text}, {"seed", known.drawing->seed}};
-    all.push_back({{"mobile", mobile},
+    all.push_back({{"id", mobile},
                    {"drawing", drawing},
                    {"pictureWaits", known.picture.has_value()},
-                   {"codeWaits", known.code.has_value()},
+                   {"code", orNull(known.code)},
                    {"signedIn", known.signedIn},
                    {"clientId", orNull(known.clientId)},
                    {"facts", orNull(known.facts)}});
@@ -67,7 +74,28 @@ Json numbers(const IdentityService& service) {
   return all;
 }
 
+Json requests(const RequestLog& log) {
+  Json all = Json::array();
+  for (const LogEntry& entry : log.entries()) {
+    all.push_back({{"id", entry.id},
+                   {"time", milliseconds(entry.time)},
+                   {"duration", entry.duration ? Json(entry.duration->count()) : Json()},
+                   {"method", entry.method},
+                   {"path", entry.path},
+                   {"mobile", entry.mobile},
+                   {"members", entry.members},
+                   {"hasClientId", entry.hasClientId},
+                   {"status", entry.status},
+                   {"body", entry.body},
+                   {"fault", entry.fault}});
+  }
+  return all;
+}
+
 }  // namespace
+
+Page::Page(IdentityService& service, const RequestLog& log)
+    : service_(service), log_(log), run_(std::to_string(systemRandom()) + std::to_string(systemRandom())) {}
 
 bool Page::owns(std::string_view path) {
   return path == "/" || path.starts_with("/page/");
@@ -79,7 +107,7 @@ Reply Page::answer(const Request& request) {
     const bool chooses = request.path == "/page/fault";
     if (request.method != (chooses ? "POST" : "GET")) return makeRefusal(405, Code::wrongMethod);
     if (chooses) return chooseFault(request);
-    if (request.path == "/page/state") return state();
+    if (request.path == "/page/state") return state(request);
     if (request.path.starts_with(picturePrefix)) return picture(request.path.substr(picturePrefix.size()));
     const auto file = std::ranges::find(pageFiles(), request.path, &PageFile::path);
     if (file == pageFiles().end()) return makeRefusal(404, Code::unknownPath);
@@ -90,35 +118,18 @@ Reply Page::answer(const Request& request) {
   return guarded;
 }
 
-void Page::record(LogEntry entry) {
-  const auto now = milliseconds(std::chrono::system_clock::now());
-  for (auto* text : {&entry.method, &entry.path}) text->resize(std::min(text->size(), maxLogText));
-  const std::lock_guard lock(mutex_);
-  if (log_.size() == maxLogEntries) log_.pop_front();
-  log_.push_back({++recorded_, now, std::move(entry)});
-}
-
-Reply Page::state() const {
-  const Fault* chosen = service_.chosenFault();
-  Json all = {{"faults", faults()},
-              {"chosenFault", chosen ? Json(chosen->number) : Json()},
-              {"messages", messages(service_)},
-              {"numbers", numbers(service_)},
-              {"requests", Json::array()}};
-  {
-    const std::lock_guard lock(mutex_);
-    for (const auto& [id, time, entry] : log_) {
-      all["requests"].push_back({{"id", id},
-                                 {"time", time},
-                                 {"method", entry.method},
-                                 {"path", entry.path},
-                                 {"status", entry.status},
-                                 {"body", entry.body},
-                                 {"fault", entry.fault}});
-    }
-  }
+Reply Page::state(const Request& request) const {
+  const Members query = queryMembers(request.query);
+  const auto filter = query.find("filter");
+  const Json all = {{"run", run_},
+                    {"faults", faults()},
+                    {"chosenFault", chosen(service_.chosenFault())},
+                    {"messages", messages(service_)},
+                    {"numberCount", service_.size()},
+                    {"numbers", numbers(service_, filter == query.end() ? "" : filter->second)},
+                    {"requests", requests(log_)}};
   Reply reply;
-  reply.body = all.dump(-1, ' ', false, Json::error_handler_t::replace);
+  reply.body = dumped(all);
   return reply;
 }
 
@@ -129,16 +140,30 @@ Reply Page::picture(std::string_view mobile) const {
   return {200, "image/png", std::string(bytes.begin(), bytes.end())};
 }
 
-/// The body is {"fault": N}, or null for none.
+/// The body is {"fault": N}, or null for none, with "delay" and "every" where they are wanted.
 Reply Page::chooseFault(const Request& request) {
-  if (!isFromOwnPage(request)) return makeRefusal(403, Code::notLocal, "Origin");
   const Json object = Json::parse(request.body, nullptr, false);
   if (!object.is_object()) return makeRefusal(400, Code::malformedBody);
-  const Json number = object.value("fault", Json("missing"));
-  const auto fault =
-      std::ranges::find_if(faultTable(), [&](const Fault& each) { return number == each.number; });
-  if (fault == faultTable().end() && !number.is_null()) return makeRefusal(400, Code::badMember, "fault");
-  service_.chooseFault(number.is_null() ? nullptr : &*fault);
+  if (!object.contains("fault")) return makeRefusal(400, Code::badMember, "fault");
+  Choice choice;
+  for (const auto& [name, value] : object.items()) {
+    const bool isFault = name == "fault";
+    const bool isDelay = name == "delay";
+    if (isFault && value.is_null()) continue;
+    const std::int64_t most = isFault ? 99 : isDelay ? maxDelay.count() : maxEvery;
+    const bool isKnown = isFault || isDelay || name == "every";
+    if (!isKnown || !value.is_number_integer() || value < 0 || value > most)
+      return makeRefusal(400, Code::badMember, name);
+    const int number = value.get<int>();
+    if (isDelay) {
+      choice.demand.delay = std::chrono::milliseconds(number);
+    } else if (!isFault) {
+      choice.every = static_cast<unsigned>(number);
+    } else if (choice.demand.fault = findFault(number); !choice.demand.fault) {
+      return makeRefusal(400, Code::badMember, name);
+    }
+  }
+  service_.chooseFault(choice);
   return makeReply({Code::success, "chosen", {}});
 }
 

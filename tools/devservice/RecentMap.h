@@ -40,6 +40,11 @@ class RecentMap {
     return found == index_.end() ? nullptr : &found->second->second;
   }
 
+  void clear() {
+    index_.clear();
+    entries_.clear();
+  }
+
   /// The most recent entry comes first.
   const std::list<Entry>& entries() const { return entries_; }
 

@@ -1,33 +1,45 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <string_view>
-#include <utility>
+#include <vector>
 
 #include "tools/devservice/IdentityService.h"
+#include "tools/devservice/Inspector.h"
 #include "tools/devservice/Message.h"
 #include "tools/devservice/Page.h"
+#include "tools/devservice/RequestLog.h"
 
 namespace devservice {
 
-/// Leads each request to the service or to its page, and keeps the log of both.
+/// Leads each request to the service, its page or its inspection, and keeps the log. For one thread at a time.
 class Router {
  public:
   /// Takes one line, without its end and with control characters escaped.
   using Log = std::function<void(std::string_view line)>;
 
-  /// The service has to outlive the router.
-  Router(IdentityService& service, Log log) : service_(service), log_(std::move(log)) {}
+  /// The service has to outlive the router. As a proxy it serves `hosts`, each as it stands in a URL.
+  Router(IdentityService& service, std::vector<std::string> hosts, Log log);
 
   /// The reply to a request of any kind.
   Reply answer(const Request& request);
 
-  /// Logs what came of the request, unless the page asked for it to show itself.
-  void log(const Request& request, const Reply& reply);
+  /// Logs what is about to be sent, unless the page asked for it to show itself; the entry's number in the log,
+  /// or 0.
+  std::uint64_t log(const Request& request, const Reply& reply);
+
+  /// Takes note that the reply of that entry has been sent.
+  void finish(std::uint64_t entry) { requests_.finish(entry); }
 
  private:
+  bool serves(std::string_view authority) const;
+
   IdentityService& service_;
-  Page page_{service_};
+  RequestLog requests_;
+  Page page_;
+  Inspector inspector_;
+  const std::vector<std::string> hosts_;
   const Log log_;
 };
 

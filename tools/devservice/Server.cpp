@@ -13,6 +13,7 @@
 #include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "tools/devservice/Connection.h"
 #include "tools/devservice/Router.h"
@@ -40,7 +41,7 @@ tcp::acceptor listenOn(asio::io_context& context, std::uint16_t port) {
 class Server::Implementation {
  public:
   Implementation(IdentityService& service, std::uint16_t port, Log log, const ServerLimits& limits)
-      : limits_(limits), router_(service, std::move(log)), acceptor_(listenOn(context_, port)) {
+      : limits_(limits), acceptor_(listenOn(context_, port)), router_(service, hosts(), std::move(log)) {
     co_spawn(context_, accept(), [](const std::exception_ptr&) {});
     thread_ = std::thread([this] { context_.run(); });
   }
@@ -88,17 +89,27 @@ class Server::Implementation {
 
   void serve(tcp::socket socket) {
     const auto connection = connections_.emplace(connections_.end(), std::move(socket), router_, limits_,
-                                                 [this] { change_.cancel(); });
+                                                 [this] { noteChange(); });
     co_spawn(context_, connection->serve(), [this, connection](const std::exception_ptr&) {
       connections_.erase(connection);
       change_.cancel();
     });
   }
 
+  void noteChange() {
+    change_.cancel();
+    for (Connection& connection : connections_) connection.askAgain();
+  }
+
+  std::vector<std::string> hosts() const {
+    const std::string own = ":" + std::to_string(port());
+    return {DEVSERVICE_HOST, "localhost", "localhost" + own, "127.0.0.1" + own};
+  }
+
   const ServerLimits limits_;
-  Router router_;
   asio::io_context context_{1};
   tcp::acceptor acceptor_;
+  Router router_;
   std::list<Connection> connections_;
   asio::steady_timer change_{context_};  // cancelled when a connection begins to idle, or ends
   std::thread thread_;

@@ -28,6 +28,9 @@ The identity service for development and tests, on 127.0.0.1.
 The text messages are printed. The page at / shows them with what is known of each number, and has
 buttons for faults; GET /inspect shows the same to scripts.
 
+It is an HTTP proxy as well, for the service's own host alone, so that an application needs no more
+than a proxy setting: http://127.0.0.1:8080. Requests for other hosts are refused.
+
 It may be left running: what it keeps is limited, and it listens to this machine alone. Programs on
 this machine may read every code; that is what it is for. Sites open in a browser may not: the page
 and /inspect answer only requests for localhost, 127.0.0.1 or [::1] that no other origin sends. Nor
@@ -64,7 +67,7 @@ std::optional<Options> parse(std::span<char* const> arguments) {
   return options;
 }
 
-/// One write a line, since several threads print.
+/// One write a line.
 void printLine(std::string line) {
   line += '\n';
   std::fwrite(line.data(), 1, line.size(), stdout);
@@ -79,7 +82,8 @@ void printHelp() {
   }
   text.append("\nFaults on demand: the mobile numbers ").append(devservice::faultNumberPrefix);
   text +=
-      "XYY. X is the call that is hit: 0 all, 1 picture, 2 code,\n3 login, 4 submission. YY is the fault:\n";
+      "XYY. X is the call that is hit: 0 all, 1 picture, 2 code,\n3 login, 4 submission. YY is the fault;\n"
+      "01 may be followed by four digits, the delay in hundredths of a second:\n";
   for (const devservice::Fault& fault : devservice::faultTable()) {
     const std::string number = std::to_string(fault.number);
     text.append(number.size() < 2 ? "  0" : "  ").append(number).append("  ").append(fault.text) += '\n';

@@ -51,18 +51,18 @@ function showMessages(messages) {
 }
 
 function stage(number) {
-  if (number.codeWaits) return "Code sent";
+  if (number.code !== null) return "Code sent";
   if (number.signedIn) return "Signed in";
   return number.pictureWaits ? "Picture sent" : "Seen";
 }
 
 function numberCard(number) {
   const stageName = stage(number);
-  const card = make("article", "", make("header", "", make("h3", "", number.mobile), make("span", "stage", stageName)));
+  const card = make("article", "", make("header", "", make("h3", "", number.id), make("span", "stage", stageName)));
   card.dataset.stage = stageName;
   if (number.drawing) {
     const picture = make("img");
-    picture.src = `/page/picture/${encodeURIComponent(number.mobile)}?${number.drawing.seed}`;
+    picture.src = `/page/picture/${encodeURIComponent(number.id)}?${number.drawing.seed}`;
     picture.alt = `The last picture: ${number.drawing.text}`;
     picture.width = 160;
     picture.height = 60;
@@ -142,7 +142,7 @@ async function look() {
   const reply = await fetch("/page/state");
   if (!reply.ok) throw new Error(reply.statusText);
   const state = await reply.json();
-  showFaults(state.faults, state.chosenFault);
+  showFaults(state.faults, state.chosenFault?.fault ?? null);
   showMessages(state.messages);
   showNumbers(state.numbers);
   follow(byId("requests"), state.requests, requestRow, "prepend");

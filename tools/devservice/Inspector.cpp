@@ -1,0 +1,87 @@
+#include "tools/devservice/Inspector.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+
+#include "tools/devservice/Json.h"
+#include "tools/devservice/LocalCaller.h"
+#include "tools/devservice/Target.h"
+
+namespace devservice {
+namespace {
+
+Json entryOf(const Inspection& known) {
+  const Dates& dates = known.dates;
+  return {{"picture", orNull(known.picture)},
+          {"message", orNull(known.message)},
+          {"messageId", orNull(known.messageId)},
+          {"code", orNull(known.code)},
+          {"facts", orNull(known.facts)},
+          {"clientId", orNull(known.clientId)},
+          {"signedIn", known.signedIn},
+          {"times",
+           {{"call", millisecondsOrNull(dates.call)},
+            {"picture", millisecondsOrNull(dates.picture)},
+            {"message", millisecondsOrNull(dates.message)},
+            {"login", millisecondsOrNull(dates.login)},
+            {"facts", millisecondsOrNull(dates.facts)}}}};
+}
+
+/// The number that the parameter is, 0 where it is missing; nothing where it is not one up to `most`.
+std::optional<std::uint64_t> numberIn(const Members& query, std::string_view name, std::uint64_t most) {
+  const auto found = query.find(name);
+  if (found == query.end()) return 0;
+  const std::string& text = found->second;
+  std::uint64_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  const bool isNumber = error == std::errc() && end == text.data() + text.size() && number <= most;
+  return isNumber ? std::optional(number) : std::nullopt;
+}
+
+Reply jsonReply(const Json& json) {
+  Reply reply;
+  reply.body = dumped(json);
+  reply.headers = {{"Cache-Control", "no-store"}, {"X-Content-Type-Options", "nosniff"}};
+  return reply;
+}
+
+}  // namespace
+
+Reply Inspector::answer(const Request& request) {
+  if (!isLocalCaller(request)) return makeRefusal(403, Code::notLocal);
+  if (request.method == "GET") return inspect(request);
+  if (request.method != "DELETE") return makeRefusal(405, Code::wrongMethod);
+  service_.forget();
+  log_.clear();
+  return makeReply({Code::success, "forgotten", {}});
+}
+
+Reply Inspector::inspect(const Request& request) const {
+  constexpr std::string_view parameters[] = {"mobile", "wait", "after"};
+  const Members query = queryMembers(request.query);
+  for (const auto& [name, value] : query) {
+    if (std::ranges::find(parameters, name) == std::end(parameters))
+      return makeRefusal(400, Code::badMember, name);
+  }
+  if (query.empty()) {
+    Json all = Json::object();
+    for (const auto& [mobile, known] : service_.recent(maxNumbers)) all[mobile] = entryOf(known);
+    return jsonReply(all);
+  }
+  const auto mobile = query.find("mobile");
+  if (mobile == query.end()) return makeRefusal(400, Code::badMember, "mobile");
+  const auto after = numberIn(query, "after", ~std::uint64_t{0});
+  if (!after) return makeRefusal(400, Code::badMember, "after");
+  const auto wait = numberIn(query, "wait", maxWait.count());
+  if (!wait) return makeRefusal(400, Code::badMember, "wait");
+
+  const auto known = service_.inspect(mobile->second);
+  if (query.size() == 1) return known ? jsonReply(entryOf(*known)) : makeRefusal(404, Code::unknownNumber);
+  if (known && known->messageId.value_or(0) > *after) return jsonReply(entryOf(*known));
+  Reply none{.status = 204, .body = {}};
+  none.wait = std::chrono::milliseconds(*wait);
+  return none;
+}
+
+}  // namespace devservice

@@ -1,0 +1,65 @@
+#include "tools/devservice/RequestLog.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "tools/devservice/Json.h"
+#include "tools/devservice/Limits.h"
+
+namespace devservice {
+namespace {
+
+// By TransportFault.
+constexpr std::string_view faultNotes[] = {"", "delayed", "dropped", "cut", "reset", "not answered"};
+constexpr std::string_view secretMembers[] = {"mobile", "captcha", "verificationCode"};
+
+std::string cut(std::string_view text) {
+  return std::string(text.substr(0, maxLogText));
+}
+
+/// The members of a call; every other one has no place in the log.
+std::string maskedMembers(const Json& object) {
+  Json masked = Json::object();
+  for (const auto& [name, value] : object.items()) {
+    const bool isSecret = std::ranges::find(secretMembers, name) != std::end(secretMembers);
+    if (value.is_string()) masked[cut(name)] = isSecret ? "***" : cut(value.get_ref<const std::string&>());
+    if (masked.size() == maxLoggedMembers) break;
+  }
+  return dumped(masked);
+}
+
+}  // namespace
+
+const LogEntry& RequestLog::add(const Request& request, const Reply& reply) {
+  const bool isBrief = reply.body.size() <= maxLogText;
+  LogEntry entry{
+      .id = ++count_,
+      .time = std::chrono::system_clock::now(),
+      .duration = {},
+      .method = cut(request.method),
+      .path = cut(request.path),
+      .mobile = {},
+      .members = {},
+      .hasClientId = request.header("XRAPI-CLIENT-ID").has_value(),
+      .status = reply.status,
+      .body = isBrief ? reply.body : std::to_string(reply.body.size()) + " bytes",
+      .fault = faultNotes[static_cast<std::size_t>(reply.fault)],
+  };
+  const Json object = request.body.size() <= maxBodySize ? Json::parse(request.body, nullptr, false) : Json();
+  if (object.is_object()) {
+    entry.members = maskedMembers(object);
+    if (const auto mobile = object.find("mobile"); mobile != object.end() && mobile->is_string())
+      entry.mobile = cut(mobile->get_ref<const std::string&>());
+  }
+  if (entries_.size() == maxLogEntries) entries_.pop_front();
+  return entries_.emplace_back(std::move(entry));
+}
+
+void RequestLog::finish(std::uint64_t id) {
+  const auto entry = std::ranges::find(entries_, id, &LogEntry::id);
+  if (entry == entries_.end()) return;
+  entry->duration =
+      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::system_clock::now() - entry->time);
+}
+
+}  // namespace devservice
