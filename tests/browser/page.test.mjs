@@ -16,10 +16,14 @@ const test = (name, body) => anyTest(name, { timeout: 60_000 }, body);
 
 let service, url, page, complaints;
 
-beforeEach(async () => {
-  service = spawn(serviceProgram, ["--port", "0", "--quiet"]);
+async function startService(port) {
+  service = spawn(serviceProgram, ["--port", port, "--quiet"]);
   const [line] = await once(service.stdout, "data");
   [url] = String(line).match(/http:\S+/);
+}
+
+beforeEach(async () => {
+  await startService("0");
   page = await browser.newPage({ viewport: { width: 375, height: 812 } });
   page.setDefaultTimeout(20_000);
   complaints = [];
@@ -43,12 +47,21 @@ async function signIn(...options) {
   return run(signInProgram, all).then(() => "done", (error) => error.stderr);
 }
 
+const known = async (mobile) => (await fetch(`${url}/inspect?mobile=${mobile}`)).json();
+
+/** Has a text message sent to the number. */
+async function sendMessage(mobile) {
+  const headers = { "Content-Type": "application/json", "XRAPI-VERSION": "1.0", "XRAPI-DEVICE-TYPE": "1" };
+  const call = (path, body) => fetch(`${url}/tenant/${path}`, { method: "POST", headers, body: JSON.stringify(body) });
+  await call("verify/captcha", { mobile });
+  await call("getVerifyCode", { mobile, captcha: (await known(mobile)).picture });
+}
+
 /** The calls of a sign-in one after another. */
 async function* calls() {
-  const known = async () => (await (await fetch(`${url}/inspect`)).json())[mobile];
   yield await signIn("--only=picture", "--client-id=an app");
-  yield await signIn("--only=code", "--captcha", (await known()).picture);
-  yield await signIn("--only=login", "--code", (await known()).code);
+  yield await signIn("--only=code", "--captcha", (await known(mobile)).picture);
+  yield await signIn("--only=login", "--code", (await known(mobile)).code);
 }
 
 test("a sign-in appears as it goes on", async () => {
@@ -58,11 +71,15 @@ test("a sign-in appears as it goes on", async () => {
   await card.getByText("Picture sent").waitFor();
   await card.getByText("an app").waitFor();
   await page.waitForFunction(() => document.querySelector("article img").naturalWidth === 160);
+  // What is selected in the card stays selected while the card goes on.
+  await card.getByRole("heading").evaluate((heading) => getSelection().selectAllChildren(heading));
   await steps.next();
   await page.getByRole("log").getByText(/your sign-in code is \d{6}\./).waitFor();
   assert.match(await page.getByRole("log").innerText(), /to \+447700900123/);
   await steps.next();
   await card.getByText("Signed in").waitFor();
+  assert.equal(await page.evaluate(() => String(getSelection())), mobile);
+  await page.locator(".bubble .used").waitFor();
   for (const fact of ["deviceModel", "carrier", "deviceName", "IMEI", "IMSI"]) {
     await card.getByText(fact, { exact: true }).waitFor();
   }
@@ -72,6 +89,7 @@ test("a sign-in appears as it goes on", async () => {
   assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), 375);
   service.kill();
   await shows("Not reachable");
+  assert.equal(await page.locator("button:enabled").count(), 0);
   assert.deepEqual(complaints.filter((text) => !text.includes("ERR_CONNECTION")), []);
 });
 
@@ -97,7 +115,7 @@ test("a fault is chosen by keyboard and used up by the next call", async () => {
     passed.push(await page.evaluate(() => document.activeElement.id || document.activeElement.className));
     assert.notEqual(await page.evaluate(() => getComputedStyle(document.activeElement).outlineStyle), "none");
   } while (name !== "refused");
-  assert.deepEqual(passed.slice(0, 3), ["messages", "code", ""]);
+  assert.deepEqual(passed.slice(0, 3), ["messages", "copy used", "requests"]);
   await page.keyboard.press("Enter");
   const button = (name, pressed) => page.getByRole("button", { name, exact: true, pressed }).waitFor();
   await button("refused", true);
@@ -106,6 +124,59 @@ test("a fault is chosen by keyboard and used up by the next call", async () => {
   await button("none", true);
   await button("refused", false);
   assert.equal(await signIn("--only=picture"), "done");
+  await page.getByLabel("Hits").selectOption("every call");
+  await page.getByRole("button", { name: "late", exact: true }).click();
+  await page.getByLabel("Late by").fill("10");
+  await page.getByLabel("Late by").press("Enter");
+  await shows("Every call: the reply comes late, after 1.5 s or as long as was chosen.");
+  for (let count = 0; count < 2; ++count) await sendMessage(mobile);
+  await page.getByText("delayed · code sent").nth(1).waitFor();
+  await button("late", true);
+});
+
+test("a request tells its members and is copied as a command", async () => {
+  await page.context().grantPermissions(["clipboard-read", "clipboard-write"]);
+  await sendMessage(mobile);
+  const row = page.getByRole("listitem").filter({ hasText: "POST /tenant/getVerifyCode" });
+  await row.getByText(/^\d+ ms$/).waitFor();
+  await row.locator("summary").click();
+  assert.deepEqual(await row.locator("dd").allInnerTexts(), ["***", "***"]);
+  await row.getByRole("button").click();
+  await row.locator(".copied").waitFor();
+  const command = await page.evaluate(() => navigator.clipboard.readText());
+  assert.match(command, /^curl -X 'POST' -H .*"mobile":"\+447700900123","captcha":"\*\*\*".*getVerifyCode'$/);
+});
+
+test("a reader who scrolled up stays there, and numbers are filtered and forgotten", async () => {
+  for (let count = 0; count < 9; ++count) await sendMessage(`1000${count % 3}`);
+  const log = page.getByRole("log");
+  await log.getByRole("listitem").nth(8).waitFor();
+  assert.ok(await log.evaluate((box) => box.scrollTop > 0 && box.scrollTop + box.clientHeight >= box.scrollHeight - 1));
+  await log.evaluate((box) => box.scrollTo(0, 0));
+  await sendMessage("10000");
+  await log.getByRole("listitem").nth(9).waitFor();
+  assert.equal(await log.evaluate((box) => box.scrollTop), 0);
+  await shows("3 of 3 shown");
+  await page.getByLabel("Filter numbers").fill("02");
+  await shows("1 of 3 shown");
+  await numberNamed("10002").waitFor();
+  await page.getByRole("button", { name: "Forget everything" }).click();
+  await shows("None has made a call");
+  assert.equal(await page.getByRole("listitem").count(), 0);
+});
+
+test("a tab that slept through a restart forgets what is gone", async () => {
+  await sendMessage(mobile);
+  const code = page.getByRole("log").getByRole("button");
+  await code.waitFor();
+  service.kill();
+  await once(service, "exit");
+  await startService(new URL(url).port);
+  await sendMessage(mobile);
+  const { code: current } = await known(mobile);
+  await page.getByRole("log").getByRole("button", { name: current }).waitFor();
+  assert.equal(await code.count(), 1);
+  assert.equal(await code.innerText(), current);
 });
 
 test("text can be read in light and in dark", async () => {

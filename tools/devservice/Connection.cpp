@@ -90,6 +90,7 @@ asio::awaitable<void> Connection::serve() {
     const boost::system::error_code error = co_await read(parser);
     const int refused = error ? statusOf(error) : 0;
     if (error && refused == 0) co_return;
+    const Clock::time_point start = Clock::now();
     const Request request = requestFrom(parser.get(), peer_);
     // After what is not understood, nothing says where the next request starts.
     goesOn = !error && parser.keep_alive();
@@ -101,7 +102,7 @@ asio::awaitable<void> Connection::serve() {
     }
     const std::uint64_t entry = router_.log(request, reply);
     const bool isWhole = co_await write(request, reply, goesOn);
-    router_.finish(entry);
+    router_.finish(entry, Clock::now() - start);
     goesOn = goesOn && isWhole;
     if (!error) continue;
     // The system discards a reply that is on its way when the peer sends more than was read.

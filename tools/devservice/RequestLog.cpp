@@ -55,11 +55,9 @@ const LogEntry& RequestLog::add(const Request& request, const Reply& reply) {
   return entries_.emplace_back(std::move(entry));
 }
 
-void RequestLog::finish(std::uint64_t id) {
+void RequestLog::finish(std::uint64_t id, std::chrono::steady_clock::duration duration) {
   const auto entry = std::ranges::find(entries_, id, &LogEntry::id);
-  if (entry == entries_.end()) return;
-  entry->duration =
-      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::system_clock::now() - entry->time);
+  if (entry != entries_.end()) entry->duration = std::chrono::round<std::chrono::milliseconds>(duration);
 }
 
 }  // namespace devservice

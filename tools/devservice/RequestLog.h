@@ -15,7 +15,8 @@ namespace devservice {
 struct LogEntry {
   std::uint64_t id;  ///< Counted from 1.
   std::chrono::system_clock::time_point time;
-  std::optional<std::chrono::milliseconds> duration;  ///< Until the reply was sent, or what came instead.
+  /// From the request to the end of the reply, or of what came instead.
+  std::optional<std::chrono::milliseconds> duration;
   std::string method;
   std::string path;
   std::string mobile;   ///< Empty where the request has none.
@@ -34,7 +35,7 @@ class RequestLog {
   const LogEntry& add(const Request& request, const Reply& reply);
 
   /// Sets the duration of the entry, if it is still there.
-  void finish(std::uint64_t id);
+  void finish(std::uint64_t id, std::chrono::steady_clock::duration duration);
 
   void clear() { entries_.clear(); }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -29,8 +31,10 @@ class Router {
   /// or 0.
   std::uint64_t log(const Request& request, const Reply& reply);
 
-  /// Takes note that the reply of that entry has been sent.
-  void finish(std::uint64_t entry) { requests_.finish(entry); }
+  /// Takes note how long that entry's request took, once its reply has been sent.
+  void finish(std::uint64_t entry, std::chrono::steady_clock::duration duration) {
+    requests_.finish(entry, duration);
+  }
 
  private:
   bool serves(std::string_view authority) const;

@@ -13,41 +13,61 @@ function make(tag, className, ...children) {
   return element;
 }
 
-/** Keeps the elements of a list whose entries still exist, and makes those of new entries. */
-function follow(list, entries, makeEntry, place) {
+/** Leaves an element alone that says so already, and with it the reader's selection. */
+function say(element, text) {
+  if (element.textContent !== text) element.textContent = text;
+}
+
+/** A button that copies what `text` returns when it is clicked. */
+function copyButton(className, label, text) {
+  const button = make("button", className, label);
+  button.type = "button";
+  button.title = "Copy";
+  button.addEventListener("click", async () => {
+    await navigator.clipboard.writeText(text());
+    button.classList.add("copied");
+    setTimeout(() => button.classList.remove("copied"), 2000);
+  });
+  return button;
+}
+
+/** Brings a list into line with its entries: each keeps its element, which makes up and updates itself. */
+function follow(list, entries, makeEntry) {
   const known = new Map([...list.children].map((element) => [element.dataset.id, element]));
-  for (const entry of entries) {
-    if (known.delete(String(entry.id))) continue;
-    const element = makeEntry(entry);
-    element.dataset.id = entry.id;
-    list[place](element);
-  }
+  entries.forEach((entry, index) => {
+    let element = known.get(String(entry.id));
+    known.delete(String(entry.id));
+    if (!element) {
+      element = makeEntry(entry);
+      element.dataset.id = entry.id;
+    }
+    element.update(entry);
+    if (list.children[index] !== element) list.insertBefore(element, list.children[index] ?? null);
+  });
   for (const element of known.values()) element.remove();
 }
 
 function messageBubble({ time, mobile, text }) {
   const [before, code, after] = text.split(/(\d{6})/);
   const bubble = make("p", "bubble", before);
-  if (code) {
-    const copy = make("button", "code", code);
-    copy.type = "button";
-    copy.title = "Copy the code";
-    copy.addEventListener("click", async () => {
-      await navigator.clipboard.writeText(code);
-      copy.classList.add("copied");
-    });
-    bubble.append(copy, after);
-  }
-  return make("li", "", make("p", "quiet", `to ${mobile} · ${clock.format(time)}`), bubble);
+  const copy = code && copyButton("copy", code, () => code);
+  if (copy) bubble.append(copy, after);
+  const element = make("li", "", make("p", "quiet", `to ${mobile} · ${clock.format(time)}`), bubble);
+  element.update = ({ waits }) => {
+    copy?.classList.toggle("used", !waits);
+    if (copy) copy.title = waits ? "Copy" : "Used or expired";
+  };
+  return element;
 }
 
 function showMessages(messages) {
   const scroller = byId("messages");
   const list = scroller.querySelector("ol");
   const newest = list.lastChild;
-  follow(list, messages, messageBubble, "append");
+  const isAtEnd = scroller.scrollHeight - scroller.scrollTop - scroller.clientHeight < 40;
+  follow(list, messages, messageBubble);
   for (const element of scroller.querySelectorAll(".empty")) element.hidden = messages.length > 0;
-  if (list.lastChild !== newest) scroller.scrollTop = scroller.scrollHeight;
+  if (list.lastChild !== newest && isAtEnd) scroller.scrollTop = scroller.scrollHeight;
 }
 
 function stage(number) {
@@ -56,96 +76,172 @@ function stage(number) {
   return number.pictureWaits ? "Picture sent" : "Seen";
 }
 
-function numberCard(number) {
-  const stageName = stage(number);
-  const card = make("article", "", make("header", "", make("h3", "", number.id), make("span", "stage", stageName)));
-  card.dataset.stage = stageName;
-  if (number.drawing) {
-    const picture = make("img");
-    picture.src = `/page/picture/${encodeURIComponent(number.id)}?${number.drawing.seed}`;
-    picture.alt = `The last picture: ${number.drawing.text}`;
-    picture.width = 160;
-    picture.height = 60;
-    card.append(picture);
-  }
-  const { mobile, ...facts } = number.facts ?? {};
-  if (number.clientId !== null) facts["XRAPI-CLIENT-ID"] = number.clientId;
-  const rows = Object.entries(facts).map(([name, value]) =>
-    make("div", "", make("dt", "", name), make("dd", value.trim() ? "" : "quiet", value.trim() ? value : "blank")));
-  if (rows.length > 0) card.append(make("dl", "", ...rows));
-  return card;
-}
-
-let shownNumbers = "";
-function showNumbers(numbers) {
-  if (JSON.stringify(numbers) === shownNumbers) return;
-  shownNumbers = JSON.stringify(numbers);
-  const none = make("p", "quiet", "None has made a call.");
-  byId("numbers").replaceChildren(...(numbers.length > 0 ? numbers.map(numberCard) : [none]));
-}
-
-/** What a reply says, in short; a spoiled one as it is. */
-function outcome(body) {
-  try {
-    const { code, msg } = JSON.parse(body);
-    if (code !== undefined && msg !== undefined) return [code === 0, code === 0 ? msg : `${code} · ${msg}`];
-  } catch {
-    // Not JSON: a fault, or the size of a long body.
-  }
-  return [/^\d+ bytes$/.test(body), body || "no body"];
-}
-
-function requestRow({ time, method, path, status, body, fault }) {
-  const [good, text] = outcome(body);
-  const row = make("li", "",
-    make("time", "", clock.format(time)),
-    make("span", "path", `${method} ${path}`.trim() || "not understood"),
-    make("span", "status", String(status)),
-    make("span", "outcome", fault ? `${fault} · ${text}` : text));
-  row.dataset.good = good && !fault && status === 200;
+function factRow({ id }) {
+  const value = make("dd");
+  const row = make("div", "", make("dt", "", id), value);
+  row.update = ({ text }) => {
+    value.className = text.trim() ? "" : "quiet";
+    say(value, text.trim() ? text : "blank");
+  };
   return row;
 }
 
-async function chooseFault(number) {
-  const body = JSON.stringify({ fault: number });
-  await fetch("/page/fault", { method: "POST", headers: { "Content-Type": "application/json" }, body });
-  await look();
+function numberCard({ id }) {
+  const stageText = make("span", "stage");
+  const picture = make("img");
+  picture.width = 160;
+  picture.height = 60;
+  const pictureText = copyButton("copy", "", () => pictureText.textContent);
+  const code = copyButton("copy", "", () => code.textContent);
+  const secrets = make("p", "secrets", picture, pictureText, code);
+  const facts = make("dl");
+  const card = make("article", "",
+    make("header", "", make("h3", "", copyButton("copy number", id, () => id)), stageText), secrets, facts);
+  card.update = (number) => {
+    card.dataset.stage = stage(number);
+    say(stageText, stage(number));
+    const { drawing } = number;
+    for (const element of [picture, pictureText]) element.hidden = !drawing;
+    if (drawing && picture.dataset.seed !== String(drawing.seed)) {
+      picture.dataset.seed = drawing.seed;
+      picture.src = `/page/picture/${encodeURIComponent(id)}?${drawing.seed}`;
+      picture.alt = `The last picture: ${drawing.text}`;
+    }
+    if (drawing) say(pictureText, drawing.text);
+    pictureText.classList.toggle("used", !number.pictureWaits);
+    code.hidden = number.code === null;
+    if (number.code !== null) say(code, number.code);
+    const { mobile, ...rows } = number.facts ?? {};
+    if (number.clientId !== null) rows["XRAPI-CLIENT-ID"] = number.clientId;
+    follow(facts, Object.entries(rows).map(([name, text]) => ({ id: name, text })), factRow);
+  };
+  return card;
 }
 
-function showFaults(faults, chosen) {
-  const row = byId("faults");
-  if (row.childElementCount === 0) {
-    for (const { number, name, text } of [{ number: null, name: "none", text: "" }, ...faults]) {
-      const button = make("button", "", name);
+function showNumbers(numbers, count) {
+  follow(byId("numbers"), numbers, numberCard);
+  say(byId("shown"), count === 0 ? "None has made a call" : `${numbers.length} of ${count} shown`);
+}
+
+/** What a reply says, in short; a spoiled one as it is. */
+function outcome({ body, fault }) {
+  let good = /^\d+ bytes$/.test(body);
+  let text = good ? body : body || "no body";
+  try {
+    const { code, msg } = JSON.parse(body);
+    if (code !== undefined && msg !== undefined) [good, text] = [code === 0, code === 0 ? msg : `${code} · ${msg}`];
+  } catch {
+    // Not JSON: a fault, or the size of a long body.
+  }
+  return fault ? [false, `${fault} · ${text}`] : [good, text];
+}
+
+/** The request with its number, and with its secrets masked. */
+function curl({ method, path, mobile, members, hasClientId }) {
+  const word = (text) => `'${text.replaceAll("'", "'\\''")}'`;
+  const words = ["curl", "-X", word(method)];
+  if (members) {
+    const fields = ["Content-Type: application/json", "XRAPI-VERSION: 1.0", "XRAPI-DEVICE-TYPE: 1"];
+    if (hasClientId) fields.push("XRAPI-CLIENT-ID: ***");
+    for (const field of fields) words.push("-H", word(field));
+    const body = JSON.parse(members);
+    if (mobile) body.mobile = mobile;
+    words.push("--data-raw", word(JSON.stringify(body)));
+  }
+  return [...words, word(location.origin + encodeURI(path))].join(" ");
+}
+
+function requestRow(request) {
+  const { time, method, path, mobile, members, status, body } = request;
+  const [good, text] = outcome(request);
+  const duration = make("span", "duration");
+  const summary = make("summary", "",
+    make("time", "", clock.format(time)),
+    make("span", "path", `${method} ${path}`.trim() || "not understood"),
+    make("span", "who", mobile),
+    make("span", "status", String(status)),
+    duration,
+    make("span", "outcome", text));
+  const rows = Object.entries(members ? JSON.parse(members) : {})
+    .map(([name, value]) => make("div", "", make("dt", "", name), make("dd", "", value)));
+  const details = make("details", "", summary, make("dl", "", ...rows), make("pre", "", body || "no body"),
+    copyButton("plain", "Copy as curl", () => curl(request)));
+  const element = make("li", "", details);
+  element.dataset.good = good && status === 200;
+  element.update = (entry) => say(duration, entry.duration === null ? "…" : `${entry.duration} ms`);
+  return element;
+}
+
+const change = (method, path, body) =>
+  fetch(path, { method, headers: { "Content-Type": "application/json" }, body: JSON.stringify(body) }).then(look).catch(unreachable);
+
+let chosen = null;
+function chooseFault(fault) {
+  const delay = Math.round(Math.min(Math.max(byId("delay").valueAsNumber || 0, 0), 60000));
+  return change("POST", "/page/fault", { fault, delay, every: Number(byId("every").value) });
+}
+
+function makeFaults(faults) {
+  const groups = new Map([["none", [{ number: null, name: "none", text: "" }]]]);
+  for (const fault of faults) groups.set(fault.group, [...groups.get(fault.group) ?? [], fault]);
+  for (const [group, members] of groups) {
+    const buttons = members.map(({ number, name, text }) => {
+      const button = make("button", "choice", name);
       button.type = "button";
       button.title = text;
       button.dataset.number = number;
-      button.addEventListener("click", () => chooseFault(number).catch(unreachable));
-      row.append(button);
-    }
+      button.addEventListener("click", () => chooseFault(number));
+      return button;
+    });
+    const row = make("div", "", ...(group === "none" ? [] : [make("span", "quiet", group)]), ...buttons);
+    row.role = "group";
+    row.ariaLabel = group;
+    byId("faults").append(row);
   }
-  for (const button of row.children) button.ariaPressed = String(button.dataset.number === String(chosen));
+}
+
+function showFaults(faults, choice) {
+  if (byId("faults").childElementCount === 0) makeFaults(faults);
+  chosen = choice?.fault ?? null;
+  for (const button of byId("faults").querySelectorAll("button")) {
+    button.ariaPressed = String(button.dataset.number === String(chosen));
+  }
+  // The controls say what was chosen elsewhere, unless somebody is at them.
+  for (const [id, value] of choice ? [["every", choice.every], ["delay", choice.delay]] : []) {
+    const control = byId(id);
+    const isOffered = !control.options || [...control.options].some((option) => option.value === String(value));
+    if (isOffered && document.activeElement !== control) control.value = value;
+  }
   const fault = faults.find(({ number }) => number === chosen);
-  const text = fault ? `Next: ${fault.text}.` : "The next call is answered as it should be.";
-  if (byId("fault-text").textContent !== text) byId("fault-text").textContent = text;
+  const hits = { 0: "Next", 1: "Every call" }[choice?.every] ?? `One call in ${choice?.every}`;
+  say(byId("fault-text"), fault ? `${hits}: ${fault.text}.` : "Calls are answered as they should be.");
 }
 
 function showConnection(text, live) {
-  const shown = byId("connection");
-  if (shown.textContent !== text) shown.textContent = text;
-  shown.dataset.live = live;
+  say(byId("connection"), text);
+  document.body.dataset.live = live;
+  for (const control of document.querySelectorAll("button, select, input")) control.disabled = !live;
 }
 
 const unreachable = () => showConnection("Not reachable", false);
 
+let run;
+/** Forgets what an earlier run of the service has said: its numbers start anew. */
+function startRun(newRun) {
+  if (run === newRun) return;
+  run = newRun;
+  for (const list of [byId("messages").querySelector("ol"), byId("requests"), byId("numbers")]) list.replaceChildren();
+}
+
 async function look() {
-  const reply = await fetch("/page/state");
+  const reply = await fetch(`/page/state?filter=${encodeURIComponent(byId("filter").value)}`);
   if (!reply.ok) throw new Error(reply.statusText);
   const state = await reply.json();
-  showFaults(state.faults, state.chosenFault?.fault ?? null);
+  startRun(state.run);
+  showFaults(state.faults, state.chosenFault);
   showMessages(state.messages);
-  showNumbers(state.numbers);
-  follow(byId("requests"), state.requests, requestRow, "prepend");
+  showNumbers(state.numbers, state.numberCount);
+  follow(byId("requests"), state.requests.reverse(), requestRow);
   showConnection("Live", true);
 }
 
@@ -155,4 +251,7 @@ async function keepLooking() {
 }
 
 byId("command").textContent = `orvane-signin --connect ${location.hostname}:${location.port || 80}`;
+for (const id of ["every", "delay"]) byId(id).addEventListener("change", () => chosen !== null && chooseFault(chosen));
+byId("filter").addEventListener("input", () => look().catch(unreachable));
+byId("clear").addEventListener("click", () => change("DELETE", "/inspect"));
 keepLooking();
