@@ -44,7 +44,8 @@ NS_SWIFT_NAME(URLSessionConfiguration) @interface NSURLSessionConfiguration : NS
 
 NS_SWIFT_SENDABLE NS_SWIFT_NAME(URLSession) @interface NSURLSession : NSObject
 @property(class, readonly, strong) NSURLSession* sharedSession NS_SWIFT_NAME(shared);
-+ (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration NS_SWIFT_NAME(init(configuration:));
++ (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration
+    NS_SWIFT_NAME(init(configuration:));
 @end
 
 NS_ASSUME_NONNULL_END
