@@ -49,8 +49,8 @@ class SessionThreads;
 /// HTTP on ordinary machines, by libcurl. Carries out requests with the schemes http and https on two threads
 /// of its own, which start with the first task, and calls handlers on either, one at a time.
 ///
-/// Cookies and kept-alive connections live as long as the session; nothing is stored. There are at most 300
-/// cookies, 256 KiB together: all are dropped before there would be more. A request's own Cookie field and
+/// Cookies and kept-alive connections live as long as the session; nothing is stored. After a transfer there
+/// are at most 300 cookies, 256 KiB together: beyond that all are dropped. A request's own Cookie field and
 /// they share one line.
 ///
 /// A compressed body is handed over as far as its stream goes: a stream without its end is not noticed. Host
