@@ -6,8 +6,8 @@
 
 namespace orvane {
 
-/// A session's cookies, in memory. The jar is emptied before it holds more than 300 cookies, or 256 KiB of
-/// them. Not thread-safe.
+/// A session's cookies, in memory. After a transfer the jar holds at most 300 cookies, and 256 KiB of them:
+/// beyond that it is emptied. Not thread-safe.
 class CookieJar {
  public:
   /// Throws std::bad_alloc.
