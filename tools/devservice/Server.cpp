@@ -30,8 +30,9 @@ tcp::acceptor listenOn(asio::io_context& context, std::uint16_t port) {
   const tcp::endpoint endpoint(asio::ip::address_v4::loopback(), port);
   try {
     return {context, endpoint};
-  } catch (const std::exception& error) {
-    throw std::runtime_error("cannot listen on 127.0.0.1:" + std::to_string(port) + ": " + error.what());
+  } catch (const boost::system::system_error& error) {
+    throw std::runtime_error("cannot listen on 127.0.0.1:" + std::to_string(port) + ": " +
+                             error.code().message());
   }
 }
 

@@ -1,11 +1,11 @@
-#include <charconv>
+#include <CLI/CLI.hpp>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <optional>
 #include <pthread.h>
-#include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,14 +17,7 @@
 
 namespace {
 
-constexpr std::string_view usage = R"(Usage: orvane-devservice [--port N] [--quiet]
-The identity service for development and tests, on 127.0.0.1.
-
-  --port N   listen on port N, 8080 by default; 0 takes a free one
-  --quiet    print nothing but the address
-  --help     print this
-  --version  print the version
-
+constexpr const char* footer = R"(
 The text messages are printed. The page at / shows them with what is known of each number, and has
 buttons for faults; GET /inspect shows the same to scripts.
 
@@ -37,36 +30,6 @@ and /inspect answer only requests for localhost, 127.0.0.1 or [::1] that no othe
 is a code to be guessed: five wrong tries end it, and after fifty in an hour a number has to wait.
 )";
 
-struct Options {
-  std::uint16_t port = 8080;
-  bool quiet = false;
-  bool help = false;
-  bool version = false;
-};
-
-/// Nothing when the arguments are not understood.
-std::optional<Options> parse(std::span<char* const> arguments) {
-  Options options;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string_view argument = arguments[i];
-    if (argument == "--quiet") {
-      options.quiet = true;
-    } else if (argument == "--help") {
-      options.help = true;
-    } else if (argument == "--version") {
-      options.version = true;
-    } else if (argument == "--port" && i + 1 < arguments.size()) {
-      const std::string_view number = arguments[++i];
-      const auto end = number.data() + number.size();
-      const auto [stop, error] = std::from_chars(number.data(), end, options.port);
-      if (error != std::errc{} || stop != end) return std::nullopt;
-    } else {
-      return std::nullopt;
-    }
-  }
-  return options;
-}
-
 /// One write a line.
 void printLine(std::string line) {
   line += '\n';
@@ -74,8 +37,9 @@ void printLine(std::string line) {
   std::fflush(stdout);
 }
 
-void printHelp() {
-  std::string text(usage);
+/// Returns what --help says after the options.
+std::string helpFooter() {
+  std::string text(footer);
   text += "\nThe \"code\" of a reply:\n";
   for (const auto& [code, description] : devservice::codeTable()) {
     text.append("  ").append(std::to_string(static_cast<int>(code))).append("  ").append(description) += '\n';
@@ -88,10 +52,10 @@ void printHelp() {
     const std::string number = std::to_string(fault.number);
     text.append(number.size() < 2 ? "  0" : "  ").append(number).append("  ").append(fault.text) += '\n';
   }
-  std::fputs(text.c_str(), stdout);
+  return text;
 }
 
-void serve(const Options& options) {
+void serve(std::uint16_t port, bool isQuiet) {
   std::signal(SIGPIPE, SIG_IGN);  // The service goes on when its output is no longer read.
   // Blocked before there are threads, so that all inherit it and the signals wait to be collected here.
   sigset_t signals;
@@ -102,15 +66,20 @@ void serve(const Options& options) {
 
   devservice::Environment environment;
   devservice::Server::Log log;
-  if (!options.quiet) {
+  if (!isQuiet) {
     environment.deliver = [](std::string_view mobile, std::string_view text) {
       printLine("text message to " + std::string(mobile) + ": " + std::string(text));
     };
     log = [](std::string_view line) { printLine(std::string(line)); };
   }
   devservice::IdentityService service(std::move(environment));
-  const devservice::Server server(service, options.port, std::move(log));
-  printLine("orvane-devservice listening on http://127.0.0.1:" + std::to_string(server.port()));
+  std::optional<devservice::Server> server;
+  try {
+    server.emplace(service, port, std::move(log));
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(std::string(error.what()) + "; --port 0 takes a free port");
+  }
+  printLine("orvane-devservice listening on http://127.0.0.1:" + std::to_string(server->port()));
   int signal = 0;
   sigwait(&signals, &signal);
 }
@@ -118,20 +87,25 @@ void serve(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const auto options = parse(std::span(argv, static_cast<std::size_t>(argc)).subspan(1));
-  if (!options) {
-    std::fputs("orvane-devservice: wrong arguments; --help explains them\n", stderr);
-    return 2;
-  }
+  std::uint16_t port = 8080;
+  bool isQuiet = false;
+  CLI::App app("The identity service for development and tests, on 127.0.0.1.\n", "orvane-devservice");
+  app.get_formatter()->column_width(16);
+  app.add_option("--port", port, "listen on port N, 8080 by default; 0 takes a free one")
+      ->check(CLI::Range(0, 65535).description(""))
+      ->type_name("N");
+  app.add_flag("--quiet", isQuiet, "print nothing but the address")->disable_flag_override();
+  app.set_version_flag("--version", "orvane-devservice " DEVSERVICE_VERSION, "print the version");
+  app.set_help_flag("-h,--help", "print this");
+  app.footer(helpFooter());
   try {
-    if (options->help) {
-      printHelp();
-    } else if (options->version) {
-      std::puts("orvane-devservice " DEVSERVICE_VERSION);
-    } else {
-      serve(*options);
-    }
+    app.parse(argc, argv);
+    serve(port, isQuiet);
     return 0;
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app.exit(error);  // --help and --version.
+    std::fprintf(stderr, "orvane-devservice: %s\n", error.what());
+    return 2;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "orvane-devservice: %s\n", error.what());
     return 1;
