@@ -103,8 +103,8 @@ class Server::Implementation {
   }
 
   std::vector<std::string> hosts() const {
-    const std::string own = ":" + std::to_string(port());
-    return {DEVSERVICE_HOST, "localhost", "localhost" + own, "127.0.0.1" + own};
+    const std::string number = std::to_string(port());
+    return {DEVSERVICE_HOST, "localhost", "localhost:" + number, "127.0.0.1:" + number};
   }
 
   const ServerLimits limits_;
