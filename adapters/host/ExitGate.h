@@ -24,7 +24,7 @@ class ExitGate {
   ExitGate(const ExitGate&) = delete;
   ExitGate& operator=(const ExitGate&) = delete;
 
-  /// Returns when nobody else is inside, or after `limit`.
+  /// Returns when no other thread is inside, or after `limit`.
   void close(std::chrono::milliseconds limit);
 
   /// Forgets those inside who are not in a child made by fork().
@@ -39,10 +39,10 @@ class ExitGate {
   std::atomic<bool> closed_ = false;
 };
 
-/// Passed by whoever enters curl: beneath it are libraries that clean up when the process ends.
+/// A thread passes it before it enters curl, which uses libraries that clean up when the process ends.
 ExitGate& curlGate();
 
-/// Passed by whoever calls a handler, which may use the application's statics.
+/// A thread passes it before it calls a handler, which may use the application's statics.
 ExitGate& handlerGate();
 
 /// Closes both when the process ends: before the statics go that are there already, and before the clean-up

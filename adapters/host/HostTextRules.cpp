@@ -21,7 +21,7 @@ constexpr bool isForbidden(char c) {
   return byte <= 0x20 || byte == 0x7F || std::string_view("\"<>\\^`{|}").find(c) != std::string_view::npos;
 }
 
-/// Whether a byte is an ASCII character that may stand in a URL.
+/// Says for each byte if it is an ASCII character that a URL may contain.
 constexpr auto isAllowed = [] {
   std::array<bool, 256> allowed{};
   for (std::size_t c = 0; c < 0x80; ++c) allowed[c] = !isForbidden(static_cast<char>(c));

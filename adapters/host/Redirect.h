@@ -10,10 +10,10 @@ namespace orvane {
 
 inline constexpr int maximumRedirects = 20;
 
-/// Whether a session carries out requests to URLs of this scheme.
+/// Returns true if a session carries out requests to URLs of this scheme.
 bool isSupportedScheme(std::string_view scheme) noexcept;
 
-/// Whether a reply with that status asks for another request, when it says where.
+/// Returns true if a reply with that status asks for another request, provided that it says where.
 bool isRedirect(int statusCode) noexcept;
 
 /// The request that a redirect asks for, `location` being the absolute URL it names; or why it is not

@@ -88,7 +88,7 @@ SessionErrorCode sessionErrorCode(CURLcode result, long verification) noexcept {
     case CURLE_ABORTED_BY_CALLBACK:  // Keeps a lost request from being sent twice.
       return SessionErrorCode::connectionLost;
     case CURLE_BAD_CONTENT_ENCODING:
-    case CURLE_WRITE_ERROR:  // Bytes behind a compressed stream. What a transfer refuses has its code.
+    case CURLE_WRITE_ERROR:  // Bytes after a compressed stream. What a transfer refuses has its code.
       return SessionErrorCode::undecodableContent;
     case CURLE_UNSUPPORTED_PROTOCOL:  // HTTP/0.9: other schemes do not get this far.
     case CURLE_WEIRD_SERVER_REPLY:

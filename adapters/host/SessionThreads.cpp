@@ -72,7 +72,7 @@ void SessionThreads::run() {
   }
   const bool isLast = --threads_ == 0;
   lock.unlock();
-  changed_.notify_one();  // The other thread, which nobody else will tell.
+  changed_.notify_one();  // Wakes the other thread, which nothing else does.
   if (isLast) engine_.letGo();
 }
 

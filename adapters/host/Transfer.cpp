@@ -41,7 +41,7 @@ std::string wireURL(const std::string& url) {
   return encoded;
 }
 
-/// The field as curl wants it: an empty value behind a semicolon, since a colon alone would remove the field.
+/// The field as curl wants it: an empty value after a semicolon, since a colon alone would remove the field.
 std::string headerLine(const HeaderField& field) {
   const bool isBlank = field.value.find_first_not_of(" \t\v\f") == field.value.npos;
   return isBlank ? field.name + ";" : field.name + ": " + field.value;

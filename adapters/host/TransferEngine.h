@@ -40,7 +40,7 @@ class TransferEngine {
   /// then there may be more to do.
   bool act(std::vector<HandlerCall>& due);
 
-  /// Whether there is something to do now.
+  /// Returns true if there is something to do now.
   bool isReady() { return multi_->wait(now_); }
   /// Returns when there may be something to do.
   void wait();

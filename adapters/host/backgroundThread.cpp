@@ -7,7 +7,7 @@
 namespace orvane {
 namespace {
 
-/// On a background thread; on others nothing is blocked, and nobody asks.
+/// Set on a background thread. Other threads have nothing blocked, and do not ask.
 thread_local sigset_t startersMask{};
 
 /// While it lives, the calling thread takes no signals but those of its own faults; a thread that it starts

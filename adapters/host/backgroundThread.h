@@ -5,8 +5,8 @@
 
 namespace orvane {
 
-/// Runs `body` on a new thread, which nobody joins and which leaves all signals, but those of its own faults,
-/// to the application's own threads. Throws std::system_error where the system has no thread to give.
+/// Runs `body` on a new detached thread. The thread leaves all signals, except those of its own faults, to the
+/// application's own threads. Throws std::system_error if the system has no thread to give.
 void startBackgroundThread(std::function<void()> body);
 
 /// While it lives, a background thread has the signal mask of the thread that started it, for the

@@ -13,7 +13,7 @@ namespace devservice {
 /// Texts by name.
 using Members = std::map<std::string, std::string, std::less<>>;
 
-/// Whether the texts are equal but for the case of ASCII letters.
+/// Returns true if the texts differ at most in the case of ASCII letters.
 bool equalIgnoringCase(std::string_view a, std::string_view b);
 
 /// A request as the service sees it, whatever carried it.

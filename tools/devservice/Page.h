@@ -15,7 +15,7 @@ class Page {
   /// Both have to outlive the page.
   Page(IdentityService& service, const RequestLog& log);
 
-  /// Whether requests for the path are the page's, not the service's.
+  /// Returns true if requests for `path` are the page's, not the service's.
   static bool owns(std::string_view path);
 
   /// The reply to a request for a path it owns.

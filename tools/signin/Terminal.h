@@ -36,7 +36,7 @@ void print(std::string_view text);
 /// Writes a line to standard error. May be called from any thread, as may what follows.
 void writeError(std::string line);
 
-/// Writes "orvane-signin: ", the text and a line end to standard error, behind what was printed.
+/// Writes "orvane-signin: ", the text and a line end to standard error, after what was printed.
 void complain(std::string_view text);
 
 /// Shows on standard error what is waited for, where that is a terminal, until it is hidden or something else is

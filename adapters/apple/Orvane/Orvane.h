@@ -96,7 +96,7 @@ __attribute__((visibility("default")))
 /// The device's identifier in the application vendor's scope. Stops the process where there is none.
 + (NSString*)getMEIDCode;
 
-/// The word for this kind of device; not the system's name, which is intended.
+/// Returns the model word, such as "iPhone". Despite its name it does not return the system's name.
 + (NSString*)getSystemName;
 
 /// "iOS " and the system's version.
