@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tests/support/Conversation.h"
+#include "tools/devservice/Server.h"
 
 namespace {
 
@@ -46,6 +47,18 @@ std::set<std::string> helpOptions(const Tool& tool) {
 
 bool isInstalled(const std::string& command) {
   return std::system(("command -v " + command + " >/dev/null").c_str()) == 0;
+}
+
+TEST(DevServiceProgram, SaysWhyItDoesNotStart) {
+  devservice::IdentityService service;
+  const devservice::Server server(service);
+  const std::string taken = std::to_string(server.port());
+  const std::string program = "{ " DEVSERVICE_PROGRAM;
+  EXPECT_EQ(outputOf(program + " --port=" + taken + "; echo $?; }"),
+            "orvane-devservice: cannot listen on 127.0.0.1:" + taken +
+                ": Address already in use; --port 0 takes a free port\n1\n");
+  const std::string refusal = outputOf(program + " --port 65536; echo $?; }");
+  EXPECT_TRUE(refusal.starts_with("orvane-devservice: --port: ") && refusal.ends_with("\n2\n")) << refusal;
 }
 
 TEST(Pages, HaveTheOptionsOfTheHelp) {

@@ -245,7 +245,9 @@ TEST(SignInProgram, MakesSingleCallsWithTheClientIdentifierGiven) {
   const auto traceOf = [&](const std::string& arguments) {
     return run(connectTo(server.port()) + " --trace --mobile " + mobile + " --only=" + arguments).err;
   };
-  EXPECT_EQ(run(connectTo(server.port()) + " --auto").status, 0);  // With the answers of its /inspect.
+  // Both with the answers of its /inspect.
+  EXPECT_EQ(run(connectTo(server.port()) + " --auto").status, 0);
+  EXPECT_EQ(run("--live --auto --proxy=http://127.0.0.1:" + std::to_string(server.port())).status, 0);
   traceOf("picture");
   EXPECT_EQ(known().clientId, std::nullopt);
   traceOf("code --client-id= --captcha " + known().picture.value());
