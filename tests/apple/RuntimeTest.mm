@@ -110,9 +110,10 @@ TEST(ObjectRuntime, SharesOneManagerAndMakesOthers) {
     EXPECT_TRUE([[raw clientId] isEqual:@"raw"]);
 
     const Method getter = class_getInstanceMethod([OrvaneManager class], @selector(clientId));
-    const auto replaced = [](id, SEL) -> NSString* { return @"replaced"; };
-    NSString* (*const replacement)(id, SEL) = replaced;
-    const IMP original = method_setImplementation(getter, reinterpret_cast<IMP>(replacement));
+    NSString* (*const replacement)(id, SEL) = [](id, SEL) { return @"replaced"; };
+    // By way of `void (*)()`, or compilers warn.
+    const auto untyped = reinterpret_cast<void (*)()>(replacement);
+    const IMP original = method_setImplementation(getter, reinterpret_cast<IMP>(untyped));
     EXPECT_EQ(orvane::OrvaneManager::shareManager().clientId(), "replaced");
     method_setImplementation(getter, original);
     [shared setClientId:nil];
