@@ -4,7 +4,7 @@
 
 #include "orvane/client/ServiceCall.h"
 #include "orvane/host/HostSession.h"
-#include "orvane/host/MainQueue.h"
+#include "orvane/host/hostMainQueue.h"
 #include "orvane/orvane.h"
 
 namespace orvane::bench {

@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "orvane/host/HostSession.h"
-#include "orvane/host/MainQueue.h"
+#include "orvane/host/hostMainQueue.h"
 #include "orvane/orvane.h"
 
 using namespace orvane;

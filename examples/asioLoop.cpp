@@ -4,7 +4,7 @@
 #include <iostream>
 
 #include "orvane/await.h"
-#include "orvane/host/MainQueue.h"
+#include "orvane/platform/PostingQueue.h"
 
 #include "developmentSession.h"
 #include "readLine.h"

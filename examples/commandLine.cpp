@@ -2,7 +2,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "orvane/host/MainQueue.h"
+#include "orvane/host/hostMainQueue.h"
 
 #include "developmentSession.h"
 #include "readLine.h"

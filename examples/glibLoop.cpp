@@ -1,7 +1,7 @@
 // A sign-in in GLib's main loop, which is also GTK's: nothing here holds it up.
 #include <glib-unix.h>
 
-#include "orvane/host/MainQueue.h"
+#include "orvane/platform/PostingQueue.h"
 
 #include "developmentSession.h"
 #include "readLine.h"

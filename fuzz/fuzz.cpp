@@ -7,7 +7,7 @@
 #include <set>
 
 #include "orvane/base/fatal.h"
-#include "orvane/platform/Platform.h"
+#include "orvane/platform/makeDefaultPlatform.h"
 
 namespace orvane {
 

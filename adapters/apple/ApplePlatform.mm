@@ -2,7 +2,7 @@
 #import "adapters/apple/AppleQueue.h"
 #import "adapters/apple/AppleTextRules.h"
 #import "orvane/apple/AppleSession.h"
-#include "orvane/platform/Platform.h"
+#include "orvane/platform/makeDefaultPlatform.h"
 
 namespace orvane {
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "orvane/base/utf8.h"
+#include "orvane/base/decodeUTF8.h"
 
 namespace orvane {
 namespace {

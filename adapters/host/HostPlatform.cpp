@@ -2,11 +2,11 @@
 #include <utility>
 
 #include "adapters/host/HostTextRules.h"
-#include "adapters/host/backgroundThread.h"
+#include "adapters/host/startBackgroundThread.h"
 #include "orvane/host/HostDeviceReadings.h"
 #include "orvane/host/HostSession.h"
-#include "orvane/host/MainQueue.h"
-#include "orvane/platform/Platform.h"
+#include "orvane/host/hostMainQueue.h"
+#include "orvane/platform/makeDefaultPlatform.h"
 
 namespace orvane {
 namespace {

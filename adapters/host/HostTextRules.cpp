@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utf8proc.h>
 
-#include "orvane/base/utf8.h"
+#include "orvane/base/decodeUTF8.h"
 #include "orvane/platform/URLParts.h"
 
 namespace orvane {

@@ -10,7 +10,7 @@
 #include <thread>
 #include <unistd.h>
 
-#include "adapters/host/closeOnExec.h"
+#include "adapters/host/openSocket.h"
 
 namespace orvane {
 namespace {

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "adapters/host/ExitGate.h"
-#include "adapters/host/backgroundThread.h"
+#include "adapters/host/startBackgroundThread.h"
 
 namespace orvane {
 namespace {

@@ -9,7 +9,7 @@
 
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
-#include "adapters/host/closeOnExec.h"
+#include "adapters/host/openSocket.h"
 #include "orvane/platform/URLParts.h"
 
 namespace orvane {

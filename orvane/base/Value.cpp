@@ -129,7 +129,7 @@ std::optional<std::int64_t> Value::asInteger() const noexcept {
 
 std::optional<std::string> Value::decimalText() const {
   NumberBuffer buffer;
-  if (const std::int64_t* number = integer()) return std::string(writeInteger(buffer, *number));
+  if (const std::int64_t* number = integer()) return std::string(writeNumber(buffer, *number));
   if (const double* number = real()) return std::string(writeRounded(buffer, *number));
   return std::nullopt;
 }

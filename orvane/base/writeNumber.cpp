@@ -81,7 +81,7 @@ Decimal roundedDecimal(double real) noexcept {
 
 }  // namespace
 
-std::string_view writeInteger(NumberBuffer& buffer, std::int64_t integer) noexcept {
+std::string_view writeNumber(NumberBuffer& buffer, std::int64_t integer) noexcept {
   char* to = buffer.data();
   auto magnitude = static_cast<std::uint64_t>(integer);
   if (integer < 0) {
@@ -91,7 +91,7 @@ std::string_view writeInteger(NumberBuffer& buffer, std::int64_t integer) noexce
   return {buffer.data(), writeDigits(to, magnitude, countDigits(magnitude))};
 }
 
-std::string_view writeShortest(NumberBuffer& buffer, double real) noexcept {
+std::string_view writeNumber(NumberBuffer& buffer, double real) noexcept {
   char* to = buffer.data();
   if (std::signbit(real)) *to++ = '-';
   Decimal decimal = shortestDecimal(real);

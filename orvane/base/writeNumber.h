@@ -12,11 +12,11 @@ namespace orvane {
 using NumberBuffer = std::array<char, 32>;
 
 /// Writes an integer into `buffer` and returns its characters there.
-std::string_view writeInteger(NumberBuffer& buffer, std::int64_t integer) noexcept;
+std::string_view writeNumber(NumberBuffer& buffer, std::int64_t integer) noexcept;
 
 /// Likewise, a finite real in the fewest characters that read back as the same number. One that is written without
 /// exponent is exact before the decimal point.
-std::string_view writeShortest(NumberBuffer& buffer, double real) noexcept;
+std::string_view writeNumber(NumberBuffer& buffer, double real) noexcept;
 
 /// Likewise, any real as printf's "%.16g" writes it in the C locale.
 std::string_view writeRounded(NumberBuffer& buffer, double real) noexcept;

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <list>
 
-#include "orvane/base/utf8.h"
+#include "orvane/base/decodeUTF8.h"
 #include "orvane/json/readReal.h"
 
 namespace orvane {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <string_view>
 
-#include "orvane/base/utf8.h"
+#include "orvane/base/decodeUTF8.h"
 #include "orvane/base/writeNumber.h"
 
 namespace orvane {
@@ -92,10 +92,10 @@ bool Writer::begin(const Value& value) {
   } else if (const bool* boolean = value.boolean()) {
     append(*boolean ? "true" : "false");
   } else if (const std::int64_t* integer = value.integer()) {
-    append(writeInteger(number_, *integer));
+    append(writeNumber(number_, *integer));
   } else if (const double* real = value.real()) {
     if (!std::isfinite(*real)) return false;
-    append(writeShortest(number_, *real));
+    append(writeNumber(number_, *real));
   } else {
     append("null");
   }

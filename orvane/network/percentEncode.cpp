@@ -1,6 +1,6 @@
 #include "orvane/network/percentEncode.h"
 
-#include "orvane/base/utf8.h"
+#include "orvane/base/decodeUTF8.h"
 #include "orvane/platform/TextRules.h"
 
 namespace orvane {

@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "orvane/base/fatal.h"
+#include "orvane/platform/makeDefaultPlatform.h"
 
 namespace orvane {
 namespace {

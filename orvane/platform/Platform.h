@@ -29,7 +29,4 @@ ORVANE_API void installPlatform(Platform platform);
 /// process ends.
 ORVANE_API const Platform& platform();
 
-/// Makes the adapter's own platform. Each adapter defines this function, and a program links one adapter.
-Platform makeDefaultPlatform();
-
 }  // namespace orvane

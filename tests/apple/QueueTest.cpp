@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 #include <thread>
 
-#include "orvane/host/MainQueue.h"
-#include "orvane/platform/Platform.h"
+#include "orvane/host/hostMainQueue.h"
+#include "orvane/platform/makeDefaultPlatform.h"
 
 namespace orvane {
 namespace {

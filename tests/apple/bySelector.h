@@ -3,7 +3,7 @@
 #import <Foundation/Foundation.h>
 #include <thread>
 
-#include "orvane/host/MainQueue.h"
+#include "orvane/host/hostMainQueue.h"
 
 /// A text that is not Unicode: two lone surrogates, around a pair and before a letter.
 @interface BrokenText : NSString

@@ -5,7 +5,8 @@
 
 #include "adapters/host/HostTextRules.h"
 #include "adapters/host/Redirect.h"
-#include "orvane/host/MainQueue.h"
+#include "orvane/platform/MainQueue.h"
+#include "orvane/platform/PostingQueue.h"
 
 namespace orvane {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "orvane/host/MainQueue.h"
+#include "orvane/host/hostMainQueue.h"
 #include "orvane/orvane.h"
 #include "tests/support/AdapterUnderTest.h"
 #include "tests/support/LoopbackServer.h"

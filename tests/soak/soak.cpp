@@ -18,7 +18,7 @@
 #include <unistd.h>
 
 #include "orvane/host/HostSession.h"
-#include "orvane/host/MainQueue.h"
+#include "orvane/host/hostMainQueue.h"
 #include "orvane/orvane.h"
 #include "tests/support/LoopbackServer.h"
 

@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "orvane/host/MainQueue.h"
+#include "orvane/platform/MainQueue.h"
 #include "orvane/platform/URLSession.h"
 
 namespace orvane::test {

@@ -6,7 +6,7 @@
 #include <random>
 
 #include "orvane/host/HostSession.h"
-#include "orvane/host/MainQueue.h"
+#include "orvane/host/hostMainQueue.h"
 #include "orvane/orvane.h"
 #include "tests/support/LoopbackServer.h"
 

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "orvane/host/HostSession.h"
-#include "orvane/host/MainQueue.h"
+#include "orvane/host/hostMainQueue.h"
 
 namespace orvane {
 namespace {

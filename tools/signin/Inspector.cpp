@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "orvane/host/HostSession.h"
-#include "orvane/host/MainQueue.h"
+#include "orvane/host/hostMainQueue.h"
 
 namespace signin {
 

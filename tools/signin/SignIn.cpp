@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "orvane/await.h"
-#include "orvane/host/MainQueue.h"
+#include "orvane/host/hostMainQueue.h"
 #include "tools/signin/PictureView.h"
 #include "tools/signin/Terminal.h"
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <thread>
 
-#include "orvane/host/MainQueue.h"
+#include "orvane/host/hostMainQueue.h"
 
 struct dispatch_queue_s {
   bool isMain;

@@ -1,4 +1,4 @@
-#include "adapters/host/closeOnExec.h"
+#include "adapters/host/openSocket.h"
 
 #include <fcntl.h>
 #include <sys/socket.h>

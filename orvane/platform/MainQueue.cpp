@@ -1,4 +1,4 @@
-#include "orvane/host/MainQueue.h"
+#include "orvane/platform/MainQueue.h"
 
 #include <algorithm>
 #include <chrono>

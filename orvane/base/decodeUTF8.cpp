@@ -1,4 +1,4 @@
-#include "orvane/base/utf8.h"
+#include "orvane/base/decodeUTF8.h"
 
 namespace orvane {
 

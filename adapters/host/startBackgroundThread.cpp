@@ -1,4 +1,4 @@
-#include "adapters/host/backgroundThread.h"
+#include "adapters/host/startBackgroundThread.h"
 
 #include <csignal>
 #include <thread>

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "orvane/base/Export.h"
+#include "orvane/platform/MainQueue.h"
+
+namespace orvane {
+
+/// The main queue of the default platform, for the program to run. Lives until the process ends.
+ORVANE_API MainQueue& hostMainQueue();
+
+}  // namespace orvane

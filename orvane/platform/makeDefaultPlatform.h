@@ -1,0 +1,10 @@
+#pragma once
+
+#include "orvane/platform/Platform.h"
+
+namespace orvane {
+
+/// Makes the adapter's own platform. Each adapter defines this function, and a program links one adapter.
+Platform makeDefaultPlatform();
+
+}  // namespace orvane
