@@ -18,12 +18,14 @@ TEST(ErrorKind, IsWhatThePageSays) {
        std::getline(page, line) && std::regex_match(line, row, std::regex(R"(\| (.+) \| (.+) \| (.+) \|)"));
        ++rows) {
     const std::string errors = row[2];
-    const std::regex number("-\\d+");
-    for (std::sregex_iterator code(errors.begin(), errors.end(), number), end; code != end; ++code, ++codes) {
-      const Error error{
-          "NSURLErrorDomain", std::stoi(code->str()), {{"NSErrorFailingURLStringKey", "http://a"}}};
-      EXPECT_EQ(rawValue(kind(error)), row[1].str()) << code->str();
-      EXPECT_EQ(message(error), row[3].str()) << code->str();
+    const std::regex range("(-\\d+)(?: to (-\\d+))?");
+    for (std::sregex_iterator found(errors.begin(), errors.end(), range), end; found != end; ++found) {
+      const int last = std::stoi((*found)[(*found)[2].matched ? 2 : 1]);
+      for (int code = std::stoi((*found)[1]); code >= last; --code, ++codes) {
+        const Error error{"NSURLErrorDomain", code, {{"NSErrorFailingURLStringKey", "http://a"}}};
+        EXPECT_EQ(rawValue(kind(error)), row[1].str()) << code;
+        EXPECT_EQ(message(error), row[3].str()) << code;
+      }
     }
   }
   EXPECT_EQ(rows, errorKindNames.size());
