@@ -39,10 +39,10 @@ namespace {
 
 using test::Certificate;
 using test::LoopbackServer;
-using test::Outcome;
 using test::perform;
 using test::reply;
 using test::start;
+using test::TaskOutcome;
 using test::TLSServer;
 using Then = LoopbackServer::Then;
 using Answer = LoopbackServer::Answer;
@@ -217,8 +217,8 @@ TEST(HostSession, FollowsRedirects) {
 TEST(HostSession, GivesUpInTime) {
   LoopbackServer server([](const Request&) { return Answer{"", Then::hold}; });
   HostSession idle({.idleTimeout = milliseconds(30), .connectionsPerHost = 1});
-  std::future<Outcome> first = start(idle, URLRequest(server.url()));
-  std::future<Outcome> second = start(idle, URLRequest(server.url()));
+  std::future<TaskOutcome> first = start(idle, URLRequest(server.url()));
+  std::future<TaskOutcome> second = start(idle, URLRequest(server.url()));
   EXPECT_EQ(first.get().text(), "error -1001");
   EXPECT_EQ(second.get().text(), "error -1001");
   HostSession total({.totalTimeout = milliseconds(30), .connectionsPerHost = 1});
@@ -263,7 +263,7 @@ TEST(HostSession, IsPatientWhileBytesCome) {
   self = &server;
   HostSession patient({.idleTimeout = milliseconds(400)});
   HostSession ticking({.idleTimeout = milliseconds(100)});
-  std::future<Outcome> outcome = start(patient, URLRequest(server.url("/patient")));
+  std::future<TaskOutcome> outcome = start(patient, URLRequest(server.url("/patient")));
   while (server.requests().empty()) std::this_thread::yield();
   for (int tick = 0; tick < 6; ++tick) perform(ticking, URLRequest(server.url()));
   EXPECT_EQ(outcome.get().text(), "xxxxxx");
@@ -339,13 +339,13 @@ TEST(HostSession, WorksOnTheThreadsThereAre) {
   for (int threads : {0, 1}) {
     HostSession session;
     threadsLeft = threads;
-    std::vector<std::future<Outcome>> outcomes;
+    std::vector<std::future<TaskOutcome>> outcomes;
     if (threads == 0) {
       EXPECT_THROW(perform(session, URLRequest(server.url())), std::system_error);
     } else {
       for (int i = 0; i < 20; ++i) outcomes.push_back(start(session, URLRequest(server.url())));
     }
-    for (std::future<Outcome>& outcome : outcomes) EXPECT_EQ(outcome.get().text(), "ok");
+    for (std::future<TaskOutcome>& outcome : outcomes) EXPECT_EQ(outcome.get().text(), "ok");
     threadsLeft = INT_MAX;
     EXPECT_EQ(perform(session, URLRequest(server.url())), "ok");
   }
@@ -411,9 +411,9 @@ TEST(HostSession, UsesSixConnectionsAtATimeAndKeepsThem) {
   });
   self = &server;
   HostSession session;
-  std::vector<std::future<Outcome>> outcomes;
+  std::vector<std::future<TaskOutcome>> outcomes;
   for (int i = 0; i < count; ++i) outcomes.push_back(start(session, URLRequest(server.url())));
-  for (std::future<Outcome>& outcome : outcomes) EXPECT_EQ(outcome.get().text(), "ok");
+  for (std::future<TaskOutcome>& outcome : outcomes) EXPECT_EQ(outcome.get().text(), "ok");
   std::set<int> connections;
   for (const Request& request : server.requests()) connections.insert(request.connection);
   EXPECT_EQ(connections.size(), 6U);

@@ -13,8 +13,8 @@ namespace {
 
 using test::LoopbackServer;
 using test::makeSession;
-using test::Outcome;
 using test::start;
+using test::TaskOutcome;
 
 /// A session, and a way to let `count` replies come for the requests that were started.
 struct SessionUnderTest {
@@ -87,7 +87,7 @@ TEST_P(SessionContract, HandlersComeOnceInTheBackgroundOneAtATime) {
   }
   subject->letCome(count);
   all.get_future().wait();
-  std::future<Outcome> last = start(*subject->session, subject->good);
+  std::future<TaskOutcome> last = start(*subject->session, subject->good);
   subject->letCome(1);
   EXPECT_NE(last.get().thread, std::this_thread::get_id());
   EXPECT_EQ(calls, count);
@@ -95,7 +95,7 @@ TEST_P(SessionContract, HandlersComeOnceInTheBackgroundOneAtATime) {
 }
 
 TEST_P(SessionContract, AFailureHasAnErrorAlone) {
-  std::future<Outcome> failure = start(*subject->session, subject->failing);
+  std::future<TaskOutcome> failure = start(*subject->session, subject->failing);
   subject->letCome(1);
   const DataTaskResult result = failure.get().result;
   EXPECT_TRUE(result.error && !result.body && !result.response);
@@ -119,7 +119,7 @@ TEST_P(SessionContract, CancellingDropsAndReleasesTheHandlersThatHaveNotStarted)
 }
 
 TEST_P(SessionContract, ATaskOutlivesItsSession) {
-  std::future<Outcome> outcome = start(*subject->session, subject->good);
+  std::future<TaskOutcome> outcome = start(*subject->session, subject->good);
   subject->session.reset();
   subject->letCome(1);
   EXPECT_FALSE(outcome.get().result.error);

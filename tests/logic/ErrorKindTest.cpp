@@ -4,7 +4,7 @@
 
 #include "orvane/client/ErrorKind.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 TEST(ErrorKind, IsWhatThePageSays) {
@@ -61,4 +61,4 @@ TEST(ErrorKind, OfARefusalIsNotToldByItsText) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -7,7 +7,7 @@
 #include "orvane/orvane.h"
 #include "tests/support/TestPlatform.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 // Mobile number, code, identifier and piece of a reply in one; nothing else that is printed has this digit.
@@ -55,8 +55,8 @@ TEST(PrivacyDeathTest, NothingPrintedHoldsWhatTheLibraryWasGiven) {
     for (const char which : {'p', 'c', 'l'}) {
       expectDiscreet(printing.find(which) != printing.npos, [which, &result = result] {
         call(which);
-        test::fakeSession().answer(result);
-        test::fakeMainQueue().run();
+        fakeSession().answer(result);
+        fakeMainQueue().run();
       });
     }
   }
@@ -73,11 +73,11 @@ TEST(PrivacyDeathTest, NothingPrintedHoldsWhatTheLibraryWasGiven) {
       [&] { tool.queryString(noUTF8); },
       [&] { tool.addHeader(headers), tool.request(POST, secret, std::nullopt); },
       [&] { tool.setSession(nullptr), tool.requestJSON(GET, secret, std::nullopt, nullptr); },
-      [] { test::fakeReadings().facts.machine = secret + "\xFF", OVDeviceInfoTool::getDeviceName(); },
+      [] { fakeReadings().facts.machine = secret + "\xFF", OVDeviceInfoTool::getDeviceName(); },
       OVDeviceInfoTool::getMEIDCode,
       [] { platform(), installPlatform({}); }};
   for (const auto& stop : stops) expectDiscreet(true, stop);
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

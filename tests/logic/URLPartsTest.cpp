@@ -2,7 +2,7 @@
 
 #include "orvane/platform/URLParts.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 TEST(URLParts, AreViewsOfTheText) {
@@ -35,4 +35,4 @@ TEST(URLParts, AreViewsOfTheText) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

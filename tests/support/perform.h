@@ -8,7 +8,7 @@
 
 namespace orvane::test {
 
-struct Outcome {
+struct TaskOutcome {
   DataTaskResult result;
   std::thread::id thread;
 
@@ -20,9 +20,9 @@ struct Outcome {
 };
 
 /// Starts a request whose outcome comes through the future.
-inline std::future<Outcome> start(URLSession& session, URLRequest request) {
-  auto promise = std::make_shared<std::promise<Outcome>>();
-  std::future<Outcome> outcome = promise->get_future();
+inline std::future<TaskOutcome> start(URLSession& session, URLRequest request) {
+  auto promise = std::make_shared<std::promise<TaskOutcome>>();
+  std::future<TaskOutcome> outcome = promise->get_future();
   session.startDataTask(std::move(request), [promise](DataTaskResult result) {
     promise->set_value({std::move(result), std::this_thread::get_id()});
   });

@@ -6,11 +6,8 @@
 #include "orvane/network/NetworkTool.h"
 #include "tests/support/TestPlatform.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::fakeMainQueue;
-using test::fakeSession;
 
 /// A manager that does with `finished` what the test wants, before requestCode returns.
 struct Manager : OrvaneManager {
@@ -174,4 +171,4 @@ TEST(OnMainQueue, TakesEveryCallbackAndWhatCanOnlyBeMoved) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

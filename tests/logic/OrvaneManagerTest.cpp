@@ -6,11 +6,8 @@
 #include "orvane/json/readJSON.h"
 #include "tests/support/TestPlatform.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::fakeMainQueue;
-using test::fakeSession;
 
 std::string body(const URLRequest& request) {
   return {request.body()->begin(), request.body()->end()};
@@ -55,7 +52,7 @@ struct Calls {
   }
 };
 
-class Manager : public test::OnFakes {};
+class Manager : public OnFakes {};
 using ManagerDeathTest = Manager;
 
 TEST_F(Manager, SendsTheEnvelope) {
@@ -154,7 +151,7 @@ TEST_F(Manager, HandsOnTheSameErrorAndTracesItForThePicture) {
 }
 
 TEST_F(Manager, ReportsAnAcceptedLoginAfterTheSubmissionHasLeft) {
-  test::FakeSession& session = fakeSession();
+  FakeSession& session = fakeSession();
   OrvaneManager manager;
   manager.setAppClientId("app");
   std::size_t requestsAtFinish = 0;
@@ -216,4 +213,4 @@ TEST_F(ManagerDeathTest, MalformedRepliesStopTheProcess) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test
