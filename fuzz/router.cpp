@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz/fuzz.h"
+#include "orvane/platform/URLRequest.h"
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/Target.h"
 
@@ -22,12 +23,12 @@ std::pair<std::string, std::string> split(const std::string& text, char at) {
   return {text.substr(0, place), text.substr(std::min(place + 1, text.size()))};
 }
 
-Request takeRequest(FuzzedDataProvider& input) {
+HTTPRequest takeRequest(FuzzedDataProvider& input) {
   const auto [method, text] = split(input.ConsumeRandomLengthString(), ' ');
   const Target target = parseTarget(text);
   const auto field = split(input.ConsumeRandomLengthString(), ':');
   const std::string body = input.ConsumeRandomLengthString();
-  Request request{method, target.path, {}, body, "127.0.0.1", target.query, target.authority.has_value()};
+  HTTPRequest request{method, target.path, {}, body, "127.0.0.1", target.query, target.authority.has_value()};
   if (target.authority) request.headers.emplace_back("Host", *target.authority);
   request.headers.push_back(field);
   for (const auto& [name, value] :
@@ -54,11 +55,11 @@ void checkEnvelope(const Json& envelope) {
   require(envelope.at("data").is_null(), "a refusal has no data");
 }
 
-void call(IdentityService& service, Router& router, const Request& request) {
+void call(IdentityService& service, Router& router, const HTTPRequest& request) {
   const Json body = Json::parse(request.body, nullptr, false);
   const std::string mobile = member(body, "mobile");
   const Inspection before = service.inspect(mobile).value_or(Inspection());
-  const Reply reply = router.answer(request);
+  const HTTPReply reply = router.answer(request);
   router.log(request, reply);
   const Json envelope = Json::parse(reply.body, nullptr, false);
   if (reply.status == 204 || (Page::owns(request.path) && reply.status == 200)) return;
@@ -68,7 +69,7 @@ void call(IdentityService& service, Router& router, const Request& request) {
   checkEnvelope(envelope);
   if (envelope["code"] != 0) return;
   if (request.path == "/tenant/getVerifyCode")
-    require(before.picture && equalIgnoringCase(*before.picture, member(body, "captcha")),
+    require(before.picture && orvane::equalIgnoringCase(*before.picture, member(body, "captcha")),
             "the picture was read");
   if (request.path == "/tenant/submitVerifyCode")
     require(before.code && *before.code == member(body, "verificationCode"), "the code was right");

@@ -20,13 +20,13 @@
 #include <utility>
 #include <vector>
 
-#include "tools/devservice/Glyphs.h"
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/Page.h"
-#include "tools/devservice/Picture.h"
 #include "tools/devservice/Router.h"
 #include "tools/devservice/Server.h"
 #include "tools/devservice/Target.h"
+#include "tools/devservice/drawPicture.h"
+#include "tools/devservice/glyphStrokes.h"
 
 namespace devservice {
 namespace {
@@ -36,27 +36,27 @@ using namespace std::chrono;
 
 const std::string number = "+4915112345678";
 
-Request post(std::string path, std::string body) {
-  const decltype(Request::headers) headers = {{"content-type", "application/json; charset=utf-8"},
-                                              {"XRAPI-Version", "1.0"},
-                                              {"XRAPI-DEVICE-TYPE", "1"}};
+HTTPRequest post(std::string path, std::string body) {
+  const decltype(HTTPRequest::headers) headers = {{"content-type", "application/json; charset=utf-8"},
+                                                  {"XRAPI-Version", "1.0"},
+                                                  {"XRAPI-DEVICE-TYPE", "1"}};
   return {"POST", std::move(path), headers, std::move(body), "127.0.0.1"};
 }
 
-Request askPicture(const std::string& mobile) {
+HTTPRequest askPicture(const std::string& mobile) {
   return post("/tenant/verify/captcha", Json{{"mobile", mobile}}.dump());
 }
 
-Request askCode(const std::string& mobile, const std::string& text) {
+HTTPRequest askCode(const std::string& mobile, const std::string& text) {
   return post("/tenant/getVerifyCode", Json{{"mobile", mobile}, {"captcha", text}}.dump());
 }
 
-Request login(const std::string& code) {
+HTTPRequest login(const std::string& code) {
   return post("/tenant/submitVerifyCode", Json{{"mobile", number}, {"verificationCode", code}}.dump());
 }
 
 /// From the page of a service on this machine; with a body, to change something.
-Request local(std::string path, std::optional<std::string> body = std::nullopt) {
+HTTPRequest local(std::string path, std::optional<std::string> body = std::nullopt) {
   return {body ? "POST" : "GET",
           std::move(path),
           {{"Host", "localhost"}, {"Origin", "http://localhost"}},
@@ -73,14 +73,14 @@ struct Bench {
                            [this] { return now; }, [this] { return bits; }}};
   Router router{service, {"identity.test", "localhost", "127.0.0.1:8080"}, {}};
 
-  Json call(const Request& request) { return Json::parse(service.answer(request).body); }
+  Json call(const HTTPRequest& request) { return Json::parse(service.answer(request).body); }
 };
 
 TEST(DevService, RefusesMalformedRequests) {
-  const Request good = askPicture("12345");
+  const HTTPRequest good = askPicture("12345");
   const auto with = [&](const std::string& body) { return post(good.path, body); };
   const std::string filler(maxBodySize - good.body.size(), ' ');
-  std::vector<std::tuple<Request, int, int>> cases = {
+  std::vector<std::tuple<HTTPRequest, int, int>> cases = {
       {{"POST", good.path + "/", {}, "", ""}, 404, 1006},
       {{"GET", good.path, {}, "", ""}, 405, 1007},
       {with(good.body + filler), 200, 0},
@@ -99,15 +99,15 @@ TEST(DevService, RefusesMalformedRequests) {
     const int excess = size > maxTextSize ? 1 : 0;
     const std::string text(size, 'a');
     cases.emplace_back(askCode("12345", text), 200, excess ? 1003 : 2001);
-    std::get<Request>(cases.emplace_back(good, 200, excess ? 1002 : 0))
+    std::get<HTTPRequest>(cases.emplace_back(good, 200, excess ? 1002 : 0))
         .headers.emplace_back("xrapi-client-id", text);
   }
   for (std::size_t i = 0; i < 3; ++i) {
-    std::get<Request>(cases.emplace_back(good, 200, 1002)).headers[i].first += "x";
-    std::get<Request>(cases.emplace_back(good, 200, 1002)).headers[i].second.front() = '?';
+    std::get<HTTPRequest>(cases.emplace_back(good, 200, 1002)).headers[i].first += "x";
+    std::get<HTTPRequest>(cases.emplace_back(good, 200, 1002)).headers[i].second.front() = '?';
   }
   for (const auto& [request, status, code] : cases) {
-    const Reply reply = Bench().service.answer(request);
+    const HTTPReply reply = Bench().service.answer(request);
     Json object = Json::parse(reply.body);
     EXPECT_EQ(reply.status, status) << request.path;
     EXPECT_EQ(object["code"], code) << request.body.substr(0, 40) << testing::PrintToString(request.headers);
@@ -117,7 +117,7 @@ TEST(DevService, RefusesMalformedRequests) {
 
 // A call, a small letter, is followed by its outcome; > is a millisecond less than the lifetime, . is one.
 TEST(DevService, KeepsTheRulesOfSigningIn) {
-  const std::map<char, Request> calls = {
+  const std::map<char, HTTPRequest> calls = {
       {'p', askPicture(number)},
       {'t', askCode(number, "aaaa")},   // the first picture's text
       {'u', askCode(number, "99999")},  // that of those after it
@@ -178,7 +178,7 @@ TEST(DevService, StaysSmallAndForgetsTheNumberUsedLongestAgo) {
   EXPECT_EQ(Json::parse(state["requests"][0]["members"].get<std::string>()), members);
   EXPECT_EQ(state["numbers"].size(), maxShownNumbers);
   EXPECT_EQ(state["numberCount"], maxNumbers);
-  Request filtered = local("/page/state");
+  HTTPRequest filtered = local("/page/state");
   filtered.query = "filter=%2B4915";
   EXPECT_EQ(Json::parse(bench.router.answer(filtered).body)["numbers"].size(), 1);
 }
@@ -204,7 +204,7 @@ TEST(DevService, LetsNobodyTryCodeAfterCode) {
 }
 
 TEST(DevService, SpoilsRepliesOnDemand) {
-  const std::pair<std::string, bool (*)(const Reply&, Json)> cases[] = {
+  const std::pair<std::string, bool (*)(const HTTPReply&, Json)> cases[] = {
       {"06", [](auto& reply, auto) { return reply.body.empty(); }},
       {"07", [](auto& reply, auto json) { return reply.status == 500 && json["data"].is_array(); }},
       {"08", [](auto&, auto json) { return json["code"] == 4321 && json["msg"].is_string(); }},
@@ -226,7 +226,7 @@ TEST(DevService, SpoilsRepliesOnDemand) {
   for (const auto& [fault, holds] : cases) {
     Bench bench;
     const std::string mobile = "+999000001" + fault;
-    const Reply reply = bench.service.answer(askPicture(mobile));
+    const HTTPReply reply = bench.service.answer(askPicture(mobile));
     EXPECT_TRUE(holds(reply, Json::parse(reply.body, nullptr, false))) << fault;
     // Only a refusal keeps the call from being done, and the other calls are as usual.
     EXPECT_EQ(bench.call(askCode(mobile, "AAAA"))["code"], fault == "08" ? 2001 : 0) << fault;
@@ -250,7 +250,7 @@ TEST(Page, SpoilsCallsAsChosen) {
                                                          {"", ""}};
   for (const auto& [body, outcomes] : choices) {
     Bench bench;
-    const Reply reply = bench.router.answer(local("/page/fault", body));
+    const HTTPReply reply = bench.router.answer(local("/page/fault", body));
     EXPECT_EQ(reply.status, outcomes.empty() ? 400 : 200) << body;
     EXPECT_TRUE(Json::parse(reply.body)["msg"].is_string());
     // Neither what is no call nor a number that demands another fault counts.
@@ -295,7 +295,7 @@ TEST(Page, AnswersTheDeveloperAlone) {
   for (const Case& each : cases) {
     Bench bench;
     bench.call(askPicture(number));
-    const auto statusOf = [&](Request request) {
+    const auto statusOf = [&](HTTPRequest request) {
       request.peer = each.peer;
       request.headers = {{"host", each.host}, {"Sec-Fetch-Site", each.site}};
       if (each.origin) request.headers.emplace_back("origin", *each.origin);
@@ -308,13 +308,13 @@ TEST(Page, AnswersTheDeveloperAlone) {
           << path << " " << each.host << " " << each.origin.value_or("-");
     EXPECT_EQ(statusOf(local("/page/fault", R"({"fault":1})")), expected) << each.host;
     EXPECT_EQ(bench.service.chosenFault().demand.fault != nullptr, each.isLocal);
-    Request forget = local("/inspect");
+    HTTPRequest forget = local("/inspect");
     forget.method = "DELETE";
     EXPECT_EQ(statusOf(forget), expected);
     EXPECT_EQ(bench.service.size(), each.isLocal ? 0 : 1);
   }
   Bench bench;
-  Request link = local("/");
+  HTTPRequest link = local("/");
   link.headers = {{"Host", own}, {"Sec-Fetch-Site", "cross-site"}, {"Sec-Fetch-Mode", "navigate"}};
   EXPECT_EQ(bench.router.answer(link).status, 200);
   EXPECT_EQ(bench.router.answer(local("/page/picture/" + number)).status, 404);
@@ -346,9 +346,9 @@ TEST(Router, InspectsOneNumberOrAll) {
       {"&&", 200, 0},
   };
   for (const auto& [query, status, wait] : cases) {
-    Request request = local("/inspect");
+    HTTPRequest request = local("/inspect");
     request.query = query;
-    const Reply reply = bench.router.answer(request);
+    const HTTPReply reply = bench.router.answer(request);
     EXPECT_EQ(reply.status, status) << query;
     EXPECT_EQ(reply.wait.count(), wait) << query;
     if (status != 200) continue;
@@ -381,7 +381,7 @@ TEST(Router, IsAProxyForItsOwnHostsAlone) {
   for (const auto& [method, text, status] : cases) {
     Bench bench;
     const Target target = parseTarget(text);
-    Request request{method, target.path, {}, "", "127.0.0.1", target.query, target.authority.has_value()};
+    HTTPRequest request{method, target.path, {}, "", "127.0.0.1", target.query, target.authority.has_value()};
     if (target.authority) request.headers.emplace_back("Host", *target.authority);
     EXPECT_EQ(bench.router.answer(request).status, status) << text;
   }
@@ -398,7 +398,7 @@ TEST(Picture, TellsTheCharactersApart) {
 
 /// A call that is refused with 2001 unless the number demands a fault.
 std::string callFor(const std::string& mobile, const std::string& field = "") {
-  const Request request = askCode(mobile, "");
+  const HTTPRequest request = askCode(mobile, "");
   return "POST " + request.path + " HTTP/1.1\r\nContent-Type: application/json\r\nXRAPI-VERSION: 1.0\r\n" +
          "XRAPI-DEVICE-TYPE: 1\r\n" + field + "Content-Length: " + std::to_string(request.body.size()) +
          "\r\n\r\n" + request.body;

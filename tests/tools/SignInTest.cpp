@@ -23,6 +23,7 @@
 #include "tools/signin/PictureView.h"
 #include "tools/signin/Secrets.h"
 #include "tools/signin/Trace.h"
+#include "tools/signin/shellWord.h"
 
 namespace signin {
 namespace {
@@ -93,8 +94,8 @@ TEST(SignInTrace, WritesLinesThatCanBePasted) {
   };
   for (const auto& [text, word] : words) EXPECT_EQ(shellWord(text), word);
 
-  Secrets secrets;
-  secrets.add("s3cret");
+  const auto secrets = std::make_shared<Secrets>();
+  secrets->add("s3cret");
   const std::string body = R"({"mobile":"+4477","msg":"s3cret isn't ö"})";
   orvane::URLRequest request("http://example.test/a?b=s3cret");
   request.setMethod("POST");
@@ -104,7 +105,8 @@ TEST(SignInTrace, WritesLinesThatCanBePasted) {
   const orvane::HostSessionConfiguration configuration{
       .proxy = "http://me:pa@ss@proxy.test",
       .reroutes = {{.host = "example.test", .toHost = "::1", .toPort = 8080}}};
-  EXPECT_EQ(requestLine(request, configuration, secrets),
+  const Trace trace(configuration, secrets);
+  EXPECT_EQ(trace.requestLine(request),
             "curl -X POST --connect-to 'example.test:80:[::1]:8080' -x 'http://***@proxy.test' -H "
             "'xrapi-client-id: ***' -H 'X-Empty;'"
             R"( --data-raw '{"mobile":"***","msg":"*** isn'\''t ö"}')"
@@ -112,7 +114,7 @@ TEST(SignInTrace, WritesLinesThatCanBePasted) {
 
   const std::string hostile = "\x1b[2J\ns3cret \xc2\x9b";
   const orvane::DataTaskResult reply{orvane::Bytes(hostile.begin(), hostile.end()), {{500}}, nullptr};
-  EXPECT_EQ(replyLine("http://a/s3cret", reply, std::chrono::milliseconds(12), secrets),
+  EXPECT_EQ(trace.replyLine("http://a/s3cret", reply, std::chrono::milliseconds(12)),
             "http://a/***: 12 ms, status 500, 14 bytes: \\x1b[2J\\x0a*** \\xc2\x9b");
 }
 

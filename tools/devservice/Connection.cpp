@@ -3,6 +3,7 @@
 #include <boost/asio/as_tuple.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/asio/write.hpp>
+#include <boost/beast/core/string.hpp>
 #include <boost/beast/http/error.hpp>
 #include <boost/beast/http/message.hpp>
 #include <boost/beast/http/read.hpp>
@@ -12,8 +13,8 @@
 #include <string_view>
 #include <utility>
 
-#include "tools/devservice/Faults.h"
 #include "tools/devservice/Target.h"
+#include "tools/devservice/makeReply.h"
 
 namespace devservice {
 namespace {
@@ -31,15 +32,15 @@ std::string addressOf(const asio::ip::tcp::socket& socket) {
   return error ? "" : endpoint.address().to_string();
 }
 
-Request requestFrom(const http::request<http::string_body>& message, const std::string& peer) {
+HTTPRequest requestFrom(const http::request<http::string_body>& message, const std::string& peer) {
   Target target = parseTarget(message.target());
-  Request request{.method = message.method_string(),
-                  .path = std::move(target.path),
-                  .headers = {},
-                  .body = message.body(),
-                  .peer = peer,
-                  .query = std::move(target.query),
-                  .isProxied = target.authority.has_value()};
+  HTTPRequest request{.method = message.method_string(),
+                      .path = std::move(target.path),
+                      .headers = {},
+                      .body = message.body(),
+                      .peer = peer,
+                      .query = std::move(target.query),
+                      .isProxied = target.authority.has_value()};
   // What the URL names counts, and not the field.
   if (target.authority) request.headers.emplace_back("Host", *target.authority);
   for (const auto& field : message) {
@@ -91,10 +92,10 @@ asio::awaitable<void> Connection::serve() {
     const int refused = error ? statusOf(error) : 0;
     if (error && refused == 0) co_return;
     const Clock::time_point start = Clock::now();
-    const Request request = requestFrom(parser.get(), peer_);
+    const HTTPRequest request = requestFrom(parser.get(), peer_);
     // After what is not understood, nothing says where the next request starts.
     goesOn = !error && parser.keep_alive();
-    Reply reply;
+    HTTPReply reply;
     if (error) {
       reply = makeRefusal(refused, refused == 400 ? Code::malformedRequest : Code::tooLarge);
     } else {
@@ -131,15 +132,15 @@ asio::awaitable<boost::system::error_code> Connection::read(Parser& parser) {
   parser.body_limit(maxBodySize);
   stream_.expires_after(limits_.request);
   auto [error, size] = co_await http::async_read_header(stream_, buffer_, parser, awaited);
-  if (!error && equalIgnoringCase(parser.get()[http::field::expect], "100-continue")) {
+  if (!error && boost::beast::iequals(parser.get()[http::field::expect], "100-continue")) {
     std::tie(error, size) = co_await asio::async_write(stream_, asio::buffer(interim), awaited);
   }
   if (!error) std::tie(error, size) = co_await http::async_read(stream_, buffer_, parser, awaited);
   co_return error;
 }
 
-asio::awaitable<Reply> Connection::answer(const Request& request) {
-  Reply reply = router_.answer(request);
+asio::awaitable<HTTPReply> Connection::answer(const HTTPRequest& request) {
+  HTTPReply reply = router_.answer(request);
   const Clock::time_point end = Clock::now() + reply.wait;
   while (reply.wait.count() > 0 && Clock::now() < end && stream_.socket().is_open()) {
     asksAgain_ = true;
@@ -153,7 +154,7 @@ asio::awaitable<Reply> Connection::answer(const Request& request) {
 }
 
 /// Does what the reply's fault asks for; false when the connection is of no more use.
-asio::awaitable<bool> Connection::write(const Request& request, const Reply& reply, bool keepAlive) {
+asio::awaitable<bool> Connection::write(const HTTPRequest& request, const HTTPReply& reply, bool keepAlive) {
   if (reply.fault == TransportFault::delay) {
     pause_.expires_after(reply.delay);
     co_await pause_.async_wait(awaited);

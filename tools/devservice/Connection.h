@@ -11,8 +11,9 @@
 #include <functional>
 #include <string>
 
+#include "tools/devservice/HTTPReply.h"
+#include "tools/devservice/HTTPRequest.h"
 #include "tools/devservice/Limits.h"
-#include "tools/devservice/Message.h"
 #include "tools/devservice/Router.h"
 
 namespace devservice {
@@ -47,8 +48,8 @@ class Connection {
 
   Awaitable<bool> awaitRequest();
   Awaitable<boost::system::error_code> read(Parser& parser);
-  Awaitable<Reply> answer(const Request& request);
-  Awaitable<bool> write(const Request& request, const Reply& reply, bool keepAlive);
+  Awaitable<HTTPReply> answer(const HTTPRequest& request);
+  Awaitable<bool> write(const HTTPRequest& request, const HTTPReply& reply, bool keepAlive);
   Awaitable<void> awaitEnd(Clock::duration limit);
 
   boost::beast::tcp_stream stream_;

@@ -1,14 +1,16 @@
 #include "tools/devservice/IdentityService.h"
 
 #include <algorithm>
+#include <boost/beast/core/string.hpp>
 #include <iterator>
 #include <random>
 #include <span>
 #include <utility>
 
-#include "tools/devservice/Glyphs.h"
 #include "tools/devservice/Json.h"
-#include "tools/devservice/Picture.h"
+#include "tools/devservice/drawPicture.h"
+#include "tools/devservice/glyphStrokes.h"
+#include "tools/devservice/makeReply.h"
 
 namespace devservice {
 namespace {
@@ -42,11 +44,11 @@ bool isMobileNumber(std::string_view text) {
 bool isJsonType(std::string_view contentType) {
   std::string_view type = contentType.substr(0, contentType.find(';'));
   while (type.ends_with(' ') || type.ends_with('\t')) type.remove_suffix(1);
-  return equalIgnoringCase(type, "application/json");
+  return boost::beast::iequals(type, "application/json");
 }
 
 /// The name of the first header that is not as every call has it; empty when all are.
-std::string_view wrongHeader(const Request& request) {
+std::string_view wrongHeader(const HTTPRequest& request) {
   if (!isJsonType(request.header("Content-Type").value_or(""))) return "Content-Type";
   if (request.header("XRAPI-VERSION") != "1.0") return "XRAPI-VERSION";
   if (request.header("XRAPI-DEVICE-TYPE") != "1") return "XRAPI-DEVICE-TYPE";
@@ -78,7 +80,7 @@ std::uint32_t systemRandom() {
 
 IdentityService::IdentityService(Environment environment) : environment_(std::move(environment)) {}
 
-Reply IdentityService::answer(const Request& request) {
+HTTPReply IdentityService::answer(const HTTPRequest& request) {
   const auto route = std::ranges::find(routes, request.path, &Route::path);
   if (route == std::end(routes)) return makeRefusal(404, Code::unknownPath);
   if (request.method != "POST") return makeRefusal(405, Code::wrongMethod);
@@ -95,7 +97,7 @@ Reply IdentityService::answer(const Request& request) {
   if (!isMobileNumber(mobile)) return makeRefusal(200, Code::badNumber, mobile);
 
   const Demand demand = demandFor(mobile, route->call);
-  if (demand.fault && !demand.fault->spoil) return makeReply(refusal(Code::demanded));
+  if (demand.fault && !demand.fault->spoil) return makeReply(ReplyBody::refusal(Code::demanded));
   return makeReply(perform(route->call, members, request.header("XRAPI-CLIENT-ID")), demand);
 }
 
@@ -128,13 +130,13 @@ std::vector<TextMessage> IdentityService::messages() const {
   return {messages_.begin(), messages_.end()};
 }
 
-void IdentityService::chooseFault(const Choice& choice) {
+void IdentityService::chooseFault(const FaultChoice& choice) {
   const std::lock_guard lock(mutex_);
   choice_ = choice;
   missed_ = 0;
 }
 
-Choice IdentityService::chosenFault() const {
+FaultChoice IdentityService::chosenFault() const {
   const std::lock_guard lock(mutex_);
   return choice_;
 }
@@ -156,8 +158,8 @@ Demand IdentityService::demandFor(std::string_view mobile, Call call) {
   return choice_.demand;
 }
 
-Envelope IdentityService::perform(Call call, const Members& members,
-                                  std::optional<std::string_view> clientId) {
+ReplyBody IdentityService::perform(Call call, const Members& members,
+                                   std::optional<std::string_view> clientId) {
   const std::string& mobile = members.find("mobile")->second;
   {
     const std::lock_guard lock(mutex_);
@@ -175,10 +177,10 @@ Envelope IdentityService::perform(Call call, const Members& members,
     case Call::submission:
       return submit(members);
   }
-  return refusal(Code::unknownPath);
+  return ReplyBody::refusal(Code::unknownPath);
 }
 
-Envelope IdentityService::sendPicture(const std::string& mobile) {
+ReplyBody IdentityService::sendPicture(const std::string& mobile) {
   const std::string text = randomText(4 + below(2), alphabet);
   const std::uint32_t seed = environment_.random();
   auto picture = drawPicture(text, seed);
@@ -191,7 +193,7 @@ Envelope IdentityService::sendPicture(const std::string& mobile) {
   return {Code::success, "picture sent", std::move(picture)};
 }
 
-Envelope IdentityService::sendCode(const std::string& mobile, std::string_view pictureText) {
+ReplyBody IdentityService::sendCode(const std::string& mobile, std::string_view pictureText) {
   const std::string code = randomText(6, "0123456789");
   const std::string message = "Orvane: your sign-in code is " + code + ". It is good for 5 minutes.";
   const TimePoint now = environment_.now();
@@ -200,9 +202,9 @@ Envelope IdentityService::sendCode(const std::string& mobile, std::string_view p
     Record& record = records_.touch(mobile);
     switch (attempt(record.picture, pictureText, now)) {
       case Attempt::none:
-        return refusal(Code::noPicture);
+        return ReplyBody::refusal(Code::noPicture);
       case Attempt::wrong:
-        return refusal(Code::wrongPictureText);
+        return ReplyBody::refusal(Code::wrongPictureText);
       case Attempt::right:
         break;
     }
@@ -217,18 +219,18 @@ Envelope IdentityService::sendCode(const std::string& mobile, std::string_view p
   return {Code::success, "code sent", {}};
 }
 
-Envelope IdentityService::login(const std::string& mobile, std::string_view code) {
+ReplyBody IdentityService::login(const std::string& mobile, std::string_view code) {
   const TimePoint now = environment_.now();
   const std::lock_guard lock(mutex_);
   Record& record = records_.touch(mobile);
   if (now >= record.firstWrongCode + wrongCodesWindow) record.wrongCodes = 0;
-  if (record.wrongCodes == maxWrongCodes) return refusal(Code::tooManyWrongCodes);
+  if (record.wrongCodes == maxWrongCodes) return ReplyBody::refusal(Code::tooManyWrongCodes);
   switch (attempt(record.code, code, now)) {
     case Attempt::none:
-      return refusal(Code::noCode);
+      return ReplyBody::refusal(Code::noCode);
     case Attempt::wrong:
       if (record.wrongCodes++ == 0) record.firstWrongCode = now;
-      return refusal(Code::wrongCode);
+      return ReplyBody::refusal(Code::wrongCode);
     case Attempt::right:
       break;
   }
@@ -237,10 +239,10 @@ Envelope IdentityService::login(const std::string& mobile, std::string_view code
   return {Code::success, "welcome", {}};
 }
 
-Envelope IdentityService::submit(const Members& facts) {
+ReplyBody IdentityService::submit(const Members& facts) {
   const std::lock_guard lock(mutex_);
   Record& record = records_.touch(facts.find("mobile")->second);
-  if (!record.signedIn) return refusal(Code::notSignedIn);
+  if (!record.signedIn) return ReplyBody::refusal(Code::notSignedIn);
   record.facts = facts;
   record.dates.facts = std::chrono::system_clock::now();
   return {Code::success, "recorded", {}};
@@ -250,7 +252,7 @@ Envelope IdentityService::submit(const Members& facts) {
 IdentityService::Attempt IdentityService::attempt(std::optional<Secret>& secret, std::string_view text,
                                                   TimePoint now) {
   if (!secret || now >= secret->expires) return Attempt::none;
-  const bool right = equalIgnoringCase(secret->text, text);
+  const bool right = boost::beast::iequals(secret->text, text);
   if (right || --secret->attempts == 0) secret.reset();
   return right ? Attempt::right : Attempt::wrong;
 }

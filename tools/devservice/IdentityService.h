@@ -12,19 +12,16 @@
 #include <utility>
 #include <vector>
 
-#include "tools/devservice/Codes.h"
-#include "tools/devservice/Faults.h"
+#include "tools/devservice/Demand.h"
+#include "tools/devservice/HTTPReply.h"
+#include "tools/devservice/HTTPRequest.h"
+#include "tools/devservice/Inspection.h"
 #include "tools/devservice/Limits.h"
-#include "tools/devservice/Message.h"
+#include "tools/devservice/Members.h"
 #include "tools/devservice/RecentMap.h"
+#include "tools/devservice/ReplyBody.h"
 
 namespace devservice {
-
-/// What a picture is drawn from.
-struct Drawing {
-  std::string text;
-  std::uint32_t seed;
-};
 
 struct TextMessage {
   std::uint64_t id;  ///< Counted from 1.
@@ -33,27 +30,8 @@ struct TextMessage {
   std::string text;
 };
 
-/// When something happened to a number last.
-struct Dates {
-  using Date = std::optional<std::chrono::system_clock::time_point>;
-  Date call, picture, message, login, facts;
-};
-
-/// What the service knows of one mobile number.
-struct Inspection {
-  std::optional<std::string> picture;  ///< Text of the picture that waits to be read.
-  std::optional<std::string> message;  ///< The last text message.
-  std::optional<std::uint64_t> messageId;
-  std::optional<std::string> code;      ///< The code that waits to be entered.
-  std::optional<Drawing> drawing;       ///< The last picture, whether it waits or not.
-  std::optional<Members> facts;         ///< The last submission, with its "mobile".
-  std::optional<std::string> clientId;  ///< The client identifier in the last request, if it had one.
-  bool signedIn = false;
-  Dates dates;
-};
-
 /// The fault that was chosen for calls whose number demands none.
-struct Choice {
+struct FaultChoice {
   Demand demand;
   /// It hits one call in so many, until another choice; 0: the next call alone.
   unsigned every = 0;
@@ -83,7 +61,7 @@ class IdentityService {
   explicit IdentityService(Environment environment = {});
 
   /// The reply to a request of any kind; every refusal is a reply.
-  Reply answer(const Request& request);
+  HTTPReply answer(const HTTPRequest& request);
 
   /// What is known of the number; nothing when it has made no call, or is forgotten.
   std::optional<Inspection> inspect(std::string_view mobile) const;
@@ -97,8 +75,8 @@ class IdentityService {
   /// The last text messages, the oldest first.
   std::vector<TextMessage> messages() const;
 
-  void chooseFault(const Choice& choice);
-  Choice chosenFault() const;
+  void chooseFault(const FaultChoice& choice);
+  FaultChoice chosenFault() const;
 
   /// Forgets all but how many messages there were.
   void forget();
@@ -131,11 +109,11 @@ class IdentityService {
   static Inspection view(const Record& record, TimePoint now);
 
   Demand demandFor(std::string_view mobile, Call call);
-  Envelope perform(Call call, const Members& members, std::optional<std::string_view> clientId);
-  Envelope sendPicture(const std::string& mobile);
-  Envelope sendCode(const std::string& mobile, std::string_view pictureText);
-  Envelope login(const std::string& mobile, std::string_view code);
-  Envelope submit(const Members& facts);
+  ReplyBody perform(Call call, const Members& members, std::optional<std::string_view> clientId);
+  ReplyBody sendPicture(const std::string& mobile);
+  ReplyBody sendCode(const std::string& mobile, std::string_view pictureText);
+  ReplyBody login(const std::string& mobile, std::string_view code);
+  ReplyBody submit(const Members& facts);
 
   std::uint32_t below(std::uint32_t bound) const;
   std::string randomText(std::size_t length, std::string_view characters) const;
@@ -145,7 +123,7 @@ class IdentityService {
   RecentMap<Record> records_{maxNumbers};
   std::deque<TextMessage> messages_;
   std::uint64_t messageCount_ = 0;
-  Choice choice_;
+  FaultChoice choice_;
   unsigned missed_ = 0;  // calls since the choice, or since it hit
 };
 

@@ -7,10 +7,11 @@
 
 #include "tools/devservice/Json.h"
 #include "tools/devservice/Limits.h"
-#include "tools/devservice/LocalCaller.h"
-#include "tools/devservice/PageFiles.h"
-#include "tools/devservice/Picture.h"
+#include "tools/devservice/PageFile.h"
 #include "tools/devservice/Target.h"
+#include "tools/devservice/drawPicture.h"
+#include "tools/devservice/isLocalCaller.h"
+#include "tools/devservice/makeReply.h"
 
 namespace devservice {
 namespace {
@@ -38,7 +39,7 @@ Json faults() {
   return all;
 }
 
-Json chosen(const Choice& choice) {
+Json chosen(const FaultChoice& choice) {
   if (!choice.demand.fault) return {};
   return {{"fault", choice.demand.fault->number},
           {"delay", choice.demand.delay.count()},
@@ -101,7 +102,7 @@ bool Page::owns(std::string_view path) {
   return path == "/" || path.starts_with("/page/");
 }
 
-Reply Page::answer(const Request& request) {
+HTTPReply Page::answer(const HTTPRequest& request) {
   const auto reply = [&] {
     if (!isLocalCaller(request)) return makeRefusal(403, Code::notLocal);
     const bool chooses = request.path == "/page/fault";
@@ -111,14 +112,14 @@ Reply Page::answer(const Request& request) {
     if (request.path.starts_with(picturePrefix)) return picture(request.path.substr(picturePrefix.size()));
     const auto file = std::ranges::find(pageFiles(), request.path, &PageFile::path);
     if (file == pageFiles().end()) return makeRefusal(404, Code::unknownPath);
-    return Reply{200, std::string(file->contentType), std::string(file->content)};
+    return HTTPReply{200, std::string(file->contentType), std::string(file->content)};
   };
-  Reply guarded = reply();
+  HTTPReply guarded = reply();
   guarded.headers.assign(std::begin(guards), std::end(guards));
   return guarded;
 }
 
-Reply Page::state(const Request& request) const {
+HTTPReply Page::state(const HTTPRequest& request) const {
   const Members query = queryMembers(request.query);
   const auto filter = query.find("filter");
   const Json all = {{"run", run_},
@@ -128,12 +129,12 @@ Reply Page::state(const Request& request) const {
                     {"numberCount", service_.size()},
                     {"numbers", numbers(service_, filter == query.end() ? "" : filter->second)},
                     {"requests", requests(log_)}};
-  Reply reply;
+  HTTPReply reply;
   reply.body = dumped(all);
   return reply;
 }
 
-Reply Page::picture(std::string_view mobile) const {
+HTTPReply Page::picture(std::string_view mobile) const {
   const auto known = service_.inspect(mobile);
   if (!known || !known->drawing) return makeRefusal(404, Code::noPicture);
   const auto bytes = drawPicture(known->drawing->text, known->drawing->seed);
@@ -141,11 +142,11 @@ Reply Page::picture(std::string_view mobile) const {
 }
 
 /// The body is {"fault": N}, or null for none, with "delay" and "every" where they are wanted.
-Reply Page::chooseFault(const Request& request) {
+HTTPReply Page::chooseFault(const HTTPRequest& request) {
   const Json object = Json::parse(request.body, nullptr, false);
   if (!object.is_object()) return makeRefusal(400, Code::malformedBody);
   if (!object.contains("fault")) return makeRefusal(400, Code::badMember, "fault");
-  Choice choice;
+  FaultChoice choice;
   for (const auto& [name, value] : object.items()) {
     const bool isFault = name == "fault";
     const bool isDelay = name == "delay";

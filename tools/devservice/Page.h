@@ -3,8 +3,9 @@
 #include <string>
 #include <string_view>
 
+#include "tools/devservice/HTTPReply.h"
+#include "tools/devservice/HTTPRequest.h"
 #include "tools/devservice/IdentityService.h"
-#include "tools/devservice/Message.h"
 #include "tools/devservice/RequestLog.h"
 
 namespace devservice {
@@ -19,12 +20,12 @@ class Page {
   static bool owns(std::string_view path);
 
   /// The reply to a request for a path it owns.
-  Reply answer(const Request& request);
+  HTTPReply answer(const HTTPRequest& request);
 
  private:
-  Reply state(const Request& request) const;
-  Reply picture(std::string_view mobile) const;
-  Reply chooseFault(const Request& request);
+  HTTPReply state(const HTTPRequest& request) const;
+  HTTPReply picture(std::string_view mobile) const;
+  HTTPReply chooseFault(const HTTPRequest& request);
 
   IdentityService& service_;
   const RequestLog& log_;

@@ -30,7 +30,7 @@ std::string maskedMembers(const Json& object) {
 
 }  // namespace
 
-const LogEntry& RequestLog::add(const Request& request, const Reply& reply) {
+const LogEntry& RequestLog::add(const HTTPRequest& request, const HTTPReply& reply) {
   const bool isBrief = reply.body.size() <= maxLogText;
   LogEntry entry{
       .id = ++count_,

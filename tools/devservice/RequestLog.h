@@ -7,10 +7,10 @@
 #include <string>
 #include <string_view>
 
-#include "tools/devservice/Message.h"
+#include "tools/devservice/HTTPReply.h"
+#include "tools/devservice/HTTPRequest.h"
 
 namespace devservice {
-
 /// A request and its reply, as the log shows them. Texts are cut to what the log keeps.
 struct LogEntry {
   std::uint64_t id;  ///< Counted from 1.
@@ -32,7 +32,7 @@ class RequestLog {
  public:
   /// Adds what is about to be sent, and forgets the oldest entry where there are too many. Valid until the next
   /// call.
-  const LogEntry& add(const Request& request, const Reply& reply);
+  const LogEntry& add(const HTTPRequest& request, const HTTPReply& reply);
 
   /// Sets the duration of the entry, if it is still there.
   void finish(std::uint64_t id, std::chrono::steady_clock::duration duration);

@@ -1,22 +1,23 @@
 #include "tools/devservice/Router.h"
 
 #include <algorithm>
+#include <boost/beast/core/string.hpp>
 #include <utility>
 
-#include "tools/devservice/Faults.h"
+#include "tools/devservice/appendHexEscape.h"
+#include "tools/devservice/makeReply.h"
 
 namespace devservice {
 namespace {
 
+/// Returns the text with all but printable ASCII escaped.
 std::string escaped(std::string_view text) {
-  constexpr char digits[] = "0123456789abcdef";
   std::string result;
   for (const char c : text) {
     if (c >= ' ' && c <= '~') {
-      result += c;
+      result.push_back(c);
     } else {
-      const auto byte = static_cast<unsigned char>(c);
-      result.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+      appendHexEscape(result, c);
     }
   }
   return result;
@@ -43,14 +44,14 @@ Router::Router(IdentityService& service, std::vector<std::string> hosts, Log log
       hosts_(std::move(hosts)),
       log_(std::move(log)) {}
 
-Reply Router::answer(const Request& request) {
+HTTPReply Router::answer(const HTTPRequest& request) {
   if (request.method == "CONNECT" || (request.isProxied && !serves(request.header("Host").value_or("")))) {
     std::string names;
     for (const std::string& host : hosts_) names.append(names.empty() ? "" : ", ").append(host);
     return makeRefusal(403, Code::otherHost, names);
   }
   if (request.method == "HEAD") {
-    Request whole = request;
+    HTTPRequest whole = request;
     whole.method = "GET";
     return answer(whole);
   }
@@ -58,7 +59,7 @@ Reply Router::answer(const Request& request) {
   return request.path == "/inspect" ? inspector_.answer(request) : service_.answer(request);
 }
 
-std::uint64_t Router::log(const Request& request, const Reply& reply) {
+std::uint64_t Router::log(const HTTPRequest& request, const HTTPReply& reply) {
   if (Page::owns(request.path) && reply.status < 400) return 0;
   if (request.path == "/inspect") {
     // Scripts ask this, not phones.
@@ -73,7 +74,7 @@ std::uint64_t Router::log(const Request& request, const Reply& reply) {
 
 bool Router::serves(std::string_view authority) const {
   return std::ranges::any_of(hosts_, [authority](const std::string& host) {
-    return equalIgnoringCase(shortest(host), shortest(authority));
+    return boost::beast::iequals(shortest(host), shortest(authority));
   });
 }
 

@@ -7,9 +7,10 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/devservice/HTTPReply.h"
+#include "tools/devservice/HTTPRequest.h"
 #include "tools/devservice/IdentityService.h"
-#include "tools/devservice/Inspector.h"
-#include "tools/devservice/Message.h"
+#include "tools/devservice/InspectEndpoint.h"
 #include "tools/devservice/Page.h"
 #include "tools/devservice/RequestLog.h"
 
@@ -25,11 +26,11 @@ class Router {
   Router(IdentityService& service, std::vector<std::string> hosts, Log log);
 
   /// The reply to a request of any kind.
-  Reply answer(const Request& request);
+  HTTPReply answer(const HTTPRequest& request);
 
   /// Logs what is about to be sent, unless the page asked for it to show itself; the entry's number in the log,
   /// or 0.
-  std::uint64_t log(const Request& request, const Reply& reply);
+  std::uint64_t log(const HTTPRequest& request, const HTTPReply& reply);
 
   /// Takes note how long that entry's request took, once its reply has been sent.
   void finish(std::uint64_t entry, std::chrono::steady_clock::duration duration) {
@@ -42,7 +43,7 @@ class Router {
   IdentityService& service_;
   RequestLog requests_;
   Page page_;
-  Inspector inspector_;
+  InspectEndpoint inspector_;
   const std::vector<std::string> hosts_;
   const Log log_;
 };

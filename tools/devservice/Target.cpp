@@ -1,6 +1,7 @@
 #include "tools/devservice/Target.h"
 
 #include <algorithm>
+#include <boost/beast/core/string.hpp>
 #include <charconv>
 #include <utility>
 
@@ -33,7 +34,7 @@ std::string percentDecoded(std::string_view text) {
 Target parseTarget(std::string_view text) {
   Target target;
   if (const std::size_t colon = text.find("://"); !text.starts_with('/') && colon != text.npos) {
-    const bool isHTTP = equalIgnoringCase(text.substr(0, colon), "http");
+    const bool isHTTP = boost::beast::iequals(text.substr(0, colon), "http");
     text.remove_prefix(colon + 3);
     const std::size_t end = std::min(text.find_first_of("/?"), text.size());
     target.authority = isHTTP ? text.substr(0, end) : "";

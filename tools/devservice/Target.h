@@ -1,11 +1,10 @@
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "tools/devservice/Message.h"
+#include "tools/devservice/Members.h"
 
 namespace devservice {
 

@@ -10,8 +10,9 @@
 #include <string_view>
 #include <utility>
 
-#include "tools/devservice/Codes.h"
-#include "tools/devservice/Faults.h"
+#include "tools/devservice/Code.h"
+#include "tools/devservice/Demand.h"
+#include "tools/devservice/Fault.h"
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/Server.h"
 

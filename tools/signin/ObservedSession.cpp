@@ -1,14 +1,34 @@
 #include "tools/signin/ObservedSession.h"
 
 #include <condition_variable>
+#include <cstdio>
+#include <ctime>
 #include <mutex>
+#include <string>
 #include <utility>
 
 #include "tools/signin/Terminal.h"
-#include "tools/signin/Trace.h"
 
 namespace signin {
+namespace {
 
+/// Returns the local time as a comment of a shell script.
+std::string timeText() {
+  const auto now = std::chrono::system_clock::now();
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+  const auto milliseconds =
+      std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count();
+  std::tm local{};
+  localtime_r(&seconds, &local);
+  char text[32];
+  const std::size_t size = std::strftime(text, sizeof text, "# %H:%M:%S.", &local);
+  std::snprintf(text + size, sizeof text - size, "%03d", static_cast<int>(milliseconds % 1000));
+  return text;
+}
+
+}  // namespace
+
+/// Counts the requests under way.
 class ObservedSession::Count {
  public:
   void change(int by) {
@@ -30,25 +50,22 @@ class ObservedSession::Count {
   int underWay_ = 0;
 };
 
-ObservedSession::ObservedSession(orvane::HostSessionConfiguration configuration,
-                                 std::shared_ptr<const Secrets> traceSecrets)
-    : configuration_(std::move(configuration)),
-      inner_(configuration_),
-      traceSecrets_(std::move(traceSecrets)),
-      count_(std::make_shared<Count>()) {}
+ObservedSession::ObservedSession(const orvane::HostSessionConfiguration& configuration,
+                                 std::shared_ptr<const Trace> trace)
+    : inner_(configuration), trace_(std::move(trace)), count_(std::make_shared<Count>()) {}
 
 void ObservedSession::startDataTask(orvane::URLRequest request, orvane::DataTaskHandler handler) {
   using Clock = std::chrono::steady_clock;
-  if (traceSecrets_) writeError(timeText() + "\n" + requestLine(request, configuration_, *traceSecrets_));
+  if (trace_) Terminal::writeError(timeText() + "\n" + trace_->requestLine(request));
   count_->change(1);
-  // Goes with the handler, which is released when it was called and also when it was dropped.
+  // Destroyed with the handler, after it was called or if the session drops it.
   std::shared_ptr<Count> ticket(count_.get(), [count = count_](Count*) { count->change(-1); });
-  auto observed = [handler = std::move(handler), ticket = std::move(ticket), secrets = traceSecrets_,
+  auto observed = [handler = std::move(handler), ticket = std::move(ticket), trace = trace_,
                    url = request.url(), start = Clock::now()](orvane::DataTaskResult result) {
-    hideWaiting();
-    if (secrets) {
+    Terminal::hideWaiting();
+    if (trace) {
       const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
-      writeError(timeText() + " " + replyLine(url, result, took, *secrets));
+      Terminal::writeError(timeText() + " " + trace->replyLine(url, result, took));
     }
     handler(std::move(result));
   };

@@ -29,18 +29,18 @@ NO_COLOR in the environment: no colours. The manual page has the rest.)";
 struct Use {
   std::string_view name;
   std::optional<std::string> Options::*value;
-  Call call;
+  Step step;
   bool isNeeded;
 };
 
 constexpr Use uses[] = {
-    {"--picture", &Options::pictureFile, Call::picture, false},
-    {"--captcha", &Options::captcha, Call::code, true},
-    {"--code", &Options::code, Call::login, true},
+    {"--picture", &Options::pictureFile, Step::picture, false},
+    {"--captcha", &Options::captcha, Step::code, true},
+    {"--code", &Options::code, Step::login, true},
 };
 
-Call readCall(const std::string& name) {
-  return static_cast<Call>(std::ranges::find(callNames, name) - std::begin(callNames));
+Step readStep(const std::string& name) {
+  return static_cast<Step>(std::ranges::find(stepNames, name) - std::begin(stepNames));
 }
 
 Address readAddress(std::string_view text) {
@@ -82,7 +82,7 @@ void refuseContradictions(const Options& options) {
     if (isGiven) throw UsageError(complaint);
   }
   for (const Use& use : uses) {
-    if (options.*use.value && !options.includes(use.call)) {
+    if (options.*use.value && !options.includes(use.step)) {
       throw UsageError(std::string(use.name) + ": the call that --only names has no use for it");
     }
   }
@@ -97,14 +97,10 @@ void refuseContradictions(const Options& options) {
 
 }  // namespace
 
-std::string Address::authority() const {
-  return (host.find(':') == host.npos ? host : "[" + host + "]") + ":" + std::to_string(port);
-}
-
 std::string_view Options::missing() const {
   if (!mobile) return "--mobile";
   for (const Use& use : uses) {
-    if (use.isNeeded && includes(use.call) && !(this->*use.value)) return use.name;
+    if (use.isNeeded && includes(use.step) && !(this->*use.value)) return use.name;
   }
   return {};
 }
@@ -142,7 +138,7 @@ Options parseOptions(std::span<const char* const> arguments) {
   addText("--picture", options.pictureFile, "FILE",
           "save the picture as it came, and do not show it; - is standard output");
   addText("--only", only, "CALL", "make one call: picture, code or login")
-      ->check(CLI::IsMember(std::vector<std::string>(std::begin(callNames), std::end(callNames)))
+      ->check(CLI::IsMember(std::vector<std::string>(std::begin(stepNames), std::end(stepNames)))
                   .description(""));
   addFlag("--auto", options.automatic, "ask nobody");
   addFlag("--json", options.json,
@@ -168,7 +164,7 @@ Options parseOptions(std::span<const char* const> arguments) {
   } catch (const CLI::ParseError& error) {
     throw UsageError(error.what());
   }
-  if (!only.empty()) options.only = readCall(only);
+  if (!only.empty()) options.only = readStep(only);
   if (connecting->count() > 0) options.connect = readAddress(connect);
   refuseContradictions(options);
   return options;

@@ -1,35 +1,23 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "tools/signin/Address.h"
+#include "tools/signin/Step.h"
+
 namespace signin {
 
-/// Wrong use of the program; what() is one line that names the option.
+/// Wrong use of the program. what() is one line that names the option.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// The calls of a sign-in, in their order.
-enum class Call { picture, code, login };
-
-/// What --only, the messages and the lines of --json call them.
-inline constexpr const char* callNames[] = {"picture", "code", "login"};
-
-/// Where --connect leads.
-struct Address {
-  std::string host;  ///< A name, an IPv4 address, or an IPv6 address without brackets.
-  std::uint16_t port = 0;
-
-  std::string authority() const;  ///< HOST:PORT, as in a URL.
-};
-
-/// What the command line says. A text is absent where its option was not given.
+/// The command line. A value is absent if its option was not given.
 struct Options {
   std::optional<std::string> mobile;
   std::optional<std::string> clientId;
@@ -37,28 +25,29 @@ struct Options {
   std::optional<std::string> code;
   std::optional<std::string> pictureFile;
   std::optional<std::string> proxy;
-  std::optional<Call> only;
+  std::optional<Step> only;
   std::optional<Address> connect;
   bool live = false;
   bool automatic = false;
   bool trace = false;
   bool unmasked = false;
   bool json = false;
-  std::optional<std::string> printed;  ///< What to print instead of signing in, for --help and --version.
+  std::optional<std::string> printed;  ///< The text of --help or --version, to print in place of signing in.
 
-  /// Returns true if the program brings the service along.
+  /// Returns true if the program starts a development service of its own.
   bool embedsService() const { return !connect && !live; }
-  /// Returns true if the call is to be made.
-  bool includes(Call call) const { return !only || only == call; }
-  /// Returns true if standard output gets nothing but JSON lines or the picture.
+  /// Returns true if the step is to be done.
+  bool includes(Step step) const { return !only || only == step; }
+  /// Returns true if standard output gets only JSON lines or the picture.
   bool takesOutput() const { return json || pictureFile == "-"; }
-  /// Returns the first option whose value the calls need and the command line lacks. Empty if there is none.
+  /// Returns the first option that the steps need and that was not given. Empty if there is none.
   std::string_view missing() const;
-  /// Returns HOST:PORT of what may be a development service, by --connect or --proxy. Empty without one.
+  /// Returns HOST:PORT of what may be a development service: that of --connect, else that of --proxy, else an
+  /// empty text.
   std::string service() const;
 };
 
-/// Reads the arguments after the program's name. Throws UsageError.
+/// Parses the arguments after the program's name. Throws UsageError.
 Options parseOptions(std::span<const char* const> arguments);
 
 }  // namespace signin

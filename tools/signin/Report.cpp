@@ -10,13 +10,13 @@ namespace {
 
 std::atomic<const Report*> opened = nullptr;
 
-std::string line(const std::optional<Call>& step, const StepEnd& stepEnd) {
+std::string line(const std::optional<Step>& step, const StepEnd& stepEnd) {
   using Json = nlohmann::ordered_json;
   constexpr const char* outcomes[] = {"success", "refusal",     "usage",  "network",
                                       "fault",   "interrupted", "aborted"};
   const auto orNull = [](const auto& value) { return value ? Json(*value) : Json(); };
   Json object;
-  object["step"] = step ? Json(callNames[static_cast<std::size_t>(*step)]) : Json();
+  object["step"] = step ? Json(stepNames[static_cast<std::size_t>(*step)]) : Json();
   object["outcome"] = outcomes[static_cast<std::size_t>(stepEnd.outcome)];
   object["domain"] = orNull(stepEnd.domain);
   object["code"] = orNull(stepEnd.code);
@@ -36,10 +36,10 @@ void Report::open(std::FILE* lines) {
   sigaction(SIGABRT, &action, nullptr);
 }
 
-void Report::begin(Call step) {
+void Report::begin(Step step) {
   const std::lock_guard lock(mutex_);
   step_ = step;
-  abortionLine_ = line(step, {Outcome::aborted});
+  abortionLine_ = line(step, {StepOutcome::aborted});
 }
 
 void Report::end(const StepEnd& stepEnd) {
@@ -50,7 +50,7 @@ void Report::end(const StepEnd& stepEnd) {
   std::fwrite(text.data(), 1, text.size(), lines_);
   std::fflush(lines_);
   step_.reset();
-  if (stepEnd.outcome == Outcome::interrupted) lines_ = nullptr;
+  if (stepEnd.outcome == StepOutcome::interrupted) lines_ = nullptr;
 }
 
 void Report::tellAbortion(int) {

@@ -1,47 +1,26 @@
 #pragma once
 
-#include <cstdint>
 #include <cstdio>
 #include <mutex>
 #include <optional>
 #include <string>
 
-#include "orvane/orvane.h"
-#include "tools/signin/Options.h"
+#include "tools/signin/Step.h"
+#include "tools/signin/StepEnd.h"
 
 namespace signin {
 
-/// How a step, or the program, ended. The first five are the exit statuses of the program; it ends by a signal
-/// after the others.
-enum class Outcome {
-  success,
-  refusal,      ///< The service said no.
-  usage,        ///< What the program was given, or was not, does not do.
-  network,      ///< No reply came, or none that is JSON.
-  fault,        ///< The machine lacks something: memory, a port.
-  interrupted,  ///< By the person.
-  aborted,      ///< By the library, since a reply broke the protocol or a login had none.
-};
-
-/// What is told of the end of a step.
-struct StepEnd {
-  Outcome outcome = Outcome::success;
-  std::optional<std::string> domain = std::nullopt;
-  std::optional<std::int64_t> code = std::nullopt;
-  std::optional<orvane::ErrorKind> kind = std::nullopt;
-  std::optional<std::string> message = std::nullopt;
-  std::optional<std::string> picture = std::nullopt;  ///< The file that has the picture.
-};
-
-/// The lines of --json: an object for each step that ended. Silent until it is opened, and after an
-/// interruption. May be used from any thread, and has to live for ever.
+/// Writes the lines of --json: an object for each step that has ended. Writes nothing before open(), and nothing
+/// after an interruption. Its functions may be called from any thread. Must never be destroyed, since a signal
+/// handler uses it.
 class Report {
  public:
-  /// Writes the lines to the file. From now on the abortion of a step is told, too.
+  /// Writes the lines to this file from now on. Also installs a handler of SIGABRT that writes the line of the
+  /// step that the library aborts. To be called at most once.
   void open(std::FILE* lines);
 
-  void begin(Call step);
-  /// Ends the step that was begun, if any.
+  void begin(Step step);
+  /// Ends the step that was begun, or the program if there is none.
   void end(const StepEnd& stepEnd);
 
  private:
@@ -49,8 +28,8 @@ class Report {
 
   std::mutex mutex_;
   std::FILE* lines_ = nullptr;
-  std::optional<Call> step_;
-  std::string abortionLine_;  // for a signal handler, which may not make it
+  std::optional<Step> step_;
+  std::string abortionLine_;  // Made in advance: a signal handler must not allocate memory.
 };
 
 }  // namespace signin

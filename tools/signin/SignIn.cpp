@@ -13,6 +13,7 @@
 #include "orvane/host/hostMainQueue.h"
 #include "tools/signin/PictureView.h"
 #include "tools/signin/Terminal.h"
+#include "tools/signin/printable.h"
 
 namespace signin {
 namespace {
@@ -38,9 +39,9 @@ orvane::Outcome<T> await(std::string_view whatFor, orvane::AwaitableCall<T, Fini
     orvane::hostMainQueue().stop();
   }(std::move(call), outcome);
   if (!orvane::hostMainQueue().run(patience)) {
-    showWaiting(whatFor);
+    Terminal::showWaiting(whatFor);
     orvane::hostMainQueue().run();
-    hideWaiting();
+    Terminal::hideWaiting();
   }
   return outcome;
 }
@@ -75,78 +76,79 @@ std::string textBubble(std::string_view text) {
 
 }  // namespace
 
-Outcome SignIn::run() {
+StepOutcome SignIn::run() {
   mobile_ = answer({"--mobile", "Mobile number: ", {}, options_.mobile});
-  Outcome outcome = Outcome::success;
+  StepOutcome outcome = StepOutcome::success;
   const auto isAsked = [this](const auto& given) { return means_.hasPerson && !given; };
   // A misread picture is asked again with a new one.
   for (int tries = isAsked(options_.captcha) && !options_.only ? mostTries : 1; tries > 0; --tries) {
-    if (options_.includes(Call::picture)) outcome = requestPicture();
-    if (outcome != Outcome::success) return outcome;
-    if (options_.includes(Call::code)) outcome = requestCode();
-    if (outcome != Outcome::refusal) break;
-    if (tries > 1) print("Here is a new picture.\n");
+    if (options_.includes(Step::picture)) outcome = requestPicture();
+    if (outcome != StepOutcome::success) return outcome;
+    if (options_.includes(Step::code)) outcome = requestCode();
+    if (outcome != StepOutcome::refusal) break;
+    if (tries > 1) Terminal::print("Here is a new picture.\n");
   }
-  if (!options_.includes(Call::login) || outcome != Outcome::success) return outcome;
+  if (!options_.includes(Step::login) || outcome != StepOutcome::success) return outcome;
   int tries = isAsked(options_.code) ? mostTries : 1;
   do {
     outcome = requestLogin();
-  } while (outcome == Outcome::refusal && --tries > 0);
+  } while (outcome == StepOutcome::refusal && --tries > 0);
   return outcome;
 }
 
-Outcome SignIn::requestPicture() {
-  means_.report.begin(Call::picture);
+StepOutcome SignIn::requestPicture() {
+  means_.report.begin(Step::picture);
   const auto picture = await("Waiting for the picture ...", orvane::requestPictureCode(manager_, mobile_));
-  if (!picture) return fail(Call::picture, *picture.error);
+  if (!picture) return fail(Step::picture, *picture.error);
   present(*picture);
   return succeed({.picture = options_.pictureFile});
 }
 
-Outcome SignIn::requestCode() {
-  means_.report.begin(Call::code);
+StepOutcome SignIn::requestCode() {
+  means_.report.begin(Step::code);
   const std::string captcha =
       answer({"--captcha", "What does the picture say? ", "picture", options_.captcha});
   const auto sent =
       await("Waiting for the code to be sent ...", orvane::requestCode(manager_, mobile_, captcha));
-  if (!sent) return fail(Call::code, *sent.error);
-  print("A text message with a code was sent to " + printable(mobile_) + ".\n");
+  if (!sent) return fail(Step::code, *sent.error);
+  Terminal::print("A text message with a code was sent to " + printable(mobile_) + ".\n");
   if (means_.inspector) {
-    if (const auto message = means_.inspector->known("message", mobile_)) print(textBubble(*message));
+    if (const auto message = means_.inspector->known("message", mobile_))
+      Terminal::print(textBubble(*message));
   }
   return succeed();
 }
 
-Outcome SignIn::requestLogin() {
-  means_.report.begin(Call::login);
+StepOutcome SignIn::requestLogin() {
+  means_.report.begin(Step::login);
   const std::string code = answer({"--code", "Code in the text message: ", "code", options_.code});
   const auto login = await("Waiting for the login ...", orvane::requestLogin(manager_, mobile_, code));
-  if (!login) return fail(Call::login, *login.error);
-  print("Signed in. The service says: " + printable(*login) + "\n");
-  const Outcome outcome = succeed({.message = *login});
+  if (!login) return fail(Step::login, *login.error);
+  Terminal::print("Signed in. The service says: " + printable(*login) + "\n");
+  const StepOutcome outcome = succeed({.message = *login});
   if (!means_.session.waitUntilIdle(patience)) {
-    showWaiting("Sending the device's facts ...");
+    Terminal::showWaiting("Sending the device's facts ...");
     means_.session.waitUntilIdle(submissionLimit);
-    hideWaiting();
+    Terminal::hideWaiting();
   }
   return outcome;
 }
 
-Outcome SignIn::succeed(StepEnd stepEnd) const {
+StepOutcome SignIn::succeed(StepEnd stepEnd) const {
   stepEnd.code = 0;
   means_.report.end(stepEnd);
   return stepEnd.outcome;
 }
 
 /// Says why the call failed.
-Outcome SignIn::fail(Call call, const orvane::Error& error) const {
+StepOutcome SignIn::fail(Step step, const orvane::Error& error) const {
   const orvane::ErrorKind kind = orvane::kind(error);
   const bool isRefusal = kind == orvane::ErrorKind::refused;
   const std::string message = orvane::message(error);
-  complain(std::string(callNames[static_cast<std::size_t>(call)]) + ": " + printable(message) + " (" +
-           std::string(rawValue(kind)) + ", " + (isRefusal ? "" : printable(error.domain) + " ") +
-           std::to_string(error.code) + ")");
-  const Outcome outcome = isRefusal ? Outcome::refusal : Outcome::network;
+  Terminal::complain(std::string(stepNames[static_cast<std::size_t>(step)]) + ": " + printable(message) +
+                     " (" + std::string(rawValue(kind)) + ", " +
+                     (isRefusal ? "" : printable(error.domain) + " ") + std::to_string(error.code) + ")");
+  const StepOutcome outcome = isRefusal ? StepOutcome::refusal : StepOutcome::network;
   means_.report.end({outcome, error.domain, error.code, kind, message});
   return outcome;
 }
@@ -156,12 +158,12 @@ std::string SignIn::answer(const Question& question) const {
   std::optional<std::string> text = question.given;
   const std::string option(question.option);
   if (!text && means_.hasPerson) {
-    text = ask(question.text);
+    text = Terminal::ask(question.text);
     if (!text) throw UsageError(option + ": missing, and the input has ended");
   } else if (!text) {
     text = question.fact.empty() ? someNumber : means_.inspector->known(question.fact, mobile_);
     if (!text) throw UsageError(option + ": missing, and the development service does not know it");
-    print(std::string(question.text) + printable(*text) + "\n");
+    Terminal::print(std::string(question.text) + printable(*text) + "\n");
   }
   if (!isUTF8(*text)) throw UsageError(option + ": not UTF-8");
   means_.secrets.add(*text);
@@ -171,18 +173,19 @@ std::string SignIn::answer(const Question& question) const {
 /// Saves or shows the picture.
 void SignIn::present(const orvane::Bytes& picture) const {
   const std::string size = std::to_string(picture.size()) + " bytes";
-  const std::optional<PictureView> view = viewPicture(picture, outputColumns(), outputPalette());
+  const std::optional<PictureView> view =
+      viewPicture(picture, Terminal::outputColumns(), Terminal::outputPalette());
   if (options_.pictureFile) {
     save(picture);
     const bool isPrinted = means_.pictureOutput != nullptr;
-    print("The picture, " + size + ", is " +
-          (isPrinted ? "on standard output" : "in " + *options_.pictureFile) + ".\n");
+    Terminal::print("The picture, " + size + ", is " +
+                    (isPrinted ? "on standard output" : "in " + *options_.pictureFile) + ".\n");
   } else if (view) {
-    print(view->lines);
+    Terminal::print(view->lines);
     if (means_.hasPerson && !view->isClear)
-      print("If that cannot be read: --picture FILE saves the picture.\n");
+      Terminal::print("If that cannot be read: --picture FILE saves the picture.\n");
   }
-  if (!view) print("What came as picture, " + size + ", is nothing that can be drawn.\n");
+  if (!view) Terminal::print("What came as picture, " + size + ", is nothing that can be drawn.\n");
 }
 
 void SignIn::save(const orvane::Bytes& picture) const {

@@ -5,11 +5,13 @@
 #include <string_view>
 
 #include "orvane/orvane.h"
-#include "tools/signin/Inspector.h"
+#include "tools/signin/InspectClient.h"
 #include "tools/signin/ObservedSession.h"
 #include "tools/signin/Options.h"
 #include "tools/signin/Report.h"
 #include "tools/signin/Secrets.h"
+#include "tools/signin/Step.h"
+#include "tools/signin/StepEnd.h"
 
 namespace signin {
 
@@ -21,7 +23,7 @@ class SignIn {
   struct Means {
     const Options& options;
     bool hasPerson;            ///< Asks a person for what no option gives, else the inspector.
-    Inspector* inspector;      ///< Null where there is none; then nothing is missing, or there is a person.
+    InspectClient* inspector;  ///< Null where there is none; then nothing is missing, or there is a person.
     ObservedSession& session;  ///< The one that the library uses.
     Secrets& secrets;
     Report& report;
@@ -32,7 +34,7 @@ class SignIn {
 
   /// Returns how the last of the calls ended; the error of one that did not succeed is on standard error. Throws
   /// UsageError when an answer does not come, is not UTF-8, or the picture cannot be saved.
-  Outcome run();
+  StepOutcome run();
 
  private:
   struct Question {
@@ -42,12 +44,12 @@ class SignIn {
     const std::optional<std::string>& given;
   };
 
-  Outcome requestPicture();
-  Outcome requestCode();
-  Outcome requestLogin();
+  StepOutcome requestPicture();
+  StepOutcome requestCode();
+  StepOutcome requestLogin();
 
-  Outcome succeed(StepEnd stepEnd = {}) const;
-  Outcome fail(Call call, const orvane::Error& error) const;
+  StepOutcome succeed(StepEnd stepEnd = {}) const;
+  StepOutcome fail(Step step, const orvane::Error& error) const;
 
   std::string answer(const Question& question) const;
   void present(const orvane::Bytes& picture) const;

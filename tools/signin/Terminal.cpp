@@ -16,10 +16,10 @@
 namespace signin {
 namespace {
 
-/// Who writes holds the mutex.
+/// Guarded by the mutex, as is all writing.
 struct Screen {
   std::mutex mutex;
-  bool isWaiting = false;  // the last line of standard error says what is waited for
+  bool isWaiting = false;  // True while the text of showWaiting() is the last line of standard error.
 };
 
 Screen& screen() {
@@ -45,11 +45,11 @@ bool understandsEscapes(int descriptor) {
 
 }  // namespace
 
-bool inputIsTerminal() {
+bool Terminal::inputIsTerminal() {
   return isatty(STDIN_FILENO) != 0;
 }
 
-std::size_t outputColumns() {
+std::size_t Terminal::outputColumns() {
   winsize size{};
   if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0) return size.ws_col;
   const std::string_view columns = environment("COLUMNS");
@@ -58,13 +58,13 @@ std::size_t outputColumns() {
   return count != 0 ? count : 80;
 }
 
-Palette outputPalette() {
+Palette Terminal::outputPalette() {
   if (!understandsEscapes(STDOUT_FILENO) || !environment("NO_COLOR").empty()) return Palette::characters;
   const std::string_view colours = environment("COLORTERM");
   return colours == "truecolor" || colours == "24bit" ? Palette::direct : Palette::indexed;
 }
 
-std::FILE* takeOutput(bool hasPerson) {
+std::FILE* Terminal::takeOutput(bool hasPerson) {
   const auto checked = [](int result) {
     if (result < 0) throw std::system_error(errno, std::system_category(), "standard output");
     return result;
@@ -77,24 +77,7 @@ std::FILE* takeOutput(bool hasPerson) {
   return file;
 }
 
-std::string printable(std::string_view text) {
-  constexpr std::string_view hex = "0123456789abcdef";
-  std::string result;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const auto byte = static_cast<unsigned char>(text[at]);
-    // In UTF-8 there are more of them, from U+0080 to U+009F; one without its first byte is none.
-    const bool startsControl =
-        byte == 0xC2 && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
-    if (byte < 0x20 || byte == 0x7F || startsControl) {
-      result.append({'\\', 'x', hex[byte >> 4], hex[byte & 15]});
-    } else {
-      result.push_back(text[at]);
-    }
-  }
-  return result;
-}
-
-std::optional<std::string> ask(std::string_view question) {
+std::optional<std::string> Terminal::ask(std::string_view question) {
   constexpr const char* blanks = " \t\r";
   std::string line;
   do {
@@ -108,35 +91,35 @@ std::optional<std::string> ask(std::string_view question) {
   return line.substr(start, line.find_last_not_of(blanks) + 1 - start);
 }
 
-void print(std::string_view text) {
+void Terminal::print(std::string_view text) {
   const std::lock_guard lock(screen().mutex);
   put(text, stdout);
 }
 
-void writeError(std::string line) {
+void Terminal::writeError(std::string line) {
   line.push_back('\n');
   const std::lock_guard lock(screen().mutex);
   put(line, stderr);
 }
 
-void complain(std::string_view text) {
+void Terminal::complain(std::string_view text) {
   writeError(std::string("orvane-signin: ").append(text));
 }
 
-void showWaiting(std::string_view text) {
+void Terminal::showWaiting(std::string_view text) {
   if (!understandsEscapes(STDERR_FILENO)) return;
   const std::lock_guard lock(screen().mutex);
   put(text, stderr);
   screen().isWaiting = true;
 }
 
-void hideWaiting() {
+void Terminal::hideWaiting() {
   const std::lock_guard lock(screen().mutex);
   put("", stderr);
 }
 
-void leaveTerminal() {
-  screen().mutex.lock();  // for good
+void Terminal::leave() {
+  screen().mutex.lock();  // Never unlocked.
   put(outputPalette() == Palette::characters ? "" : "\x1b[0m", stdout);
 }
 

@@ -10,42 +10,43 @@
 
 namespace signin {
 
-/// Returns true if a person may be at standard input.
-bool inputIsTerminal();
+/// The program's standard input, output and error. A process has one of each, so all functions are static.
+/// Those that write may be called from any thread.
+struct Terminal {
+  /// Returns true if standard input is a terminal, so that a person may answer.
+  static bool inputIsTerminal();
 
-/// Returns how many columns standard output has: the terminal's, else those of COLUMNS in the environment, else 80.
-std::size_t outputColumns();
+  /// Returns the width of standard output in columns: the terminal's, else COLUMNS in the environment, else 80.
+  static std::size_t outputColumns();
 
-/// Returns the colours that standard output can show; none where NO_COLOR is in the environment.
-Palette outputPalette();
+  /// Returns the colours that standard output can show: none if NO_COLOR in the environment is not empty.
+  static Palette outputPalette();
 
-/// Returns standard output, for the caller alone. What is printed goes from now on to standard error if a person is to
-/// see it, else nowhere. To be called once. Throws std::system_error.
-std::FILE* takeOutput(bool hasPerson);
+  /// Returns standard output, which print() uses no more: it writes to standard error if there is a person, else
+  /// nowhere. To be called at most once. Throws std::system_error.
+  static std::FILE* takeOutput(bool hasPerson);
 
-/// Returns the text with its control characters as \xNN, so that a service cannot command the terminal.
-std::string printable(std::string_view text);
+  /// Prints the question and reads a line; asks again while the line is blank. Returns it without leading and
+  /// trailing blanks, or nothing at the end of the input.
+  static std::optional<std::string> ask(std::string_view question);
 
-/// Puts the question and reads lines until one has more than blanks, without those around it. Returns nothing at the end
-/// of the input.
-std::optional<std::string> ask(std::string_view question);
+  /// Writes the text to standard output, without waiting for a line end.
+  static void print(std::string_view text);
 
-/// Writes a text to standard output at once.
-void print(std::string_view text);
+  /// Writes a line to standard error.
+  static void writeError(std::string line);
 
-/// Writes a line to standard error. May be called from any thread, as may what follows.
-void writeError(std::string line);
+  /// Writes "orvane-signin: " and the text as a line to standard error.
+  static void complain(std::string_view text);
 
-/// Writes "orvane-signin: ", the text and a line end to standard error, after what was printed.
-void complain(std::string_view text);
+  /// Shows on standard error, if that is a terminal, what the program is waiting for. The text disappears with
+  /// hideWaiting() or when anything else is written.
+  static void showWaiting(std::string_view text);
+  static void hideWaiting();
 
-/// Shows on standard error what is waited for, where that is a terminal, until it is hidden or something else is
-/// written.
-void showWaiting(std::string_view text);
-void hideWaiting();
-
-/// Leaves the terminal as it was found, without the line of showWaiting and without colours. Nothing is written
-/// after it: for a process that is about to end.
-void leaveTerminal();
+  /// Hides the text of showWaiting(), ends colours, and lets nothing more be written. For a process that is about
+  /// to end.
+  static void leave();
+};
 
 }  // namespace signin

@@ -1,11 +1,10 @@
 #include "tools/signin/Trace.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <ctime>
+#include <utility>
 
-#include "tools/signin/Options.h"
-#include "tools/signin/Terminal.h"
+#include "tools/signin/Address.h"
+#include "tools/signin/printable.h"
+#include "tools/signin/shellWord.h"
 
 namespace signin {
 namespace {
@@ -16,7 +15,7 @@ std::string_view textOf(const orvane::Bytes& bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-/// Cut between two characters.
+/// Returns the text, cut between two characters if it is too long.
 std::string shortened(std::string text) {
   if (text.size() <= longestShownBody) return text;
   std::size_t end = longestShownBody;
@@ -25,7 +24,7 @@ std::string shortened(std::string text) {
   return text + "…";
 }
 
-/// The URL without the name and password in it, if it has any.
+/// Returns the URL with the mask in place of a name and password.
 std::string maskedUser(const std::string& url) {
   const std::size_t at = url.rfind('@');
   if (at == url.npos) return url;
@@ -33,76 +32,48 @@ std::string maskedUser(const std::string& url) {
   return url.substr(0, scheme < at ? scheme + 2 : 0) + std::string(Secrets::mask) + url.substr(at);
 }
 
-std::string headerWord(const orvane::HeaderField& field, const Secrets& secrets) {
-  if (field.value.empty()) return shellWord(field.name + ";");  // curl's way to send an empty one
-  const bool isSecret = secrets.areMasked() && orvane::equalIgnoringCase(field.name, "XRAPI-CLIENT-ID");
-  return shellWord(field.name + ": " + (isSecret ? std::string(Secrets::mask) : secrets.masked(field.value)));
-}
-
 }  // namespace
 
-std::string shellWord(std::string_view text) {
-  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; };
-  const bool hasControls = std::ranges::any_of(text, isControl);
-  std::string word(hasControls ? "$'" : "'");
-  for (const char c : text) {
-    if (isControl(c)) {
-      word.append(printable({&c, 1}));
-    } else if (c == '\'') {
-      word.append(hasControls ? "\\'" : "'\\''");
-    } else if (c == '\\' && hasControls) {
-      word.append("\\\\");
-    } else {
-      word.push_back(c);
-    }
-  }
-  return word + "'";
+Trace::Trace(orvane::HostSessionConfiguration configuration, std::shared_ptr<const Secrets> secrets)
+    : configuration_(std::move(configuration)), secrets_(std::move(secrets)) {}
+
+std::string Trace::headerWord(const orvane::HeaderField& field) const {
+  if (field.value.empty()) return shellWord(field.name + ";");  // curl's syntax for a field without a value.
+  const bool isSecret = secrets_->areMasked() && orvane::equalIgnoringCase(field.name, "XRAPI-CLIENT-ID");
+  return shellWord(field.name + ": " +
+                   (isSecret ? std::string(Secrets::mask) : secrets_->masked(field.value)));
 }
 
-std::string timeText() {
-  const auto now = std::chrono::system_clock::now();
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-  const auto milliseconds =
-      std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count();
-  std::tm local{};
-  localtime_r(&seconds, &local);
-  char text[32];
-  const std::size_t size = std::strftime(text, sizeof text, "# %H:%M:%S.", &local);
-  std::snprintf(text + size, sizeof text - size, "%03d", static_cast<int>(milliseconds % 1000));
-  return text;
-}
-
-std::string requestLine(const orvane::URLRequest& request,
-                        const orvane::HostSessionConfiguration& configuration, const Secrets& secrets) {
+std::string Trace::requestLine(const orvane::URLRequest& request) const {
   std::string line = "curl -X " + request.method();
-  for (const orvane::Reroute& reroute : configuration.reroutes) {
+  for (const orvane::Reroute& reroute : configuration_.reroutes) {
     line.append(" --connect-to ");
     line += shellWord(Address{reroute.host, reroute.port}.authority() + ":" +
                       Address{reroute.toHost, reroute.toPort}.authority());
   }
-  if (!configuration.proxy.empty()) line.append(" -x ").append(shellWord(maskedUser(configuration.proxy)));
+  if (!configuration_.proxy.empty()) line.append(" -x ").append(shellWord(maskedUser(configuration_.proxy)));
   for (const orvane::HeaderField& field : request.headers()) {
-    line.append(" -H ").append(headerWord(field, secrets));
+    line.append(" -H ").append(headerWord(field));
   }
   if (request.body()) {
-    line.append(" --data-raw ").append(shellWord(secrets.maskedBody(textOf(*request.body()))));
+    line.append(" --data-raw ").append(shellWord(secrets_->maskedBody(textOf(*request.body()))));
   }
-  return line.append(" ").append(shellWord(secrets.masked(request.url())));
+  return line.append(" ").append(shellWord(secrets_->masked(request.url())));
 }
 
-std::string replyLine(std::string_view url, const orvane::DataTaskResult& result,
-                      std::chrono::milliseconds took, const Secrets& secrets) {
-  std::string line = secrets.masked(url) + ": " + std::to_string(took.count()) + " ms, ";
+std::string Trace::replyLine(std::string_view url, const orvane::DataTaskResult& result,
+                             std::chrono::milliseconds took) const {
+  std::string line = secrets_->masked(url) + ": " + std::to_string(took.count()) + " ms, ";
   if (result.error) {
-    line += secrets.masked(orvane::description(*result.error));
+    line += secrets_->masked(orvane::description(*result.error));
     for (const auto& [key, value] : result.error->userInfo) {
-      if (value.text()) line.append(", ").append(key).append(": ").append(secrets.masked(*value.text()));
+      if (value.text()) line.append(", ").append(key).append(": ").append(secrets_->masked(*value.text()));
     }
   } else {
     const std::string_view body = textOf(*result.body);
     line += "status " + std::to_string(result.response->statusCode) + ", " + std::to_string(body.size()) +
             " bytes";
-    if (!body.empty()) line.append(": ").append(shortened(secrets.maskedBody(body)));
+    if (!body.empty()) line.append(": ").append(shortened(secrets_->maskedBody(body)));
   }
   return printable(line);
 }

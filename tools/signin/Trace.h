@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -10,19 +11,24 @@
 
 namespace signin {
 
-/// Returns the local time as a shell's comment.
-std::string timeText();
+/// Writes requests and replies as lines of text, without the secrets. Its functions may be called from any thread.
+class Trace {
+ public:
+  /// `configuration` is that of the session that sends the requests.
+  Trace(orvane::HostSessionConfiguration configuration, std::shared_ptr<const Secrets> secrets);
 
-/// Returns the text as one word of a shell command, on one line.
-std::string shellWord(std::string_view text);
+  /// Returns the request as a curl command on one line. The command reaches the service the way the session does.
+  std::string requestLine(const orvane::URLRequest& request) const;
 
-/// Returns the request as a curl command that could be pasted, on one line; it takes the way that a session with the
-/// configuration takes.
-std::string requestLine(const orvane::URLRequest& request,
-                        const orvane::HostSessionConfiguration& configuration, const Secrets& secrets);
+  /// Returns the outcome of the request to `url` on one line, with the time that it took. A long body is cut.
+  std::string replyLine(std::string_view url, const orvane::DataTaskResult& result,
+                        std::chrono::milliseconds took) const;
 
-/// Returns what came of the request to `url` and how long that took, on one line; a long body is cut.
-std::string replyLine(std::string_view url, const orvane::DataTaskResult& result,
-                      std::chrono::milliseconds took, const Secrets& secrets);
+ private:
+  std::string headerWord(const orvane::HeaderField& field) const;
+
+  const orvane::HostSessionConfiguration configuration_;
+  const std::shared_ptr<const Secrets> secrets_;
+};
 
 }  // namespace signin

@@ -13,14 +13,14 @@
 #include "orvane/orvane.h"
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/Server.h"
-#include "tools/signin/Inspector.h"
-#include "tools/signin/Interruption.h"
+#include "tools/signin/InspectClient.h"
 #include "tools/signin/ObservedSession.h"
 #include "tools/signin/Options.h"
 #include "tools/signin/Report.h"
 #include "tools/signin/Secrets.h"
 #include "tools/signin/SignIn.h"
 #include "tools/signin/Terminal.h"
+#include "tools/signin/onInterruption.h"
 
 namespace {
 
@@ -49,8 +49,8 @@ orvane::HostSessionConfiguration routeTo(const std::optional<Address>& address, 
   return configuration;
 }
 
-Outcome signIn(const Options& options, Report& report, std::FILE*& output) {
-  const bool hasPerson = inputIsTerminal() && !options.automatic;
+StepOutcome signIn(const Options& options, Report& report, std::FILE*& output) {
+  const bool hasPerson = Terminal::inputIsTerminal() && !options.automatic;
   const bool lacksAnswers = !hasPerson && !options.missing().empty();
   const auto refuseToGuess = [&](const std::string& why) {
     throw UsageError(std::string(options.missing()) + ": missing, and " + why);
@@ -58,10 +58,10 @@ Outcome signIn(const Options& options, Report& report, std::FILE*& output) {
   if (lacksAnswers && !options.embedsService() && options.service().empty())
     refuseToGuess("there is nobody to ask");
   onInterruption([&report] {
-    leaveTerminal();
-    report.end({Outcome::interrupted});
+    Terminal::leave();
+    report.end({StepOutcome::interrupted});
   });
-  if (options.takesOutput()) output = takeOutput(hasPerson);
+  if (options.takesOutput()) output = Terminal::takeOutput(hasPerson);
   if (options.json) report.open(output);
 
   std::optional<EmbeddedService> embedded;
@@ -72,12 +72,13 @@ Outcome signIn(const Options& options, Report& report, std::FILE*& output) {
   for (const auto& given : {options.mobile, options.clientId, options.captcha, options.code}) {
     if (given) secrets->add(*given);
   }
-  const auto session =
-      std::make_shared<ObservedSession>(routeTo(address, options), options.trace ? secrets : nullptr);
+  const auto configuration = routeTo(address, options);
+  const auto session = std::make_shared<ObservedSession>(
+      configuration, options.trace ? std::make_shared<const Trace>(configuration, secrets) : nullptr);
   orvane::installPlatform({.sharedSession = session});
   if (options.clientId) orvane::OrvaneManager::shareManager().setAppClientId(*options.clientId);
 
-  std::optional<Inspector> inspector;
+  std::optional<InspectClient> inspector;
   if (embedded || lacksAnswers) inspector.emplace(embedded ? address->authority() : options.service());
   if (lacksAnswers && !inspector->isThere())
     refuseToGuess("no development service answers at " + options.service());
@@ -91,11 +92,11 @@ Outcome signIn(const Options& options, Report& report, std::FILE*& output) {
       .run();
 }
 
-Outcome run(std::span<const char* const> arguments, Report& report, std::FILE*& output) {
+StepOutcome run(std::span<const char* const> arguments, Report& report, std::FILE*& output) {
   const Options options = parseOptions(arguments);
   if (!options.printed) return signIn(options, report, output);
-  print(*options.printed);
-  return Outcome::success;
+  Terminal::print(*options.printed);
+  return StepOutcome::success;
 }
 
 }  // namespace
@@ -106,22 +107,22 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
   static Report& report = *new Report;
   std::FILE* output = stdout;
-  const auto complainOf = [](Outcome outcome, const std::exception& error) {
-    complain(error.what());
+  const auto complainOf = [](StepOutcome outcome, const std::exception& error) {
+    Terminal::complain(error.what());
     report.end({.outcome = outcome, .message = error.what()});
     return outcome;
   };
-  Outcome outcome{};
+  StepOutcome outcome{};
   try {
     outcome = run(std::span(argv, static_cast<std::size_t>(argc)).subspan(1), report, output);
   } catch (const UsageError& error) {
-    outcome = complainOf(Outcome::usage, error);
+    outcome = complainOf(StepOutcome::usage, error);
   } catch (const std::exception& error) {
-    outcome = complainOf(Outcome::fault, error);
+    outcome = complainOf(StepOutcome::fault, error);
   }
   if (std::ferror(output)) {
-    complain("standard output could not be written");
-    outcome = Outcome::fault;
+    Terminal::complain("standard output could not be written");
+    outcome = StepOutcome::fault;
   }
   return static_cast<int>(outcome);
 }

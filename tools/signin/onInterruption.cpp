@@ -1,4 +1,4 @@
-#include "tools/signin/Interruption.h"
+#include "tools/signin/onInterruption.h"
 
 #include <csignal>
 #include <pthread.h>

@@ -1,22 +1,23 @@
 #pragma once
 
+#include "tools/devservice/HTTPReply.h"
+#include "tools/devservice/HTTPRequest.h"
 #include "tools/devservice/IdentityService.h"
-#include "tools/devservice/Message.h"
 #include "tools/devservice/RequestLog.h"
 
 namespace devservice {
 
 /// /inspect, for scripts on this machine: what is known of the numbers, waiting for a text message, and
 /// forgetting everything.
-class Inspector {
+class InspectEndpoint {
  public:
   /// Both have to outlive the inspector.
-  Inspector(IdentityService& service, RequestLog& log) : service_(service), log_(log) {}
+  InspectEndpoint(IdentityService& service, RequestLog& log) : service_(service), log_(log) {}
 
-  Reply answer(const Request& request);
+  HTTPReply answer(const HTTPRequest& request);
 
  private:
-  Reply inspect(const Request& request) const;
+  HTTPReply inspect(const HTTPRequest& request) const;
 
   IdentityService& service_;
   RequestLog& log_;

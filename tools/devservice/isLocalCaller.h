@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/devservice/Message.h"
+#include "tools/devservice/HTTPRequest.h"
 
 namespace devservice {
 
@@ -9,6 +9,6 @@ namespace devservice {
 /// itself. A site whose name leads here by a trick of its name server gives itself away by the host. What a
 /// browser sends for another site without an origin it sends with "Sec-Fetch-Site"; only following a link from
 /// there is harmless.
-bool isLocalCaller(const Request& request);
+bool isLocalCaller(const HTTPRequest& request);
 
 }  // namespace devservice

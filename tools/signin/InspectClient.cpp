@@ -1,4 +1,4 @@
-#include "tools/signin/Inspector.h"
+#include "tools/signin/InspectClient.h"
 
 #include <algorithm>
 #include <memory>
@@ -9,14 +9,14 @@
 
 namespace signin {
 
-Inspector::Inspector(std::string authority) : url_("http://" + std::move(authority) + "/inspect") {
+InspectClient::InspectClient(std::string authority) : url_("http://" + std::move(authority) + "/inspect") {
   orvane::HostSessionConfiguration configuration;
   configuration.totalTimeout = std::chrono::seconds(5);
   tool_.setSession(std::make_shared<orvane::HostSession>(configuration));
 }
 
 /// Returns what the service tells, by mobile number. Nothing if it is not a development service.
-std::optional<orvane::Map> Inspector::inspect() {
+std::optional<orvane::Map> InspectClient::inspect() {
   std::optional<orvane::Value> result;
   const auto take = [&result](std::optional<orvane::Value> told, const orvane::ErrorPtr&) {
     result = std::move(told);
@@ -30,7 +30,7 @@ std::optional<orvane::Map> Inspector::inspect() {
   return std::move(*numbers);
 }
 
-std::optional<std::string> Inspector::known(std::string_view fact, const std::string& mobile) {
+std::optional<std::string> InspectClient::known(std::string_view fact, const std::string& mobile) {
   const std::optional<orvane::Map> numbers = inspect();
   if (!numbers || !numbers->contains(mobile)) return std::nullopt;
   const orvane::Map& facts = *numbers->at(mobile).map();

@@ -1,15 +1,11 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <span>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace devservice {
 
-/// The "code" of a reply: zero or the reason of the refusal.
+/// The "code" of a reply: 0 for success, else the reason of the refusal.
 enum class Code : int {
   success = 0,
   malformedBody = 1001,
@@ -37,17 +33,7 @@ struct CodeDescription {
   std::string_view text;
 };
 
-/// Every code with the text that "msg" starts with.
+/// Returns every code with the text that "msg" starts with.
 std::span<const CodeDescription> codeTable();
-
-/// The members of a reply's JSON object.
-struct Envelope {
-  Code code = Code::success;
-  std::string msg;
-  std::optional<std::vector<std::uint8_t>> data;  ///< Sent as an array of numbers, or as null.
-};
-
-/// The refusal for that reason; the detail, if any, tells the developer which header or member it is about.
-Envelope refusal(Code reason, std::string_view detail = {});
 
 }  // namespace devservice

@@ -1,6 +1,4 @@
-#include "tools/devservice/Codes.h"
-
-#include <algorithm>
+#include "tools/devservice/Code.h"
 
 namespace devservice {
 namespace {
@@ -31,13 +29,6 @@ constexpr CodeDescription table[] = {
 
 std::span<const CodeDescription> codeTable() {
   return table;
-}
-
-Envelope refusal(Code reason, std::string_view detail) {
-  const auto* entry = std::ranges::find(table, reason, &CodeDescription::code);
-  std::string msg(entry->text);
-  if (!detail.empty()) msg.append(": ").append(detail);
-  return {reason, std::move(msg), std::nullopt};
 }
 
 }  // namespace devservice

@@ -1,4 +1,4 @@
-#include "tools/devservice/Glyphs.h"
+#include "tools/devservice/glyphStrokes.h"
 
 #include <array>
 

@@ -1,7 +1,7 @@
-# The page's files become a part of the program: PageFiles.cpp, in the build folder of who includes this.
+# The page's files become a part of the program: PageFile.cpp, in the build folder of who includes this.
 foreach(type html css js svg)
   set(file ${CMAKE_CURRENT_LIST_DIR}/page/page.${type})
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
   file(READ ${file} page_${type})
 endforeach()
-configure_file(${CMAKE_CURRENT_LIST_DIR}/PageFiles.cpp.in PageFiles.cpp @ONLY)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/PageFile.cpp.in PageFile.cpp @ONLY)

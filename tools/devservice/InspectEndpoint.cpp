@@ -1,12 +1,13 @@
-#include "tools/devservice/Inspector.h"
+#include "tools/devservice/InspectEndpoint.h"
 
 #include <algorithm>
 #include <charconv>
 #include <iterator>
 
 #include "tools/devservice/Json.h"
-#include "tools/devservice/LocalCaller.h"
 #include "tools/devservice/Target.h"
+#include "tools/devservice/isLocalCaller.h"
+#include "tools/devservice/makeReply.h"
 
 namespace devservice {
 namespace {
@@ -39,8 +40,8 @@ std::optional<std::uint64_t> numberIn(const Members& query, std::string_view nam
   return isNumber ? std::optional(number) : std::nullopt;
 }
 
-Reply jsonReply(const Json& json) {
-  Reply reply;
+HTTPReply jsonReply(const Json& json) {
+  HTTPReply reply;
   reply.body = dumped(json);
   reply.headers = {{"Cache-Control", "no-store"}, {"X-Content-Type-Options", "nosniff"}};
   return reply;
@@ -48,7 +49,7 @@ Reply jsonReply(const Json& json) {
 
 }  // namespace
 
-Reply Inspector::answer(const Request& request) {
+HTTPReply InspectEndpoint::answer(const HTTPRequest& request) {
   if (!isLocalCaller(request)) return makeRefusal(403, Code::notLocal);
   if (request.method == "GET") return inspect(request);
   if (request.method != "DELETE") return makeRefusal(405, Code::wrongMethod);
@@ -57,7 +58,7 @@ Reply Inspector::answer(const Request& request) {
   return makeReply({Code::success, "forgotten", {}});
 }
 
-Reply Inspector::inspect(const Request& request) const {
+HTTPReply InspectEndpoint::inspect(const HTTPRequest& request) const {
   constexpr std::string_view parameters[] = {"mobile", "wait", "after"};
   const Members query = queryMembers(request.query);
   for (const auto& [name, value] : query) {
@@ -79,7 +80,7 @@ Reply Inspector::inspect(const Request& request) const {
   const auto known = service_.inspect(mobile->second);
   if (query.size() == 1) return known ? jsonReply(entryOf(*known)) : makeRefusal(404, Code::unknownNumber);
   if (known && known->messageId.value_or(0) > *after) return jsonReply(entryOf(*known));
-  Reply none{.status = 204, .body = {}};
+  HTTPReply none{.status = 204, .body = {}};
   none.wait = std::chrono::milliseconds(*wait);
   return none;
 }

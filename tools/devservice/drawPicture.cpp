@@ -1,4 +1,4 @@
-#include "tools/devservice/Picture.h"
+#include "tools/devservice/drawPicture.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 #include <random>
 #include <stdexcept>
 
-#include "tools/devservice/Glyphs.h"
+#include "tools/devservice/glyphStrokes.h"
 
 namespace devservice {
 namespace {

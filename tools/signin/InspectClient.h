@@ -10,10 +10,10 @@ namespace signin {
 
 /// Asks a development service what it knows of a mobile number. Runs the host's main queue, so it is for the main
 /// thread alone.
-class Inspector {
+class InspectClient {
  public:
   /// `authority` is the service's HOST:PORT.
-  explicit Inspector(std::string authority);
+  explicit InspectClient(std::string authority);
 
   /// Returns true if a development service answers there.
   bool isThere() { return inspect().has_value(); }

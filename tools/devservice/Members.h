@@ -1,0 +1,12 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+namespace devservice {
+
+/// Texts by name: the members of a call's body, or the parameters of a query.
+using Members = std::map<std::string, std::string, std::less<>>;
+
+}  // namespace devservice

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "tools/devservice/HTTPReply.h"
+#include "tools/devservice/Json.h"
+
+namespace devservice {
+
+/// A reply that a fault may still change.
+struct ReplyDraft {
+  Json object;
+  std::optional<std::string> body = std::nullopt;  ///< Sent in place of the object, if set.
+  int status = 200;
+  TransportFault transport = TransportFault::none;
+};
+
+}  // namespace devservice

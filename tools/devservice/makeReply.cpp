@@ -1,0 +1,24 @@
+#include "tools/devservice/makeReply.h"
+
+#include "tools/devservice/Json.h"
+#include "tools/devservice/ReplyDraft.h"
+
+namespace devservice {
+
+HTTPReply makeReply(const ReplyBody& body, const Demand& demand) {
+  ReplyDraft draft{{{"code", static_cast<int>(body.code)}, {"msg", body.msg}, {"data", nullptr}}};
+  if (body.data) draft.object["data"] = *body.data;
+  if (demand.fault && demand.fault->spoil) demand.fault->spoil(draft);
+  return {.status = draft.status,
+          .body = draft.body ? *draft.body : dumped(draft.object),
+          .fault = draft.transport,
+          .delay = demand.delay};
+}
+
+HTTPReply makeRefusal(int status, Code reason, std::string_view detail) {
+  HTTPReply reply = makeReply(ReplyBody::refusal(reason, detail));
+  reply.status = status;
+  return reply;
+}
+
+}  // namespace devservice
