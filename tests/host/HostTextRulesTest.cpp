@@ -1,0 +1,40 @@
+#include <gtest/gtest.h>
+#include <vector>
+
+#include "adapters/host/HostTextRules.h"
+
+namespace orvane {
+namespace {
+
+TEST(HostTextRules, TellURLsFromOtherText) {
+  const HostTextRules rules;
+  for (const char* url :
+       {"", "http://h", "http://h:80/p?q#f", "http://h:/", "/p", "p?q", "http://[::1]:8080/",
+        "http://u:p@h:1/", "http://h/é中😀", "http://h/%20%aF", "mailto:a@b", "http://h/a:b[c]",
+        "http://h/?a=b?c", "http://", "http://h:065535/", "?", "#"}) {
+    EXPECT_TRUE(rules.isURL(url)) << url;
+  }
+  const std::vector<const char*> others[] = {
+      {"http://h/a b", "http://h\t", "http://h/\n", "http://h/\x7F", "http://h:8x/", "http://h:65536/",
+       "http://h:99999999999/", "http://[::1/", "http://::1]/", "http://[::1]x/", "http://a[b]/",
+       "http://h:-1/"},
+      {" http://h", "a\"b", "a<b", "a>b", "a\\b", "a^b", "a`b", "a{b", "a|b", "a}b", "%", "%2", "%2g", "%zz",
+       "a#b#c", "\xFF", "\xED\xA0\x80"},
+  };
+  for (const auto& group : others) {
+    for (const char* other : group) EXPECT_FALSE(rules.isURL(other)) << other;
+  }
+  EXPECT_FALSE(rules.isURL(std::string_view("a\0b", 3)));
+}
+
+TEST(HostTextRules, KnowLettersMarksAndNumbersOfAllScripts) {
+  const HostTextRules rules;
+  for (const char32_t c :
+       {U'é', U'中', U'ß', U'\u0301', U'\u0903', U'\u20DD', U'٣', U'Ⅷ', U'½', U'ǅ', U'ʰ', U'\U00010400'})
+    EXPECT_TRUE(rules.isAlphanumeric(c)) << static_cast<unsigned>(c);
+  for (const char32_t c : {U'€', U'–', U'。', U'\u00A0', U'😀', U'\u200B', U'\uE000', U'\U0010FFFF'})
+    EXPECT_FALSE(rules.isAlphanumeric(c)) << static_cast<unsigned>(c);
+}
+
+}  // namespace
+}  // namespace orvane

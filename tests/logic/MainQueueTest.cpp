@@ -1,0 +1,48 @@
+#include <chrono>
+#include <functional>
+#include <future>
+#include <gtest/gtest.h>
+#include <vector>
+
+#include "orvane/platform/MainQueue.h"
+#include "orvane/platform/PostingQueue.h"
+
+namespace orvane {
+namespace {
+
+TEST(MainQueue, RunsInOrderUntilStopped) {
+  MainQueue queue;
+  std::vector<int> ran;
+  queue.async([&] {
+    ran.push_back(1);
+    queue.async([&] { ran.push_back(3); });
+  });
+  queue.async([&] { ran.push_back(2); });
+  EXPECT_EQ(queue.runPending(), 2U);
+  EXPECT_FALSE(queue.run(std::chrono::milliseconds(0)));
+  queue.async([&] { queue.stop(); });
+  queue.async([&] { ran.push_back(4); });
+  queue.run();
+  EXPECT_EQ(ran, (std::vector<int>{1, 2, 3}));
+  queue.stop();
+  EXPECT_TRUE(queue.run(std::chrono::milliseconds::max()));
+  const std::function<void()> again = [&] { queue.async(again); };
+  again();
+  EXPECT_FALSE(queue.run(std::chrono::milliseconds(1)));
+  const auto other = std::async(std::launch::async, [&] { queue.async([&] { queue.stop(); }); });
+  queue.run();
+  EXPECT_EQ(ran, (std::vector<int>{1, 2, 3, 4}));
+}
+
+TEST(PostingQueue, HandsTasksToTheLoop) {
+  std::vector<Task> posted;
+  PostingQueue queue([&](Task task) { posted.push_back(std::move(task)); });
+  int ran = 0;
+  queue.async([&] { ++ran; });
+  EXPECT_EQ(ran, 0);
+  posted.at(0)();
+  EXPECT_EQ(ran, 1);
+}
+
+}  // namespace
+}  // namespace orvane
