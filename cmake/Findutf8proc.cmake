@@ -1,4 +1,4 @@
-# Finds utf8proc as utf8proc::utf8proc, by its own package file for CMake where it has one. Debian's has none.
+# Finds utf8proc as utf8proc::utf8proc. Uses its own package file for CMake if there is one; Debian has none.
 
 include(FindPackageHandleStandardArgs)
 

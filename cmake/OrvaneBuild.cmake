@@ -1,4 +1,4 @@
-# How every target of the project is compiled.
+# Says how every target of the project is compiled.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -10,13 +10,14 @@ if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
 endif()
 
-# The project's own sources see the repository as include root, its warnings, and hidden symbols by default.
+# Sets the repository as include root, turns on the warnings, and hides symbols by default.
 function(orvane_compile_options target)
   target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
-  target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections -Wall -Wextra -Wpedantic -Wconversion
-                         $<$<BOOL:${ORVANE_WERROR}>:-Werror>)
+  target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections
+    -Wall -Wextra -Wpedantic -Wconversion $<$<BOOL:${ORVANE_WERROR}>:-Werror>)
   set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
 
-# Most of the library waits for the network, and is better small; the files that work on text ask for more.
+# Most of the library waits for the network, so it is compiled for size. The files that work on text override
+# this.
 set(ORVANE_SIZE_OPTIONS $<$<CONFIG:Release>:-Os>)

@@ -1,4 +1,4 @@
-# What `cmake --install` puts where: three components, which are three Debian packages.
+# Says what `cmake --install` puts where. Each of the three components is a Debian package, too:
 #   runtime      the shared library
 #   development  the headers, the library to link, the files for CMake and pkg-config
 #   tools        the programs
@@ -18,14 +18,15 @@ install(EXPORT OrvaneTargets NAMESPACE Orvane:: DESTINATION ${package_dir} COMPO
 
 configure_package_config_file(cmake/OrvaneConfig.cmake.in ${PROJECT_BINARY_DIR}/OrvaneConfig.cmake
   INSTALL_DESTINATION ${package_dir} NO_SET_AND_CHECK_MACRO)
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/OrvaneConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/OrvaneConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/OrvaneConfig.cmake ${PROJECT_BINARY_DIR}/OrvaneConfigVersion.cmake
   DESTINATION ${package_dir} COMPONENT development)
 if(is_static)
   install(FILES cmake/Findutf8proc.cmake DESTINATION ${package_dir} COMPONENT development)
 endif()
 
-# Folders may be absolute; relative ones move with the file.
+# Absolute folders stay; relative ones are found from where the file is.
 set(requires "")
 set(threads "")
 if(is_static)
@@ -48,7 +49,7 @@ file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/$<CONFIG>/orvane.pc INPUT ${PROJECT_B
 install(FILES ${PROJECT_BINARY_DIR}/$<CONFIG>/orvane.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
-# The Debian packages have it as their copyright file.
+# The Debian packages install it as their copyright file instead.
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT license)
 
 if(ORVANE_BUILD_TOOLS)

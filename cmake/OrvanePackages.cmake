@@ -1,4 +1,4 @@
-# The Debian packages: one for each component that is installed.
+# Makes the Debian packages, one for each component that is installed.
 
 get_target_property(library_dir orvane BINARY_DIR)
 set(runtime_package liborvane${PROJECT_VERSION_MAJOR})
@@ -27,7 +27,8 @@ orvane (@PROJECT_VERSION@) unstable; urgency=medium
 
  -- @CPACK_PACKAGE_CONTACT@  @date@
 ]])
-execute_process(COMMAND gzip -9fn changelog WORKING_DIRECTORY ${PROJECT_BINARY_DIR} COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND gzip -9fn changelog WORKING_DIRECTORY ${PROJECT_BINARY_DIR}
+  COMMAND_ERROR_IS_FATAL ANY)
 
 # orvane_package(COMPONENT NAME SECTION SUMMARY TEXT)
 function(orvane_package component name section summary text)

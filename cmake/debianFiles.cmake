@@ -1,5 +1,5 @@
-# Run by CPack on the files of the Debian packages, before these are made: Debian compresses manual pages, and has a folder
-# of its own for the zsh completions of packages.
+# Run by CPack on the files of the Debian packages, before it makes them. Debian compresses manual pages, and
+# has another folder for the zsh completions of packages.
 
 set(files ${CPACK_TEMPORARY_DIRECTORY}/tools${CPACK_INSTALL_PREFIX}/share)
 file(GLOB pages ${files}/man/man1/*.1)
