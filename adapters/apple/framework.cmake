@@ -1,4 +1,4 @@
-# Orvane.framework: the classes for Objective-C and Swift, with the C++ interface's symbols beside them.
+# Orvane.framework: the classes for Objective-C and Swift, and the symbols of the C++ interface.
 
 find_library(FOUNDATION Foundation REQUIRED)
 target_link_libraries(orvane_apple PRIVATE ${FOUNDATION})
@@ -28,7 +28,8 @@ set_target_properties(orvane_apple PROPERTIES
   INSTALL_NAME_DIR @rpath)
 
 if(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
-  # Where versioned frameworks have their links; CMake makes the others.
+  # A versioned framework has links to its current version. CMake makes the others.
   add_custom_command(TARGET orvane_apple POST_BUILD
-    COMMAND ${CMAKE_COMMAND} -E create_symlink Versions/Current/Modules $<TARGET_BUNDLE_DIR:orvane_apple>/Modules)
+    COMMAND ${CMAKE_COMMAND} -E create_symlink
+      Versions/Current/Modules $<TARGET_BUNDLE_DIR:orvane_apple>/Modules)
 endif()
