@@ -7,14 +7,13 @@
 namespace orvane::test {
 namespace {
 
-std::string text(const std::optional<Bytes>& body) {
-  return body ? std::string(body->begin(), body->end()) : "no body";
-}
-
-std::string headerLines(const URLRequest& request) {
-  std::string lines;
-  for (const auto& [name, value] : request.headers()) lines += name + ": " + value + "\n";
-  return lines;
+/// A request as "METHOD URL [BODY] NAME=VALUE ...".
+std::string text(const std::optional<URLRequest>& request) {
+  if (!request) return "none";
+  std::string line = request->method() + " " + request->url();
+  if (const auto& body = request->body()) line += " [" + std::string(body->begin(), body->end()) + "]";
+  for (const auto& [name, value] : request->headers()) line += " " + name + "=" + value;
+  return line;
 }
 
 /// A tool on a session of the test's own, and what its last call came to.
@@ -37,8 +36,7 @@ class NetworkToolTest : public OnFakes {
     EXPECT_EQ(calls, 1);
     EXPECT_FALSE(result);
     ASSERT_TRUE(error);
-    EXPECT_EQ(error->domain, "com.brovent.error");
-    EXPECT_EQ(error->code, -1);
+    EXPECT_EQ(description(*error), "com.brovent.error (-1)");
     ASSERT_EQ(error->userInfo.size(), 1U);
     EXPECT_EQ(*error->userInfo.at("error").text(), message);
   }
@@ -50,8 +48,52 @@ class NetworkToolTest : public OnFakes {
   std::optional<Value> result;
   ErrorPtr error;
 };
-
 using NetworkToolDeathTest = NetworkToolTest;
+
+TEST_F(NetworkToolTest, BuildsRequestsByKind) {
+  struct Row {
+    HTTPMethod method;
+    const char* url;
+    std::optional<Parameters> parameters;
+    const char* request;
+  };
+  using enum HTTPMethod;
+  const Row rows[] = {
+      {GET, "http://h/p", std::nullopt, "GET http://h/p"},
+      {GET, "http://h/p", Parameters{}, "GET http://h/p?"},
+      {GET, "http://h/p?a=b", Parameters{{"k", "v"}, {"l", "w"}}, "GET http://h/p?a=b?k=v&l=w"},
+      {GET, "", Parameters{{"k", "v"}}, "none"},
+      {POST, "http://h/p", Parameters{{"k", "v x"}}, "POST http://h/p [k=v%20x]"},
+      {POST, "http://h/p", Parameters{}, "POST http://h/p []"},
+      {POST, "http://h/p", std::nullopt, "none"},
+      {JSON_POST, "http://h/p", std::nullopt, "POST http://h/p"},
+      {JSON_POST, "http://h/p", Parameters{}, "POST http://h/p"},
+      {JSON_POST, "http://h/p", Parameters{{"k", Array{1, 2.5, "\"", nullptr, true}}},
+       R"(POST http://h/p [{"k":[1,2.5,"\"",null,true]}])"}};
+  for (const auto& [method, url, parameters, request] : rows)
+    EXPECT_EQ(text(tool.request(method, url, parameters)), request);
+}
+
+TEST_F(NetworkToolTest, StoresTheLastHeaderSetThatIsNotEmpty) {
+  const std::pair<Headers, const char*> steps[] = {
+      {{{"A", "1"}, {"B", "2"}}, "GET u A=1 B=2"}, {{{"C", ""}}, "GET u C="}, {{}, "GET u C="}};
+  for (const auto& [headers, request] : steps) {
+    tool.addHeader(headers);
+    EXPECT_EQ(text(tool.request(HTTPMethod::GET, "u", std::nullopt)), request);
+  }
+  EXPECT_EQ(text(tool.request(HTTPMethod::POST, "", std::nullopt)), "none");
+}
+
+TEST_F(NetworkToolTest, EncodesTheValuesOfAQueryAndLeavesItsKeys) {
+  EXPECT_EQ(tool.queryString(std::nullopt), std::nullopt);
+  const std::pair<Parameters, std::string> rows[] = {{{}, ""},
+                                                     {{{"a key&", ""}}, "a key&="},
+                                                     {{{"a", "azAZ09"}, {"b", "-._~ &=+%/\"\x7F\x01"}},
+                                                      "a=azAZ09&b=%2D%2E%5F%7E%20%26%3D%2B%25%2F%22%7F%01"},
+                                                     {{{"k", "中a文 😀€"}}, "k=中a文%20%F0%9F%98%80%E2%82%AC"},
+                                                     {{{"k", std::string_view("\0", 1)}}, "k=%00"}};
+  for (const auto& [parameters, query] : rows) EXPECT_EQ(tool.queryString(parameters), query);
+}
 
 TEST_F(NetworkToolTest, ReportsARequestThatCannotBeBuiltBeforeItReturns) {
   start("");
@@ -61,17 +103,17 @@ TEST_F(NetworkToolTest, ReportsARequestThatCannotBeBuiltBeforeItReturns) {
 }
 
 TEST_F(NetworkToolTest, HandsOnTheSessionsOwnErrorOnItsQueue) {
-  const auto own = std::make_shared<const Error>(Error{"any", -7, {}});
+  const DataTaskResult failure = failed({"any", -7, {}});
   start();
-  session->answer({std::nullopt, std::nullopt, own});
+  session->answer(failure);
   EXPECT_EQ(calls, 1);
-  EXPECT_EQ(error, own);
+  EXPECT_EQ(error, failure.error);
   EXPECT_FALSE(result);
   EXPECT_EQ(thread, session->threadId());
   EXPECT_EQ(fakeMainQueue().run(), 0U);
 }
 
-TEST_F(NetworkToolTest, ReportsWhatIsNoJSONOnTheSessionsQueue) {
+TEST_F(NetworkToolTest, ReportsAReplyThatIsNotJSONOnTheSessionsQueue) {
   for (const char* body : {"", "plain text", "7", "\"a\"", "null", "true", "[1,]"}) {
     start();
     session->answer(body);
@@ -83,7 +125,9 @@ TEST_F(NetworkToolTest, ReportsWhatIsNoJSONOnTheSessionsQueue) {
 TEST_F(NetworkToolTest, HandsOverTheDecodedReplyOnTheMainQueue) {
   for (const char* body : {"{}", "[]"}) {
     start();
-    session->answer({Bytes(body, body + 2), HTTPResponse{500}, nullptr});
+    DataTaskResult reply = replied(body);
+    reply.response->statusCode = 500;
+    session->answer(reply);
     EXPECT_EQ(calls, 0);
     EXPECT_EQ(fakeMainQueue().run(), 1U);
     EXPECT_EQ(calls, 1);
@@ -110,27 +154,25 @@ TEST_F(NetworkToolTest, KeepsTheCompletionAndNothingOfTheTool) {
 }
 
 TEST_F(NetworkToolTest, GoesThroughItsOverridableOperations) {
-  struct Tool : NetworkTool {
-    std::optional<URLRequest> request(HTTPMethod, std::string_view,
-                                      const std::optional<Parameters>&) override {
-      return URLRequest("http://own/");
-    }
+  struct : NetworkTool {
+    std::optional<std::string> queryString(const std::optional<Parameters>&) override { return "own"; }
     std::shared_ptr<URLSession> session() override { return own; }
     std::shared_ptr<FakeSession> own = std::make_shared<FakeSession>();
   } overriding;
-  overriding.requestJSON(HTTPMethod::POST, "", std::nullopt, nullptr);
-  ASSERT_EQ(overriding.own->requests.size(), 1U);
-  EXPECT_EQ(overriding.own->requests[0].url(), "http://own/");
-  overriding.own->answer("");  // Nobody listens, and that is no fault.
+  overriding.requestJSON(HTTPMethod::GET, "http://h/", std::nullopt, nullptr);
+  overriding.requestJSON(HTTPMethod::POST, "http://h/", std::nullopt, nullptr);
+  ASSERT_EQ(overriding.own->requests.size(), 2U);
+  EXPECT_EQ(text(overriding.own->requests[0]), "GET http://h/?own");
+  EXPECT_EQ(text(overriding.own->requests[1]), "POST http://h/ [own]");
+  overriding.own->answer("");  // The completion is empty.
   overriding.cancleAllNetwork();
   EXPECT_EQ(overriding.own->cancellations, 1);
 }
 
-TEST_F(NetworkToolTest, MakesItsSessionOnFirstUseAndOnce) {
+TEST_F(NetworkToolTest, UsesThePlatformsSessionUntilItHasAnother) {
   NetworkTool fresh;
   fresh.cancleAllNetwork();
   EXPECT_EQ(fakeSession().cancellations, 1);
-  EXPECT_EQ(fresh.session().get(), &fakeSession());
   fresh.setSession(nullptr);
   EXPECT_EQ(fresh.session(), nullptr);
   fresh.cancleAllNetwork();
@@ -153,106 +195,18 @@ TEST_F(NetworkToolTest, RacingCallsExchangeWholeHeaderSets) {
   for (std::thread& thread : threads) thread.join();
 }
 
-TEST_F(NetworkToolTest, ManagerForwardsToOneTool) {
+TEST_F(NetworkToolTest, TheSharedManagerForwardsToOneTool) {
   NetworkManager& manager = NetworkManager::sharedManager();
-  EXPECT_EQ(&manager, &NetworkManager::sharedManager());
-  FakeSession& shared = fakeSession();
   manager.addHeaders({{"A", "1"}});
-  manager.addHeaders({});
-  manager.requestJSON(HTTPMethod::GET, "http://h/", std::nullopt, nullptr);
-  EXPECT_EQ(*shared.requests.back().value("A"), "1");
-  shared.answer("");
-  manager.cancleAllNetwork();
-  EXPECT_EQ(shared.cancellations, 1);
-  manager.requestJSON(HTTPMethod::GET, "", std::nullopt, [this](const auto&...) { ++calls; });
+  manager.requestJSON(HTTPMethod::GET, "http://h/", std::nullopt, [this](const auto&...) { ++calls; });
+  EXPECT_EQ(text(fakeSession().requests.back()), "GET http://h/ A=1");
+  fakeSession().answer("");
   EXPECT_EQ(calls, 1);
-}
-
-TEST_F(NetworkToolTest, StopsWithoutSessionOrReply) {
-  testing::GTEST_FLAG(death_test_style) = "threadsafe";
-  start();
-  EXPECT_DEATH(session->answer(DataTaskResult{}), "reported neither a body nor an error\n");
-  session->answer("");
-  tool.setSession(nullptr);
-  EXPECT_DEATH(start(), "orvane: requestJSON: the tool has no session\n");
-  EXPECT_DEATH(installPlatform({}), "installPlatform: the platform is in use already\n");
-}
-
-TEST_F(NetworkToolTest, IsBuiltByKind) {
-  struct Row {
-    HTTPMethod method;
-    const char* url;
-    std::optional<Parameters> parameters;
-    const char* expectedURL;
-    const char* expectedMethod;
-    const char* expectedBody;
-  };
-  using enum HTTPMethod;
-  const std::vector<Row> rows = {
-      {GET, "http://h/p", std::nullopt, "http://h/p", "GET", "no body"},
-      {GET, "http://h/p", Parameters{}, "http://h/p?", "GET", "no body"},
-      {GET, "http://h/p?a=b", Parameters{{"k", "v"}, {"l", "w"}}, "http://h/p?a=b?k=v&l=w", "GET", "no body"},
-      {POST, "http://h/p", Parameters{{"k", "v x"}}, "http://h/p", "POST", "k=v%20x"},
-      {POST, "http://h/p", Parameters{}, "http://h/p", "POST", ""},
-      {JSON_POST, "http://h/p", std::nullopt, "http://h/p", "POST", "no body"},
-      {JSON_POST, "http://h/p", Parameters{}, "http://h/p", "POST", "no body"},
-      {JSON_POST, "http://h/p", Parameters{{"k", Array{1, 2.5, "\"", nullptr, true}}}, "http://h/p", "POST",
-       R"({"k":[1,2.5,"\"",null,true]})"}};
-  NetworkTool tool;
-  for (const Row& row : rows) {
-    const std::optional<URLRequest> request = tool.request(row.method, row.url, row.parameters);
-    ASSERT_TRUE(request);
-    EXPECT_EQ(request->url(), row.expectedURL);
-    EXPECT_EQ(request->method(), row.expectedMethod);
-    EXPECT_EQ(text(request->body()), row.expectedBody);
-    EXPECT_EQ(headerLines(*request), "");
-  }
-}
-
-TEST_F(NetworkToolTest, IsAbsentWithoutURLOrPostParameters) {
-  NetworkTool tool;
-  EXPECT_FALSE(tool.request(HTTPMethod::POST, "http://h/", std::nullopt));
-  tool.addHeader({{"A", "1"}});
-  for (const HTTPMethod method : {HTTPMethod::GET, HTTPMethod::POST, HTTPMethod::JSON_POST})
-    EXPECT_FALSE(tool.request(method, "", Parameters{{"k", "v"}}));
-}
-
-TEST_F(NetworkToolTest, CarriesTheLastHeaderSetThatHeldAnything) {
-  NetworkTool tool;
-  const auto headers = [&tool] {
-    return headerLines(*tool.request(HTTPMethod::GET, "http://h/", std::nullopt));
-  };
-  tool.addHeader({{"A", "1"}, {"B", "2"}});
-  EXPECT_EQ(headers(), "A: 1\nB: 2\n");
-  tool.addHeader({{"C", ""}});
-  EXPECT_EQ(headers(), "C: \n");
-  tool.addHeader({});
-  EXPECT_EQ(headers(), "C: \n");
-}
-
-TEST_F(NetworkToolTest, EncodesValuesAndLeavesKeys) {
-  NetworkTool tool;
-  EXPECT_EQ(tool.queryString(std::nullopt), std::nullopt);
-  const std::vector<std::pair<Parameters, std::string>> rows = {
-      {{}, ""},
-      {{{"a key&", ""}}, "a key&="},
-      {{{"a", "azAZ09"}, {"b", "-._~ &=+%/\"\x7F\x01"}},
-       "a=azAZ09&b=%2D%2E%5F%7E%20%26%3D%2B%25%2F%22%7F%01"},
-      {{{"k", "中a文 😀€"}}, "k=中a文%20%F0%9F%98%80%E2%82%AC"},
-      {{{"k", std::string_view("\0", 1)}}, "k=%00"}};
-  for (const auto& [parameters, expected] : rows) EXPECT_EQ(tool.queryString(parameters), expected);
-}
-
-TEST_F(NetworkToolTest, GoesThroughAnOverriddenQueryString) {
-  struct Tool : NetworkTool {
-    std::optional<std::string> queryString(const std::optional<Parameters>&) override { return "own"; }
-  } tool;
-  EXPECT_EQ(tool.request(HTTPMethod::GET, "http://h/", std::nullopt)->url(), "http://h/?own");
-  EXPECT_EQ(text(tool.request(HTTPMethod::POST, "http://h/", std::nullopt)->body()), "own");
+  manager.cancleAllNetwork();
+  EXPECT_EQ(fakeSession().cancellations, 1);
 }
 
 TEST_F(NetworkToolDeathTest, StopsOnProgrammingErrors) {
-  NetworkTool tool;
   using enum HTTPMethod;
   const Parameters noText = {{"k", 7}};
   const Parameters noUTF8 = {{"k", "\xFF"}};
@@ -266,8 +220,17 @@ TEST_F(NetworkToolDeathTest, StopsOnProgrammingErrors) {
   EXPECT_DEATH(tool.request(JSON_POST, "http://h/", noNumber), "cannot be represented in JSON");
   EXPECT_DEATH(tool.request(GET, "http://h/", noText), "value is not a text");
   EXPECT_DEATH(tool.queryString(noUTF8), "value is not UTF-8");
+  start();
+  EXPECT_DEATH(session->answer(DataTaskResult{}), "reported neither a body nor an error\n");
   tool.addHeader({{"A", "1"}});
   EXPECT_DEATH(tool.request(POST, "http://h/", std::nullopt), "POST without parameters");
+  tool.setSession(nullptr);
+  EXPECT_DEATH(start(), "orvane: requestJSON: the tool has no session\n");
+}
+
+TEST(PlatformDeathTest, StopsIfOneIsInstalledAfterFirstUse) {
+  platform();
+  EXPECT_DEATH(installPlatform({}), "installPlatform: the platform is in use already\n");
 }
 
 TEST(DispatchQueue, AGroupNotifiesAfterItsTask) {

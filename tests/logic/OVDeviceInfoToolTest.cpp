@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 
@@ -10,37 +11,38 @@ namespace {
 
 class OVDeviceInfoToolTest : public OnFakes {
  protected:
-  TestReadings::Facts& facts = fakeReadings().facts;
+  TestReadings::Facts& facts = fakeFacts();
 };
 
 TEST_F(OVDeviceInfoToolTest, MachineIdentifiersNameModels) {
-  // One row for each model, as "first..last" numbers after a family's prefix.
+  // The identifiers of a model are a prefix and each number from `first` to `last`.
   struct Row {
     const char* prefix;
     int first;
     int last;
     const char* name;
   };
-  const std::vector<Row> rows = {{"iPhone3,", 1, 3, "iPhone4"},      {"iPhone4,", 1, 3, "iPhone4S"},
-                                 {"iPhone5,", 1, 2, "iPhone5"},      {"iPhone5,", 3, 4, "iPhone5C"},
-                                 {"iPhone6,", 1, 2, "iPhone5S"},     {"iPhone7,", 2, 2, "iPhone6"},
-                                 {"iPhone7,", 1, 1, "iPhone6Plus"},  {"iPhone8,", 1, 1, "iPhone6S"},
-                                 {"iPhone8,", 2, 2, "iPhone6SPlus"}, {"iPad1,", 1, 1, "iPad1"},
-                                 {"iPad2,", 1, 4, "iPad2"},          {"iPad2,", 5, 7, "iPadMini"},
-                                 {"iPad3,", 1, 3, "iPad3"},          {"iPad3,", 4, 6, "iPad4"},
-                                 {"iPad4,", 1, 3, "iPadAir"},        {"iPad4,", 4, 6, "iPadMini2"},
-                                 {"iPad4,", 7, 9, "iPadMini3"},      {"iPad5,", 3, 4, "iPadAir2"},
-                                 {"iPad5,", 1, 2, "iPadMini4"},      {"iPad6,", 8, 8, "iPadPro"},
-                                 {"iPod1,", 1, 1, "iPodTouch1Gen"},  {"iPod2,", 1, 1, "iPodTouch2Gen"},
-                                 {"iPod3,", 1, 1, "iPodTouch3Gen"},  {"iPod4,", 1, 1, "iPodTouch4Gen"},
-                                 {"iPod5,", 1, 1, "iPodTouch5Gen"},  {"iPod7,", 1, 1, "iPodTouch6Gen"},
-                                 {"i38", 6, 6, "Simulator"},         {"x86_6", 4, 4, "Simulator"}};
-  std::size_t known = 0;
+  const Row rows[] = {{"iPhone3,", 1, 3, "iPhone4"},      {"iPhone4,", 1, 3, "iPhone4S"},
+                      {"iPhone5,", 1, 2, "iPhone5"},      {"iPhone5,", 3, 4, "iPhone5C"},
+                      {"iPhone6,", 1, 2, "iPhone5S"},     {"iPhone7,", 2, 2, "iPhone6"},
+                      {"iPhone7,", 1, 1, "iPhone6Plus"},  {"iPhone8,", 1, 1, "iPhone6S"},
+                      {"iPhone8,", 2, 2, "iPhone6SPlus"}, {"iPad1,", 1, 1, "iPad1"},
+                      {"iPad2,", 1, 4, "iPad2"},          {"iPad2,", 5, 7, "iPadMini"},
+                      {"iPad3,", 1, 3, "iPad3"},          {"iPad3,", 4, 6, "iPad4"},
+                      {"iPad4,", 1, 3, "iPadAir"},        {"iPad4,", 4, 6, "iPadMini2"},
+                      {"iPad4,", 7, 9, "iPadMini3"},      {"iPad5,", 3, 4, "iPadAir2"},
+                      {"iPad5,", 1, 2, "iPadMini4"},      {"iPad6,", 8, 8, "iPadPro"},
+                      {"iPod1,", 1, 1, "iPodTouch1Gen"},  {"iPod2,", 1, 1, "iPodTouch2Gen"},
+                      {"iPod3,", 1, 1, "iPodTouch3Gen"},  {"iPod4,", 1, 1, "iPodTouch4Gen"},
+                      {"iPod5,", 1, 1, "iPodTouch5Gen"},  {"iPod7,", 1, 1, "iPodTouch6Gen"},
+                      {"i38", 6, 6, "Simulator"},         {"x86_6", 4, 4, "Simulator"}};
+  int identifiers = 0;
   for (const auto& [prefix, first, last, name] : rows) {
-    for (int number = first; number <= last; ++number, ++known)
+    EXPECT_EQ(rawValue(*fromRawValue<DeviceName>(name)), name);
+    for (int number = first; number <= last; ++number, ++identifiers)
       EXPECT_EQ(rawValue(deviceNameForMachine(prefix + std::to_string(number))), name) << prefix << number;
   }
-  EXPECT_EQ(known, 52U);
+  EXPECT_EQ(identifiers, 52);
   for (const char* other :
        {"", "iPad6,7", "iPad6,3", "iPhone8,4", "iPhone9,1", "iPod6,1", "iPhone3,4", "iPad5,5", "iphone8,1",
         "iPhone8,1 ", "iPhone8", "iPhone8,12", "X86_64", "aarch64"}) {
@@ -50,11 +52,13 @@ TEST_F(OVDeviceInfoToolTest, MachineIdentifiersNameModels) {
 
 TEST_F(OVDeviceInfoToolTest, ReadsTheMachineFieldUpToItsPadding) {
   using namespace std::string_literals;
-  facts.machine = "iPad6,8" + std::string(249, '\0');
-  EXPECT_EQ(OVDeviceInfoTool::getDeviceName(), DeviceName::iPadPro);
-  for (const char* other : {"", "iPad6,8\x7F"}) {
-    facts.machine = other;
-    EXPECT_EQ(OVDeviceInfoTool::getDeviceName(), DeviceName::Unknown);
+  const std::pair<std::string, DeviceName> rows[] = {
+      {"iPad6,8" + std::string(249, '\0'), DeviceName::iPadPro},
+      {"", DeviceName::Unknown},
+      {"iPad6,8\x7F", DeviceName::Unknown}};
+  for (const auto& [machine, name] : rows) {
+    facts.machine = machine;
+    EXPECT_EQ(OVDeviceInfoTool::getDeviceName(), name);
   }
   for (const std::string& foreign : {"iPad6,8\0\xFF"s, "\x80"s}) {
     facts.machine = foreign;
@@ -86,23 +90,20 @@ TEST_F(OVDeviceInfoToolTest, ClassifiesScreens) {
     ScreenSize size;
   };
   const double nan = std::nan("");
-  const std::vector<Row> rows = {
+  const Row rows[] = {
       {320, 480, 2, Screen3_5Inch},    {480, 320, 1, Screen3_5Inch},   {480, 480, 2, Screen3_5Inch},
       {320, 568, 2, Screen3_5Inch},    {375, 667, 2, Screen4_7Inch},   {375, 667, 3, Screen5_5Inch},
       {667, 375, 2.9, Screen4_7Inch},  {375, 667, nan, Screen4_7Inch}, {414, 736, 3, Screen5_5Inch},
       {736, 414, 1, Screen5_5Inch},    {768, 1024, 2, UnknownSize},    {375, 667.5, 3, UnknownSize},
       {414, 736.0001, 3, UnknownSize}, {0, 0, 1, UnknownSize},         {320, nan, 2, UnknownSize}};
   for (const auto& [width, height, scale, size] : rows) {
-    facts.bounds = {width, height};
-    facts.scale = scale;
-    facts.scaleReads = 0;
+    facts = {.bounds = {width, height}, .scale = scale};
     EXPECT_EQ(OVDeviceInfoTool().screenSize(), size) << width << " x " << height << " at " << scale;
     EXPECT_EQ(facts.scaleReads, std::max(width, height) == 667 ? 1 : 0);
   }
-  EXPECT_EQ(hashValue(Screen5_5Inch), 4U);
 }
 
-TEST_F(OVDeviceInfoToolTest, VersionRecords) {
+TEST(OrvaneVersion, IsThatOfTheInterface) {
   EXPECT_EQ(OrvaneVersionNumber, 1.0);
   EXPECT_STREQ(reinterpret_cast<const char*>(OrvaneVersionString), "@(#)PROGRAM:Orvane  PROJECT:Orvane-1\n");
 }

@@ -1,5 +1,6 @@
-// What the library prints by itself, stops and the picture call's trace, holds nothing of what it was given.
+// What the library prints by itself, the line of a stop and the picture call's trace, holds nothing of what it was given.
 
+#include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -10,57 +11,66 @@
 namespace orvane::test {
 namespace {
 
-// Mobile number, code, identifier and piece of a reply in one; nothing else that is printed has this digit.
+// Mobile number, code, identifier and piece of a reply in one. No text of the library has this digit.
 const std::string secret = "99999999999";
 
-void expectDiscreet(bool prints, const std::function<void()>& path) {
-  const auto run = [&path] {
-    std::fflush(stdout);
-    dup2(STDERR_FILENO, STDOUT_FILENO);
-    path();
-    std::exit(0);
-  };
-  const auto ends = [](int) { return true; };
-  EXPECT_EXIT(run(), ends, prints ? "^orvane: [^9\n]*\n$" : "^$");
-}
-
-void call(char which) {
-  OrvaneManager manager;
-  manager.setAppClientId(secret);
-  if (which == 'p') manager.requestPictureCode(secret, nullptr);
-  if (which == 'c') manager.requestCode(secret, secret, nullptr);
-  if (which == 'l') manager.requestLogin(secret, secret, nullptr);
-}
-
-TEST(PrivacyDeathTest, NothingPrintedHoldsWhatTheLibraryWasGiven) {
-  testing::GTEST_FLAG(death_test_style) = "threadsafe";
-  // Replies, the secret being at each S, and the calls of which each makes the library print.
-  const std::pair<std::string, std::string> rows[] = {{"S", "pl"},
-                                                      {"[S]", "pcl"},
-                                                      {R"({"S":"S"})", "pcl"},
-                                                      {R"({"code":"S","msg":"S"})", "pcl"},
-                                                      {R"({"code":S,"msg":["S"]})", "pcl"},
-                                                      {R"({"code":S,"msg":"S"})", ""},
-                                                      {R"({"code":0,"msg":"S","data":"S"})", "p"},
-                                                      {R"({"code":0,"msg":"S","data":[7,"S"]})", "p"},
-                                                      {R"({"code":0,"msg":"S","data":[S]})", "p"}};
-  std::vector<std::pair<DataTaskResult, std::string>> results = {{{}, "pcl"}};
-  for (auto [text, printing] : rows) {
-    while (text.find('S') != text.npos) text.replace(text.find('S'), 1, secret);
-    results.push_back({{Bytes(text.begin(), text.end()), HTTPResponse{200}, nullptr}, printing});
+class PrivacyDeathTest : public OnFakes {
+ protected:
+  /// Expects that `path` prints exactly one line, without the secret, or with `prints` false none.
+  static void expectDiscreet(const std::function<void()>& path, bool prints = true) {
+    const auto run = [&path] {
+      std::fflush(stdout);
+      dup2(STDERR_FILENO, STDOUT_FILENO);
+      path();
+      std::exit(0);
+    };
+    EXPECT_EXIT(
+        run(), [](int) { return true; }, prints ? "^orvane: [^9\n]*\n$" : "^$");
   }
-  const Error error = {"NSURLErrorDomain", -1004, {{"NSErrorFailingURLStringKey", secret}}};
-  results.push_back({{std::nullopt, std::nullopt, std::make_shared<const Error>(error)}, "pl"});
-  for (const auto& [result, printing] : results) {
-    for (const char which : {'p', 'c', 'l'}) {
-      expectDiscreet(printing.find(which) != printing.npos, [which, &result = result] {
-        call(which);
-        fakeSession().answer(result);
-        fakeMainQueue().run();
-      });
+};
+
+TEST_F(PrivacyDeathTest, RepliesAreNotPrinted) {
+  using Call = void (*)(OrvaneManager&);
+  const Call picture = [](OrvaneManager& manager) { manager.requestPictureCode(secret, nullptr); };
+  const Call code = [](OrvaneManager& manager) { manager.requestCode(secret, secret, nullptr); };
+  const Call login = [](OrvaneManager& manager) { manager.requestLogin(secret, secret, nullptr); };
+  struct Row {
+    std::vector<Call> printing;
+    DataTaskResult result;
+  };
+  std::vector<Row> rows = {
+      {{picture, code, login}, {}},
+      {{picture, login}, failed({"NSURLErrorDomain", -1004, {{"NSErrorFailingURLStringKey", secret}}})}};
+  // The secret stands in the place of each S.
+  const std::pair<std::vector<Call>, std::vector<std::string>> replies[] = {
+      {{picture, code, login},
+       {"[S]", R"({"S":"S"})", R"({"code":"S","msg":"S"})", R"({"code":S,"msg":["S"]})"}},
+      {{picture, login}, {"S"}},
+      {{picture},
+       {R"({"code":0,"msg":"S","data":"S"})", R"({"code":0,"msg":"S","data":[7,"S"]})",
+        R"({"code":0,"msg":"S","data":[S]})"}},
+      {{}, {R"({"code":S,"msg":"S"})"}}};
+  for (const auto& [printing, texts] : replies) {
+    for (std::string text : texts) {
+      while (text.find('S') != text.npos) text.replace(text.find('S'), 1, secret);
+      rows.push_back({printing, replied(text)});
     }
   }
+  for (const auto& [printing, result] : rows) {
+    for (const Call call : {picture, code, login}) {
+      const auto answered = [call, &result = result] {
+        OrvaneManager manager;
+        manager.setAppClientId(secret);
+        call(manager);
+        fakeSession().answer(result);
+        fakeMainQueue().run();
+      };
+      expectDiscreet(answered, std::ranges::count(printing, call) > 0);
+    }
+  }
+}
 
+TEST_F(PrivacyDeathTest, ArgumentsAreNotPrinted) {
   using enum HTTPMethod;
   NetworkTool tool;
   const Parameters noText = {{secret, 1}};
@@ -73,10 +83,10 @@ TEST(PrivacyDeathTest, NothingPrintedHoldsWhatTheLibraryWasGiven) {
       [&] { tool.queryString(noUTF8); },
       [&] { tool.addHeader(headers), tool.request(POST, secret, std::nullopt); },
       [&] { tool.setSession(nullptr), tool.requestJSON(GET, secret, std::nullopt, nullptr); },
-      [] { fakeReadings().facts.machine = secret + "\xFF", OVDeviceInfoTool::getDeviceName(); },
+      [] { fakeFacts().machine = secret + "\xFF", OVDeviceInfoTool::getDeviceName(); },
       OVDeviceInfoTool::getMEIDCode,
       [] { platform(), installPlatform({}); }};
-  for (const auto& stop : stops) expectDiscreet(true, stop);
+  for (const auto& stop : stops) expectDiscreet(stop);
 }
 
 }  // namespace

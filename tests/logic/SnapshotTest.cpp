@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <thread>
+#include <vector>
 
 #include "orvane/base/Snapshot.h"
 
@@ -32,6 +33,30 @@ TEST(Snapshot, ReadersSeeWholeValuesAndNothingLeaks) {
   replaced = *snapshot.load();
   snapshot.store(first);
   EXPECT_TRUE(replaced.expired());
+}
+
+/// Replaces itself twice in `snapshot`, if there is one, while it is read.
+struct ReplacedByReader {
+  ReplacedByReader(std::shared_ptr<int> kept, Snapshot<ReplacedByReader>* snapshot)
+      : kept(std::move(kept)), snapshot(snapshot) {}
+  ReplacedByReader(ReplacedByReader&&) = default;
+  ReplacedByReader(const ReplacedByReader& other) : kept(other.kept) {
+    for (int i = 0; other.snapshot && i < 2; ++i) other.snapshot->store({kept, nullptr});
+  }
+
+  std::shared_ptr<int> kept;
+  Snapshot<ReplacedByReader>* snapshot = nullptr;
+};
+
+TEST(Snapshot, ReleasesWhatWasReplacedDuringARead) {
+  const auto kept = std::make_shared<int>();
+  {
+    Snapshot<ReplacedByReader> snapshot;
+    snapshot.store({kept, &snapshot});
+    EXPECT_EQ(snapshot.load()->kept.use_count(),
+              5);  // The current value, two replaced ones, a copy, and this test's.
+  }
+  EXPECT_EQ(kept.use_count(), 1);
 }
 
 }  // namespace

@@ -1,31 +1,30 @@
 #include <gtest/gtest.h>
 
 #include "orvane/device/DeviceName.h"
+#include "orvane/device/ScreenSize.h"
 #include "orvane/network/HTTPMethod.h"
 
 namespace orvane::test {
 namespace {
 
-TEST(HTTPMethod, HasTextRawValues) {
-  using enum HTTPMethod;
-  for (const auto& [method, name] : {std::pair(GET, "GET"), {POST, "POST"}, {JSON_POST, "JSON_POST"}}) {
-    EXPECT_EQ(rawValue(method), name);
-    EXPECT_EQ(fromRawValue<HTTPMethod>(name), method);
-  }
-  for (const char* other : {"post", "PUT", "", "GET "})
-    EXPECT_EQ(fromRawValue<HTTPMethod>(other), std::nullopt);
-  EXPECT_EQ(hashValue(GET), 0U);
-  EXPECT_EQ(hashValue(JSON_POST), 2U);
+/// The case's raw value and position; "none" where the text is not a raw value.
+template <class E>
+std::string found(std::string_view text) {
+  const std::optional<E> value = fromRawValue<E>(text);
+  return value ? std::string(rawValue(*value)) + " " + std::to_string(hashValue(*value)) : "none";
 }
 
-TEST(DeviceName, NamesAndNumbersOfModels) {
-  EXPECT_EQ(hashValue(DeviceName::iPadMini), 11U);
-  EXPECT_EQ(hashValue(DeviceName::iPadMini2), 15U);
-  EXPECT_EQ(hashValue(DeviceName::Unknown), 27U);
+TEST(RawValue, IsTheCasesName) {
+  EXPECT_EQ(rawValue(HTTPMethod::GET), "GET");
+  EXPECT_EQ(rawValue(HTTPMethod::POST), "POST");
+  EXPECT_EQ(found<HTTPMethod>("JSON_POST"), "JSON_POST 2");
+  EXPECT_EQ(found<DeviceName>("iPadMini"), "iPadMini 11");
+  EXPECT_EQ(found<DeviceName>("iPadMini2"), "iPadMini2 15");
+  EXPECT_EQ(found<DeviceName>("Unknown"), "Unknown 27");
   EXPECT_EQ(rawValue(DeviceName::Unknown), "Unknown");
-  for (const std::string_view name : deviceNames) EXPECT_EQ(rawValue(*fromRawValue<DeviceName>(name)), name);
-  for (const char* other : {"", "ipadmini2", "iPhone", "Unknown "})
-    EXPECT_FALSE(fromRawValue<DeviceName>(other));
+  EXPECT_EQ(hashValue(ScreenSize::Screen5_5Inch), 4U);
+  for (const char* other : {"post", "PUT", "", "GET ", "ipadmini2", "iPhone"})
+    EXPECT_EQ(found<HTTPMethod>(other) + found<DeviceName>(other), "nonenone");
 }
 
 }  // namespace

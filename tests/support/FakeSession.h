@@ -12,7 +12,17 @@
 
 namespace orvane::test {
 
-/// A session that holds requests until the test answers them, and calls handlers on a thread of its own.
+/// Returns the result of a transfer that brought `body`.
+inline DataTaskResult replied(std::string_view body) {
+  return {Bytes(body.begin(), body.end()), HTTPResponse{200}, nullptr};
+}
+
+/// Returns the result of a transfer that failed with `error`.
+inline DataTaskResult failed(Error error) {
+  return {std::nullopt, std::nullopt, std::make_shared<const Error>(std::move(error))};
+}
+
+/// Holds requests until the test answers them, and calls handlers on a thread of its own.
 class FakeSession final : public URLSession {
  public:
   ~FakeSession() override {
@@ -33,7 +43,7 @@ class FakeSession final : public URLSession {
     ++cancellations;
   }
 
-  /// Lets the handler of the oldest unanswered request come with `result`, on the session's thread.
+  /// Answers the oldest unanswered request: its handler receives `result`, later, on the session's thread.
   void post(DataTaskResult result) {
     const std::lock_guard lock(mutex_);
     due_.push_back([handler = std::move(held_.front()), result = std::move(result)] { handler(result); });
@@ -41,25 +51,14 @@ class FakeSession final : public URLSession {
     queue_.async([this] { callNext(); });
   }
 
-  /// Likewise, and waits until that handler has returned.
+  /// Does the same, and waits until the handler has returned.
   void answer(DataTaskResult result) {
     post(std::move(result));
     std::promise<void> returned;
     queue_.async([&returned] { returned.set_value(); });
     returned.get_future().wait();
   }
-  void answer(std::string_view body) {
-    answer(DataTaskResult{Bytes(body.begin(), body.end()), HTTPResponse{200}, nullptr});
-  }
-
-  /// Makes the session as good as new.
-  void forget() {
-    const std::lock_guard lock(mutex_);
-    requests.clear();
-    held_.clear();
-    due_.clear();
-    cancellations = 0;
-  }
+  void answer(std::string_view body) { answer(replied(body)); }
 
   std::thread::id threadId() const { return thread_.get_id(); }
 
@@ -67,7 +66,7 @@ class FakeSession final : public URLSession {
   std::atomic<int> cancellations = 0;
 
  private:
-  /// Unless the handler was dropped meanwhile.
+  /// Calls the next handler, if it was not cancelled.
   void callNext() {
     std::function<void()> call;
     {

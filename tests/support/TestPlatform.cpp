@@ -4,13 +4,23 @@ namespace orvane {
 namespace test {
 namespace {
 
-/// Refuses blanks, and takes the letters of one foreign script for such: as much as the logic needs to know.
+/// Passes everything on to the session of the current test.
+struct SessionOfTest final : URLSession {
+  void startDataTask(URLRequest request, DataTaskHandler handler) override {
+    current->startDataTask(std::move(request), std::move(handler));
+  }
+  void cancelAllOperations() override { current->cancelAllOperations(); }
+
+  std::unique_ptr<FakeSession> current = std::make_unique<FakeSession>();
+};
+
+/// Takes texts without blanks for URLs, and the letters of one foreign script for alphanumeric.
 struct TestTextRules final : TextRules {
   bool isURL(std::string_view text) const override { return text.find(' ') == text.npos; }
   bool isAlphanumeric(char32_t codePoint) const override { return codePoint >= 0x4E00 && codePoint < 0xA000; }
 };
 
-/// Never destroyed, like the platform that refers to it.
+/// Returns an object that is never destroyed, like the platform that refers to it.
 template <class T>
 const std::shared_ptr<T>& immortal() {
   static const auto* const object = new std::shared_ptr<T>(std::make_shared<T>());
@@ -20,20 +30,27 @@ const std::shared_ptr<T>& immortal() {
 }  // namespace
 
 FakeSession& fakeSession() {
-  return *immortal<FakeSession>();
+  return *immortal<SessionOfTest>()->current;
 }
 ManualQueue& fakeMainQueue() {
   return *immortal<ManualQueue>();
 }
-TestReadings& fakeReadings() {
-  return *immortal<TestReadings>();
+TestReadings::Facts& fakeFacts() {
+  return immortal<TestReadings>()->facts;
+}
+
+OnFakes::OnFakes() {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  immortal<SessionOfTest>()->current = std::make_unique<FakeSession>();
+  fakeMainQueue().clear();
+  fakeFacts() = {};
 }
 
 }  // namespace test
 
 Platform makeDefaultPlatform() {
   using namespace test;
-  return {.sharedSession = immortal<FakeSession>(),
+  return {.sharedSession = immortal<SessionOfTest>(),
           .mainQueue = immortal<ManualQueue>(),
           .globalQueue = immortal<ManualQueue>(),
           .textRules = immortal<TestTextRules>(),

@@ -10,7 +10,7 @@
 
 namespace orvane::test {
 
-/// Runs nothing by itself: the test says when.
+/// Runs its tasks when the test calls run().
 class ManualQueue final : public DispatchQueue {
  public:
   void async(Task task) override {
@@ -18,7 +18,7 @@ class ManualQueue final : public DispatchQueue {
     tasks_.push_back(std::move(task));
   }
 
-  /// Runs what waits, and returns how many tasks that were.
+  /// Runs the tasks that wait, and returns their number.
   std::size_t run() {
     std::deque<Task> tasks;
     {
@@ -29,19 +29,21 @@ class ManualQueue final : public DispatchQueue {
     return tasks.size();
   }
 
+  void clear() { tasks_.clear(); }
+
  private:
   std::mutex mutex_;
   std::deque<Task> tasks_;
 };
 
-/// Readings that a test may change.
+/// Gives readings that a test may change.
 struct TestReadings final : DeviceReadings {
   struct Facts {
     std::string machine = "iPhone8,1";
     std::string version = "9.3.1";
-    std::optional<std::string> vendor;
-    std::optional<std::string> carrier;
-    ScreenBounds bounds;
+    std::optional<std::string> vendor = {};
+    std::optional<std::string> carrier = {};
+    ScreenBounds bounds = {};
     double scale = 2;
     int scaleReads = 0;
   };
@@ -60,18 +62,15 @@ struct TestReadings final : DeviceReadings {
   mutable Facts facts;
 };
 
-/// The platform that the logic's tests run on, where no adapter is linked.
+/// The fakes behind the platform of a program without adapter. Each test OnFakes has a session of its own.
 FakeSession& fakeSession();
 ManualQueue& fakeMainQueue();
-TestReadings& fakeReadings();
+TestReadings::Facts& fakeFacts();
 
-/// A test that finds the platform's fakes as good as new.
+/// A test that finds the platform's fakes new.
 class OnFakes : public testing::Test {
  protected:
-  OnFakes() {
-    fakeSession().forget();
-    fakeReadings().facts = {};
-  }
+  OnFakes();
 };
 
 }  // namespace orvane::test
