@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 #include "bench/CurlPost.h"
-#include "orvane/client/ServiceAddress.h"
+#include "orvane/client/serviceBaseURL.h"
 
 namespace orvane::bench {
 namespace {

@@ -1,6 +1,6 @@
 #include "bench/CurlPost.h"
 
-#include "orvane/client/ServiceAddress.h"
+#include "orvane/client/serviceBaseURL.h"
 
 namespace orvane::bench {
 

@@ -8,8 +8,8 @@
 #include "fuzz/fuzz.h"
 #include "orvane/client/GuardedSession.h"
 #include "orvane/client/OrvaneManager.h"
-#include "orvane/client/ServiceAddress.h"
 #include "orvane/client/ServiceCall.h"
+#include "orvane/client/serviceBaseURL.h"
 #include "orvane/host/HostDeviceReadings.h"
 #include "orvane/platform/Platform.h"
 

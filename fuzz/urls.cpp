@@ -7,6 +7,7 @@
 #include "adapters/host/Redirect.h"
 #include "adapters/host/Transfer.h"
 #include "fuzz/fuzz.h"
+#include "orvane/base/lowerASCII.h"
 #include "orvane/platform/URLParts.h"
 
 namespace orvane {
@@ -32,8 +33,7 @@ std::string byCurl(const std::string& url) {
     destination.append(text ? text : "none").append(" ");
     curl_free(text);
   }
-  std::transform(destination.begin(), destination.end(), destination.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  std::transform(destination.begin(), destination.end(), destination.begin(), lowerASCII);
   return destination;
 }
 

@@ -52,12 +52,12 @@ struct Outcome<void> {
   explicit operator bool() const noexcept { return !error; }
 };
 
-/// The type of a coroutine that starts at once and that nothing waits for.
+/// The type of a coroutine that starts at once and that no other code waits for.
 ///
-/// It runs on the caller's thread up to its first `co_await`. While one of the calls below is under way, the library
-/// keeps the coroutine as it keeps a `finished`: where `finished` would be dropped without having been called, the
-/// coroutine is destroyed. An exception out of it ends the process by std::terminate. Pass what it needs as parameters,
-/// by value: a lambda's captures go with the lambda.
+/// It runs on the caller's thread up to its first `co_await`. While a call is in progress, the library keeps
+/// the coroutine as it keeps a `finished`; where it would release `finished` without calling it, it destroys
+/// the coroutine. An exception that leaves the coroutine ends the process by std::terminate. Pass what the
+/// coroutine needs as parameters, by value: the captures of a lambda are destroyed with the lambda.
 struct Detached {
   /// What the language asks of a coroutine's type.
   struct promise_type {
@@ -72,19 +72,18 @@ struct Detached {
   };
 };
 
-/// A call that starts once it is awaited, and then resumes the coroutine with an Outcome on the main queue, whatever it
-/// came to.
+/// A call that starts when it is awaited. It always resumes the coroutine on the main queue, with an Outcome.
 ///
-/// Any coroutine that takes foreign awaitables can await it, once. One of another type than Detached belongs to its
-/// owner, who may destroy it on the main queue while the call is under way. If the call is dropped by cancleAllNetwork,
-/// such a coroutine stays suspended.
+/// Any coroutine that accepts foreign awaitables can await it, once. A coroutine of another type than
+/// Detached belongs to its owner, which may destroy it on the main queue while the call is in progress. If
+/// cancleAllNetwork drops the call, such a coroutine stays suspended.
 template <class T, class Finished>
 class [[nodiscard]] AwaitableCall {
  public:
-  /// Starts the call; `finished` is to be called once.
+  /// Starts the call, which calls `finished` at most once.
   using Start = std::function<void(Finished finished)>;
 
-  /// A call that `start` starts. It can be moved until it is awaited.
+  /// Makes a call that `start` starts. It can be moved until it is awaited.
   ///@{
   explicit AwaitableCall(Start start) : start_(std::move(start)) {}
   AwaitableCall(AwaitableCall&&) noexcept = default;
@@ -130,7 +129,8 @@ class [[nodiscard]] AwaitableCall {
   std::shared_ptr<Pending> pending_;
 };
 
-/// Awaits OrvaneManager::requestPictureCode. The manager must exist when the call is awaited, and not longer.
+/// Awaits OrvaneManager::requestPictureCode. The manager must exist when the call is awaited; it may be
+/// destroyed before the coroutine resumes.
 inline auto requestPictureCode(OrvaneManager& manager, std::string mobile) {
   using Finished = OrvaneManager::PictureCodeFinished;
   return AwaitableCall<Bytes, Finished>([&manager, mobile = std::move(mobile)](Finished finished) {
@@ -138,7 +138,7 @@ inline auto requestPictureCode(OrvaneManager& manager, std::string mobile) {
   });
 }
 
-/// Awaits OrvaneManager::requestCode; likewise.
+/// Awaits OrvaneManager::requestCode, under the same conditions.
 inline auto requestCode(OrvaneManager& manager, std::string mobile, std::string codeNumber) {
   using Finished = OrvaneManager::CodeFinished;
   return AwaitableCall<void, Finished>(
@@ -147,7 +147,8 @@ inline auto requestCode(OrvaneManager& manager, std::string mobile, std::string 
       });
 }
 
-/// Awaits OrvaneManager::requestLogin; likewise. Stops the process if the request fails, as that does.
+/// Awaits OrvaneManager::requestLogin, under the same conditions. Like that call, it stops the process if the
+/// transfer fails or the reply is not JSON.
 inline auto requestLogin(OrvaneManager& manager, std::string mobile, std::string code) {
   using Finished = OrvaneManager::LoginFinished;
   return AwaitableCall<std::string, Finished>(

@@ -9,7 +9,7 @@
 #include "orvane/client/ErrorKind.h"
 #include "orvane/client/GuardedSession.h"
 #include "orvane/client/OrvaneManager.h"
-#include "orvane/client/ServiceAddress.h"
+#include "orvane/client/serviceBaseURL.h"
 #include "orvane/device/OVDeviceInfoTool.h"
 #include "orvane/network/NetworkTool.h"
 #include "orvane/platform/Platform.h"

@@ -3,7 +3,7 @@
 #import "adapters/apple/text.h"
 #import "orvane/apple/AppleSession.h"
 #include "orvane/client/GuardedSession.h"
-#include "orvane/client/ServiceAddress.h"
+#include "orvane/client/serviceBaseURL.h"
 #include "orvane/network/HTTPSUpgradeSession.h"
 #include "orvane/platform/Platform.h"
 

@@ -10,6 +10,7 @@
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
 #include "adapters/host/openSocket.h"
+#include "orvane/base/appendPercentEncoded.h"
 #include "orvane/platform/URLParts.h"
 
 namespace orvane {
@@ -25,7 +26,6 @@ constexpr std::size_t maximumHeaderLines = 4000;
 /// Sends bytes beyond ASCII percent-encoded, but in the host, whose name curl encodes as the name system
 /// wants it.
 std::string wireURL(const std::string& url) {
-  constexpr std::string_view hex = "0123456789ABCDEF";
   const auto isPlain = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
   if (std::all_of(url.begin(), url.end(), isPlain)) return url;
   const std::string_view host = splitURL(url).host;
@@ -34,8 +34,7 @@ std::string wireURL(const std::string& url) {
     if (isPlain(c) || (&c >= host.data() && &c < host.data() + host.size())) {
       encoded.push_back(c);
     } else {
-      const auto byte = static_cast<unsigned char>(c);
-      encoded.append({'%', hex[byte >> 4], hex[byte & 15]});
+      appendPercentEncoded(encoded, c);
     }
   }
   return encoded;

@@ -13,6 +13,7 @@
 #include "adapters/host/ExitGate.h"
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
+#include "orvane/base/lowerASCII.h"
 #include "orvane/platform/URLParts.h"
 
 namespace orvane {
@@ -58,8 +59,7 @@ Slist makeReroutes(const std::vector<Reroute>& reroutes) {
 std::string destinationKey(const URLParts& parts) {
   std::string key(parts.scheme);
   key.append("://").append(parts.host).append(":").append(parts.portOrDefault());
-  std::transform(key.begin(), key.end(), key.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  std::transform(key.begin(), key.end(), key.begin(), lowerASCII);
   return key;
 }
 

@@ -16,7 +16,8 @@ struct Significand {
   std::uint64_t low = 0;
 };
 
-/// A power of five times a power of two, from 1/2 to 1. Holds the bits after the binary point, the lowest limb first.
+/// A power of five times a power of two, from 1/2 to 1. Holds the bits after the binary point, the lowest
+/// limb first.
 class Power {
  public:
   constexpr void multiplyByFive() {
@@ -88,8 +89,8 @@ Product product(std::uint64_t a, std::uint64_t b) noexcept {
   return {(a >> 32) * (b >> 32) + (middle >> 32) + (other >> 32), other << 32 | (low & lowHalf)};
 }
 
-/// Returns the integer part of `power`, taken as a number from 1/2 to 1, times `factor`. Where that leaves a fraction,
-/// the lowest bit is set as well.
+/// Returns the integer part of `power`, taken as a number from 1/2 to 1, times `factor`. Where that leaves a
+/// fraction, the lowest bit is set as well.
 std::uint64_t roundedToOdd(const Significand& power, std::uint64_t factor) noexcept {
   const Product high = product(power.high, factor);
   const std::uint64_t fraction = high.low + product(power.low, factor).high;
@@ -133,8 +134,8 @@ Decimal shortestDecimal(double real) noexcept {
 
   // Below a power of two, doubles are half as far apart.
   const bool isLowerNeighbourNear = fraction == 0 && biased > 1;
-  // What reads back as the number, in quarters of its last binary place: from `lowerEnd` to `upperEnd`. A tie goes to
-  // the even neighbour, so that the ends themselves belong to even numbers alone.
+  // What reads back as the number, in quarters of its last binary place: from `lowerEnd` to `upperEnd`. A tie
+  // goes to the even neighbour, so that the ends themselves belong to even numbers alone.
   const std::uint64_t number = significand * 4;
   const std::uint64_t lowerEnd = number - (isLowerNeighbourNear ? 1 : 2);
   const std::uint64_t upperEnd = number + 2;

@@ -13,8 +13,8 @@ struct Decimal {
 /// Returns the same number with as few digits as possible.
 Decimal withoutFinalZeros(Decimal decimal) noexcept;
 
-/// Returns the decimal with the fewest digits that reads back as the magnitude of `real`, which must be finite. Of
-/// several such decimals it returns the nearest.
+/// Returns the decimal with the fewest digits that reads back as the magnitude of `real`, which must be
+/// finite. Of several such decimals it returns the nearest.
 Decimal shortestDecimal(double real) noexcept;
 
 }  // namespace orvane

@@ -6,19 +6,19 @@
 
 namespace orvane {
 
-// Numbers in characters, the same in every locale. std::to_chars would do it, but Apple's older systems lack it.
+// These write the same text in every locale. std::to_chars would do, but Apple's older systems lack it.
 
-/// Has room for any number that is written here.
+/// Has room for any number.
 using NumberBuffer = std::array<char, 32>;
 
-/// Writes an integer into `buffer` and returns its characters there.
+/// Writes `integer` into `buffer` and returns a view of its characters there.
 std::string_view writeNumber(NumberBuffer& buffer, std::int64_t integer) noexcept;
 
-/// Likewise, a finite real in the fewest characters that read back as the same number. One that is written without
-/// exponent is exact before the decimal point.
+/// Writes `real`, which must be finite, in the fewest characters that read back as the same number, and
+/// returns a view of them. Without an exponent, the digits before the decimal point are exact.
 std::string_view writeNumber(NumberBuffer& buffer, double real) noexcept;
 
-/// Likewise, any real as printf's "%.16g" writes it in the C locale.
+/// Writes any real as printf's "%.16g" does in the C locale, and returns a view of its characters.
 std::string_view writeRounded(NumberBuffer& buffer, double real) noexcept;
 
 }  // namespace orvane

@@ -1,7 +1,7 @@
 #include "orvane/client/ErrorKind.h"
 
 #include "orvane/network/NetworkTool.h"
-#include "orvane/network/transportErrors.h"
+#include "orvane/network/networkToolError.h"
 
 namespace orvane {
 namespace {

@@ -3,21 +3,21 @@
 #include <array>
 #include <string>
 
-#include "orvane/base/Enumeration.h"
 #include "orvane/base/Error.h"
 #include "orvane/base/Export.h"
+#include "orvane/base/rawValue.h"
 
 namespace orvane {
 
-/// What an application may want to tell apart. docs/errors.md has the errors of each kind.
+/// The kinds of failure that an application may treat differently. docs/errors.md lists the errors of each.
 enum class ErrorKind {
-  refused,  ///< By the service.
-  notSent,  ///< The request could not be made.
-  noConnection,  ///< The service was not reached, or the connection was lost; the service may have got the request.
-  timedOut,     ///< No reply came in time; the service may have got the request.
-  notSecure,    ///< No secure connection came about.
-  notReadable,  ///< A reply came that could not be understood.
-  other,        ///< Anything else.
+  refused,       ///< The service refused the call.
+  notSent,       ///< The request could not be built or sent.
+  noConnection,  ///< The connection failed or was lost. The service may have received the request.
+  timedOut,      ///< No reply came in time. The service may have received the request.
+  notSecure,     ///< No secure connection could be made.
+  notReadable,   ///< A reply came that could not be read.
+  other,         ///< Anything else.
 };
 
 /// The raw values of ErrorKind.
@@ -28,12 +28,12 @@ inline constexpr std::array<std::string_view, 7> errorKindNames = {
 template <>
 inline constexpr std::span<const std::string_view> rawValues<ErrorKind> = errorKindNames;
 
-/// Returns the kind of an error that a call was given. An error without user information and without a platform's object
-/// is a refusal, whatever its domain says: the domain is the service's text.
+/// Returns the kind of an error that `finished` received. An error that has neither user information nor a
+/// platform error counts as a refusal, whatever its domain: the domain of a refusal is the service's text.
 ORVANE_API ErrorKind kind(const Error& error);
 
-/// Returns one sentence for a person: a refusal's own message, the platform's description of its error, or a sentence in
-/// English where there is neither.
+/// Returns one sentence for a person: the message of a refusal, the platform's description of its error, or
+/// an English sentence if there is neither.
 ORVANE_API std::string message(const Error& error);
 
 }  // namespace orvane

@@ -4,8 +4,8 @@
 
 #include "orvane/base/fatal.h"
 #include "orvane/client/JudgedReply.h"
-#include "orvane/client/ServiceAddress.h"
 #include "orvane/client/ServiceCall.h"
+#include "orvane/client/serviceBaseURL.h"
 #include "orvane/json/writeJSON.h"
 #include "orvane/network/decodeReply.h"
 

@@ -9,14 +9,14 @@
 
 namespace orvane {
 
-/// What a call makes of its reply.
+/// The outcome that a call derives from its reply.
 struct JudgedReply {
   // What `finished` receives. Each call uses two of these, or one.
   std::optional<Bytes> picture = {};
   std::optional<std::string> message = {};
   ErrorPtr error = {};
 
-  /// Says what the call cannot read, in which case it stops the process. Empty if it reads everything that it needs.
+  /// Says what the call cannot read; it stops the process with this text. Empty if it can read everything.
   std::string_view flaw = {};
 };
 

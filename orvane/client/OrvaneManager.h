@@ -20,7 +20,7 @@ namespace orvane {
 /// | the service accepts the call | no error | the main queue |
 /// | the service refuses the call | an error whose domain is the service's message | the main queue |
 /// | the transfer fails | the session's own error; a login stops the process | the session queue |
-/// | the reply is not JSON | an error of NetworkTool's; a login stops the process | the session queue |
+/// | the reply is not JSON | NetworkTool's error; a login stops the process | the session queue |
 ///
 /// Stops the process, without calling `finished`, if the reply lacks a member that the call reads or has one
 /// of another kind, and if an argument is not UTF-8. docs/errors.md lists what can go wrong and what becomes
@@ -64,11 +64,11 @@ class ORVANE_API OrvaneManager {
   /// transfer, or of a reply that is not JSON, to standard output: one line with its domain and code.
   virtual void requestPictureCode(std::string mobile, PictureCodeFinished finished);
 
-  /// Has a code sent by SMS to `mobile`. `codeNumber` is what the user read from the picture. A refusal has
-  /// the code of the service's reply.
+  /// Asks the service to send a code by SMS to `mobile`. `codeNumber` is what the user read from the picture.
+  /// The error of a refusal has the "code" of the service's reply.
   virtual void requestCode(std::string mobile, std::string codeNumber, CodeFinished finished);
 
-  /// Logs in with `code`, which came by SMS. A refusal has the code 1.
+  /// Logs in with `code`, which came by SMS. The error of a refusal always has the code 1.
   ///
   /// Warning: stops the process if the transfer fails or the reply is not JSON, because the reply is read
   /// before the error.

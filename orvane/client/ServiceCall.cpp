@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "orvane/client/ServiceAddress.h"
+#include "orvane/client/serviceBaseURL.h"
 
 namespace orvane {
 namespace {

@@ -8,10 +8,10 @@
 
 namespace orvane {
 
-/// One of the service's calls.
+/// A call that the service offers.
 struct ServiceCall {
-  std::string_view name;  ///< As messages about a stop name it.
-  std::string_view path;  ///< Under the service's base URL.
+  std::string_view name;  ///< Names the call in the line that a stop writes.
+  std::string_view path;  ///< Follows serviceBaseURL().
 };
 
 inline constexpr ServiceCall pictureCodeCall = {"requestPictureCode", "/tenant/verify/captcha"};
@@ -19,11 +19,12 @@ inline constexpr ServiceCall codeCall = {"requestCode", "/tenant/getVerifyCode"}
 inline constexpr ServiceCall loginCall = {"requestLogin", "/tenant/submitVerifyCode"};
 inline constexpr ServiceCall deviceReportCall = {"requestLogin's report", "/tenant/submitMobileInformation"};
 
-/// Makes a call through the shared NetworkManager: stores the header set with `clientId` there and sends `body`.
+/// Makes a call through the shared NetworkManager: stores the header set with `clientId` there and sends
+/// `body`.
 void send(const ServiceCall& call, const std::optional<std::string>& clientId, Map body,
           NetworkTool::Completion completion);
 
-/// Makes a call with the header set that the shared NetworkManager holds, which is that of the call made last.
+/// Makes a call with the header set that the shared NetworkManager holds: that of the latest call.
 void sendWithStoredHeaders(const ServiceCall& call, Map body, NetworkTool::Completion completion);
 
 }  // namespace orvane

@@ -6,8 +6,8 @@
 
 namespace orvane {
 
-/// The picture in an array of byte values: numbers from 0 to 255, or texts of such numbers. Nothing where an
-/// element is anything else. Takes the bytes out of `elements` where they lie there ready.
+/// Returns the picture that an array of byte values holds: numbers from 0 to 255, or texts of such numbers.
+/// Returns nothing if an element is anything else. Moves the bytes out of `elements` if it has them packed.
 std::optional<Bytes> pictureBytes(Array& elements);
 
 }  // namespace orvane

@@ -4,8 +4,8 @@
 
 namespace orvane {
 
-/// Sends facts about the device to the service after the login of `mobile`. Uses the stored header set, normally that of
-/// the login. Ignores the outcome.
+/// Sends facts about the device to the service after the login of `mobile`. Reuses the stored header set,
+/// which is the login's unless another call was made meanwhile. Ignores the outcome.
 void reportDevice(const std::string& mobile);
 
 }  // namespace orvane

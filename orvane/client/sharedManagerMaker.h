@@ -6,8 +6,8 @@
 
 namespace orvane {
 
-/// Makes the shared manager on its first use. An adapter whose managers are objects of another runtime, too, sets a
-/// function of its own before the program begins.
+/// The function that makes the shared manager on its first use. An adapter whose managers are also objects of
+/// another runtime replaces it before main() begins.
 extern std::unique_ptr<OrvaneManager> (*sharedManagerMaker)();
 
 }  // namespace orvane

@@ -3,8 +3,8 @@
 #include <array>
 #include <string_view>
 
-#include "orvane/base/Enumeration.h"
 #include "orvane/base/Export.h"
+#include "orvane/base/rawValue.h"
 
 namespace orvane {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "orvane/base/Enumeration.h"
 #include "orvane/base/Export.h"
+#include "orvane/base/rawValue.h"
 
 namespace orvane {
 

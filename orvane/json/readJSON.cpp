@@ -45,8 +45,9 @@ struct Block {
   }
 };
 
-// Numbers from 0 to 255 as JSON writes them, by the low halves of the three characters which begin with them, a comma
-// behind a shorter one: the value, and above it the length, which is that of no text where they are none.
+// Looks up a number from 0 to 255 by the low four bits of its first three characters. A shorter number has a
+// comma after it. An entry holds the value and, above it, the number of digits; 255 digits mean "not a
+// number".
 constexpr int lengthShift = 8;
 constexpr auto byteTexts = [] {
   constexpr unsigned comma = ',' & 15;
@@ -216,8 +217,8 @@ bool Reader::scalar(Value& value) {
   }
 }
 
-/// The fast way through the byte values of a picture: takes numbers from 0 to 255 as long as each is followed by a comma,
-/// many at a time, and stops before those among which there is anything else.
+/// The fast way through the byte values of a picture: takes numbers from 0 to 255 as long as each is followed
+/// by a comma, many at a time, and stops before those among which there is anything else.
 void Reader::byteRun(Bytes& bytes) {
   constexpr int readBeyond = 3;
   const char* at = text_.data() + at_;

@@ -5,8 +5,8 @@
 
 namespace orvane {
 
-/// The double nearest to a number in JSON's grammar; nothing where it is too large for one. The same in every
-/// locale.
+/// Returns the double nearest to `number`, which must follow JSON's grammar, or nothing if it is too large
+/// for a double. Reads the same in every locale.
 std::optional<double> readReal(std::string_view number);
 
 }  // namespace orvane

@@ -6,11 +6,11 @@
 
 namespace orvane {
 
-/// The compact JSON text of a map, in UTF-8. Nothing where it holds what JSON cannot say: not-a-number, an
-/// infinity, a text or a key that is not UTF-8. Does not recurse.
+/// Returns the compact JSON text of `map`, in UTF-8. Returns nothing if JSON cannot express a value in it:
+/// not-a-number, an infinity, or a text or key that is not UTF-8. Does not recurse.
 std::optional<Bytes> writeJSON(const Map& map);
 
-/// Likewise of any value.
+/// Returns the JSON text of any value, by the same rules.
 std::optional<Bytes> writeJSON(const Value& value);
 
 }  // namespace orvane

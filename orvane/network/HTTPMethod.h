@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "orvane/base/Enumeration.h"
+#include "orvane/base/rawValue.h"
 
 namespace orvane {
 

@@ -4,8 +4,7 @@
 
 namespace orvane {
 
-/// The library's own front to NetworkTool. All service calls share its one tool and with it the stored header
-/// set. May be used from any thread.
+/// The one NetworkTool that all service calls share, with its stored header set. May be used from any thread.
 class NetworkManager {
  public:
   /// Returns the shared instance, which is made on first use and never destroyed.
@@ -16,7 +15,7 @@ class NetworkManager {
   NetworkManager& operator=(const NetworkManager&) = delete;
   virtual ~NetworkManager();
 
-  // These call the tool's operations of the same names; addHeaders calls addHeader.
+  // These forward to the tool's operations of the same names; addHeaders forwards to addHeader.
   virtual void requestJSON(HTTPMethod method, std::string_view url,
                            const std::optional<Parameters>& parameters, NetworkTool::Completion completion);
   virtual void addHeaders(Headers headers);

@@ -1,10 +1,11 @@
 #include "orvane/network/NetworkTool.h"
 
+#include "orvane/base/Snapshot.h"
 #include "orvane/base/fatal.h"
 #include "orvane/json/writeJSON.h"
 #include "orvane/network/decodeReply.h"
+#include "orvane/network/networkToolError.h"
 #include "orvane/network/percentEncode.h"
-#include "orvane/network/transportErrors.h"
 #include "orvane/platform/Platform.h"
 
 namespace orvane {
@@ -41,7 +42,12 @@ void deliver(const DataTaskResult& reply, NetworkTool::Completion completion) {
 
 }  // namespace
 
-NetworkTool::NetworkTool() = default;
+struct NetworkTool::State {
+  Snapshot<std::shared_ptr<const Headers>> headers;
+  Snapshot<std::shared_ptr<URLSession>> session;
+};
+
+NetworkTool::NetworkTool() : state_(std::make_unique<State>()) {}
 NetworkTool::~NetworkTool() = default;
 
 void NetworkTool::demoGCDGroup() {
@@ -50,7 +56,7 @@ void NetworkTool::demoGCDGroup() {
 
 void NetworkTool::addHeader(Headers headers) {
   if (headers.empty()) return;
-  headers_.store(std::make_shared<const Headers>(std::move(headers)));
+  state_->headers.store(std::make_shared<const Headers>(std::move(headers)));
 }
 
 void NetworkTool::requestJSON(HTTPMethod method, std::string_view url,
@@ -58,7 +64,7 @@ void NetworkTool::requestJSON(HTTPMethod method, std::string_view url,
   if (!completion) completion = [](const auto&...) {};
   std::optional<URLRequest> request = this->request(method, url, parameters);
   if (!request) {
-    completion(std::nullopt, transportError(requestNotBuilt));
+    completion(std::nullopt, networkToolError(requestNotBuilt));
     return;
   }
   const std::shared_ptr<URLSession> session = this->session();
@@ -93,7 +99,7 @@ std::optional<URLRequest> NetworkTool::request(HTTPMethod method, std::string_vi
     }
   }
 
-  const std::optional<std::shared_ptr<const Headers>> headers = headers_.load();
+  const std::optional<std::shared_ptr<const Headers>> headers = state_->headers.load();
   if (!headers) return request;
   if (!request) fatal("request: a POST without parameters has no request to put the headers into");
   for (const auto& [name, value] : **headers) request->addValue(value, name);
@@ -119,13 +125,13 @@ void NetworkTool::cancleAllNetwork() {
 }
 
 std::shared_ptr<URLSession> NetworkTool::session() {
-  if (std::optional<std::shared_ptr<URLSession>> session = session_.load()) return *std::move(session);
-  session_.storeIfEmpty(platform().sharedSession);
-  return *session_.load();
+  if (std::optional<std::shared_ptr<URLSession>> session = state_->session.load()) return *std::move(session);
+  state_->session.storeIfEmpty(platform().sharedSession);
+  return *state_->session.load();
 }
 
 void NetworkTool::setSession(std::shared_ptr<URLSession> session) {
-  session_.store(std::move(session));
+  state_->session.store(std::move(session));
 }
 
 }  // namespace orvane

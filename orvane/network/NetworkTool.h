@@ -9,7 +9,6 @@
 
 #include "orvane/base/Error.h"
 #include "orvane/base/Export.h"
-#include "orvane/base/Snapshot.h"
 #include "orvane/base/Value.h"
 #include "orvane/network/HTTPMethod.h"
 #include "orvane/platform/URLRequest.h"
@@ -92,8 +91,8 @@ class ORVANE_API NetworkTool {
   ///@}
 
  private:
-  Snapshot<std::shared_ptr<const Headers>> headers_;
-  Snapshot<std::shared_ptr<URLSession>> session_;
+  struct State;
+  const std::unique_ptr<State> state_;
 };
 
 }  // namespace orvane

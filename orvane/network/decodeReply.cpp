@@ -1,7 +1,7 @@
 #include "orvane/network/decodeReply.h"
 
 #include "orvane/json/readJSON.h"
-#include "orvane/network/transportErrors.h"
+#include "orvane/network/networkToolError.h"
 
 namespace orvane {
 
@@ -9,7 +9,7 @@ DecodedReply decodeReply(const DataTaskResult& reply) {
   if (reply.error) return {.error = reply.error};
   if (!reply.body) return {};
   DecodedReply decoded{.result = readJSON(*reply.body)};
-  if (!decoded.result) decoded.error = transportError(replyNotDecoded);
+  if (!decoded.result) decoded.error = networkToolError(replyNotDecoded);
   return decoded;
 }
 

@@ -8,14 +8,14 @@
 
 namespace orvane {
 
-/// What NetworkTool reports of a reply. One of the two is set, or neither where the session reported neither a body nor
-/// an error.
+/// What NetworkTool reports about a reply. One of the two is set, or neither if the session reported neither
+/// a body nor an error.
 struct DecodedReply {
   std::optional<Value> result = {};
-  ErrorPtr error = {};  ///< The session's own, or the transport's where the body is not JSON.
+  ErrorPtr error = {};  ///< The session's own error, or NetworkTool's if the body is not JSON.
 };
 
-/// Decodes what a session reported.
+/// Decodes the outcome that a session reported.
 DecodedReply decodeReply(const DataTaskResult& reply);
 
 }  // namespace orvane

@@ -1,5 +1,6 @@
 #include "orvane/network/percentEncode.h"
 
+#include "orvane/base/appendPercentEncoded.h"
 #include "orvane/base/decodeUTF8.h"
 #include "orvane/platform/TextRules.h"
 
@@ -8,14 +9,6 @@ namespace {
 
 bool isASCIIAlphanumeric(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
-
-void escape(std::string& encoded, std::string_view bytes) {
-  constexpr std::string_view hex = "0123456789ABCDEF";
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    encoded.append({'%', hex[byte >> 4], hex[byte & 15]});
-  }
 }
 
 }  // namespace
@@ -35,7 +28,7 @@ std::optional<std::string> percentEncode(std::string_view text, const TextRules&
     if (*codePoint >= 0x80 && rules.isAlphanumeric(*codePoint)) {
       encoded.append(bytes);
     } else {
-      escape(encoded, bytes);
+      for (const char c : bytes) appendPercentEncoded(encoded, c);
     }
   }
   return encoded;

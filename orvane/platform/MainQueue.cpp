@@ -30,7 +30,7 @@ bool MainQueue::run(std::chrono::milliseconds limit) {
   return runUntil(&end);
 }
 
-/// Runs tasks, each without the lock. Whether stop() ended it, and not the limit.
+/// Runs tasks, each without holding the lock. Returns true if stop() ended it, false at the limit.
 bool MainQueue::runUntil(const std::chrono::steady_clock::time_point* limit) {
   const auto isDue = [this] { return stopped_ || !tasks_.empty(); };
   std::unique_lock lock(mutex_);

@@ -12,21 +12,23 @@
 namespace orvane {
 
 /// A main queue for a program without an event loop: tasks wait until the program runs them. Serial, first
-/// in, first out. One thread at a time may run tasks; the other operations may be used from any thread, and
-/// from tasks.
+/// in, first out. Only one thread at a time may be inside run() or runPending(). The other operations may be
+/// used from any thread, and from tasks.
 class ORVANE_API MainQueue final : public DispatchQueue {
  public:
   void async(Task task) override;
 
-  /// Runs tasks as they come, until stop() is called. A stop() that came before counts.
+  /// Runs tasks as they come, until stop() is called. Returns at once if stop() was called before.
   void run();
-  /// Likewise, for about `limit`: no task begins later, but the first that is due. Whether stop() was called.
+  /// Like run(), but returns after about `limit`. Runs at least one task if one is waiting. Returns true if
+  /// stop() ended it. A negative `limit` counts as 0, one above ten years as ten years.
   bool run(std::chrono::milliseconds limit);
 
-  /// Runs the tasks that wait now, and returns how many there were.
+  /// Runs the tasks that are waiting now, and returns their number. Tasks that these add wait for the next
+  /// run.
   std::size_t runPending();
 
-  /// Lets the present or the next run() return, after the task that is being run.
+  /// Ends the run() in progress after its current task or, if there is none, the next run() at once.
   void stop();
 
  private:

@@ -12,21 +12,24 @@ namespace orvane {
 
 /// The services of the system that the library uses.
 struct Platform {
-  std::shared_ptr<URLSession> sharedSession = {};  ///< Used by each NetworkTool that was not given another.
-  std::shared_ptr<DispatchQueue> mainQueue =
-      {};  ///< Serial, first in, first out. Belongs to the application.
-  std::shared_ptr<DispatchQueue> globalQueue = {};  ///< Concurrent.
-  std::shared_ptr<const TextRules> textRules = {};  ///< What is a URL, and what is a letter, mark or number.
-  std::shared_ptr<const DeviceReadings> deviceReadings = {};  ///< Facts about the device.
+  /// Carries out the requests of each NetworkTool that was not given another session.
+  std::shared_ptr<URLSession> sharedSession = {};
+  /// Runs the application's callbacks. Serial, first in, first out.
+  std::shared_ptr<DispatchQueue> mainQueue = {};
+  /// Runs tasks concurrently, in the background.
+  std::shared_ptr<DispatchQueue> globalQueue = {};
+  /// Says what is a URL, and what is a letter, mark or number.
+  std::shared_ptr<const TextRules> textRules = {};
+  /// Reads facts about the device.
+  std::shared_ptr<const DeviceReadings> deviceReadings = {};
 };
 
-/// Replaces parts of the platform: for a test, or for an application with an event loop, a session or device
-/// readings of its own. A null member of `platform` stays as the adapter provides it. Call it at most once,
-/// and before the first use of the library: later it stops the process.
+/// Replaces services of the platform: for a test, or for an application with its own event loop, session or
+/// device readings. Where a member of `platform` is null, the adapter's own service is used. Call it at most
+/// once, before the first use of the library. A later or second call stops the process.
 ORVANE_API void installPlatform(Platform platform);
 
-/// Returns the platform in use, with every member set. From the first call on it is the same until the
-/// process ends.
+/// Returns the platform in use, with every member set. It never changes after the first call.
 ORVANE_API const Platform& platform();
 
 }  // namespace orvane

@@ -11,15 +11,15 @@
 namespace orvane {
 
 /// A main queue for a program with an event loop: hands each task to a function that posts it to that loop.
-/// The function is called on the thread that brings the task; it must not run the task itself. It is called as
-/// long as replies come, so what it posts to must live until the process ends.
+/// The function is called on the thread that queues the task, and must not run the task itself. Replies may
+/// come until the process ends, so the loop that it posts to must live that long.
 class ORVANE_API PostingQueue final : public DispatchQueue {
  public:
   /// Posts with `post`.
   explicit PostingQueue(std::function<void(Task)> post) : post_(std::move(post)) {}
 
-  /// Posts with a C function that takes a function and its argument, in this order, as GLib's g_idle_add_once
-  /// does. What it returns is ignored.
+  /// Posts with a C function that takes a function and its argument, in this order, such as GLib's
+  /// g_idle_add_once. Ignores what it returns.
   template <std::invocable<void (*)(void*), void*> Post>
   explicit PostingQueue(Post post)
       : post_([post](Task task) { post(runTask, std::make_unique<Task>(std::move(task)).release()); }) {}

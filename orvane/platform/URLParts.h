@@ -4,16 +4,17 @@
 
 namespace orvane {
 
-/// The pieces of a URL that decide where a request goes; views into its text. Each may be empty.
+/// The parts of a URL that decide where a request goes. Each is a view into the URL's text, and may be empty.
 struct URLParts {
   std::string_view scheme;
-  std::string_view host;  ///< With its brackets, where it has them.
+  std::string_view host;  ///< An IPv6 address includes its brackets.
   std::string_view port;
 
-  /// The port to connect to, the scheme's own where the URL names none.
+  /// Returns the port to connect to: the scheme's default port if the URL names none.
   std::string_view portOrDefault() const noexcept;
 };
 
+/// Splits any text, URL or not. The text must outlive the result.
 URLParts splitURL(std::string_view url) noexcept;
 
 }  // namespace orvane

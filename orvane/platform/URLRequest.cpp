@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <array>
 
+#include "orvane/base/lowerASCII.h"
+
 namespace orvane {
 namespace {
-
-constexpr char lowerCase(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 /// Says for each byte if an HTTP token may contain it.
 constexpr auto isTokenCharacter = [] {
@@ -35,7 +33,7 @@ bool belongsToSession(std::string_view name) {
 
 bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char inA, char inB) { return lowerCase(inA) == lowerCase(inB); });
+                    [](char inA, char inB) { return lowerASCII(inA) == lowerASCII(inB); });
 }
 
 // Defined once, because they are long and would otherwise be repeated wherever a request is handed on.

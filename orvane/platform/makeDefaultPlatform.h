@@ -4,7 +4,8 @@
 
 namespace orvane {
 
-/// Makes the adapter's own platform. Each adapter defines this function, and a program links one adapter.
+/// Makes the platform of the linked adapter. Each adapter defines this function, and a program links one
+/// adapter.
 Platform makeDefaultPlatform();
 
 }  // namespace orvane

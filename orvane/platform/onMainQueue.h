@@ -9,13 +9,14 @@
 
 namespace orvane {
 
-/// Returns a callback that calls `finished` with its own arguments on the main queue, later, on whatever thread it is
-/// called itself. For a `finished` or a completion that must not run on the session's background queue:
+/// Returns a callback that queues a call of `finished`, with the callback's own arguments, on the main queue.
+/// The callback itself may be called on any thread. Use it where `finished` or a completion must not run on
+/// the session queue:
 ///
-///     manager.requestCode(mobile, text, onMainQueue([this](ErrorPtr error) { show(error); }));
+/// manager.requestCode(mobile, text, onMainQueue([this](ErrorPtr error) { show(error); }));
 ///
-/// `finished` must not be empty. It is called at most once and may have captures that can only be moved. They are
-/// released with the last copy of the callback, and where a call is dropped without `finished` having been called.
+/// `finished` must not be empty. Calls it at most once. It may have move-only captures. They are released
+/// with the last copy of the callback, even if the callback is never called.
 template <class Finished>
 auto onMainQueue(Finished finished) {
   return [finished = std::make_shared<Finished>(std::move(finished))]<class... Results>(

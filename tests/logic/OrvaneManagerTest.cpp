@@ -2,7 +2,7 @@
 
 #include "orvane/client/JudgedReply.h"
 #include "orvane/client/OrvaneManager.h"
-#include "orvane/client/ServiceAddress.h"
+#include "orvane/client/serviceBaseURL.h"
 #include "orvane/json/readJSON.h"
 #include "tests/support/TestPlatform.h"
 

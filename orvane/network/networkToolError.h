@@ -6,12 +6,12 @@
 
 namespace orvane {
 
-// What stands under "error" in the user information of the transport's own errors.
+// The texts that NetworkTool's own errors have under "error" in their user information.
 
 inline constexpr std::string_view requestNotBuilt = "请求建立失败";
 inline constexpr std::string_view replyNotDecoded = "反序列化失败";
 
-/// Makes an error of the transport's own.
-ErrorPtr transportError(std::string_view message);
+/// Makes an error of the domain NetworkTool::errorDomain with the code -1.
+ErrorPtr networkToolError(std::string_view message);
 
 }  // namespace orvane

@@ -1,10 +1,10 @@
-#include "orvane/network/transportErrors.h"
+#include "orvane/network/networkToolError.h"
 
 #include "orvane/network/NetworkTool.h"
 
 namespace orvane {
 
-ErrorPtr transportError(std::string_view message) {
+ErrorPtr networkToolError(std::string_view message) {
   return std::make_shared<const Error>(
       Error{std::string(NetworkTool::errorDomain), -1, {{"error", message}}});
 }
