@@ -19,8 +19,9 @@ inline constexpr ServiceCall codeCall = {"requestCode", "/tenant/getVerifyCode"}
 inline constexpr ServiceCall loginCall = {"requestLogin", "/tenant/submitVerifyCode"};
 inline constexpr ServiceCall deviceReportCall = {"requestLogin's report", "/tenant/submitMobileInformation"};
 
-/// Makes a call through the shared NetworkManager: stores the header set with `clientId` there and sends
-/// `body`.
+/// Makes a call through the shared NetworkManager: stores the header set there and sends `body` as JSON. The
+/// header set is Content-Type application/json, XRAPI-VERSION 1.0, XRAPI-DEVICE-TYPE 1 and, if `clientId` is
+/// present, XRAPI-CLIENT-ID. The session adds User-Agent and the fields that HTTP requires.
 void send(const ServiceCall& call, const std::optional<std::string>& clientId, Map body,
           NetworkTool::Completion completion);
 
