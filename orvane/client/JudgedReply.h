@@ -10,7 +10,8 @@
 namespace orvane {
 
 /// The outcome that a call derives from its reply. A reply whose "code" is not 0 becomes a refusal: an error
-/// without user information, whose domain is the reply's "msg" and whose code is the reply's, or 1 for a login.
+/// without user information, whose domain is the reply's "msg" and whose code is the reply's, or 1 for a
+/// login.
 struct JudgedReply {
   // What `finished` receives. Each call uses two of these, or one.
   std::optional<Bytes> picture = {};
