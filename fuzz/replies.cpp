@@ -104,7 +104,10 @@ void judge(Call call, const std::string& body) {
   bool hasPassed = false;
   guarded.startDataTask(
       URLRequest(std::string(serviceBaseURL()).append(paths[static_cast<std::size_t>(call)])),
-      [&](const DataTaskResult& result) { hasPassed = result.body == Bytes(body.begin(), body.end()); });
+      [&](const DataTaskResult& result) {
+        hasPassed =
+            result.body && Bytes(result.body->begin(), result.body->end()) == Bytes(body.begin(), body.end());
+      });
   session.handlers.front()({Bytes(body.begin(), body.end()), HTTPResponse{200}, nullptr});
   require(hasPassed != isStopped, "a guard replaces what would stop the process, and nothing else");
 }

@@ -28,16 +28,19 @@ NSError* tooLarge() {
   return [NSError errorWithDomain:@"NSURLErrorDomain" code:dataLengthExceedsMaximum userInfo:words];
 }
 
+/// Refers to the bytes of `data` where they are. A copy of immutable data is the same object.
+Body platformBody(NSData* data) {
+  NSData* const kept = [[data copy] autorelease];
+  return {{static_cast<const std::uint8_t*>([kept bytes]), [kept length]}, retained(kept)};
+}
+
 /// An error may come with a response and what there was of the body.
 DataTaskResult resultOf(NSData* body, NSURLResponse* response, NSError* error) {
   if (!error && [body length] > maximumBodySize) error = tooLarge();
   if (error) return {std::nullopt, std::nullopt, makeError(error)};
   DataTaskResult result;
   // An empty body may come as none.
-  if (body || response) {
-    const auto* const bytes = static_cast<const std::uint8_t*>([body bytes]);
-    result.body.emplace(bytes, bytes + [body length]);
-  }
+  if (body || response) result.body = platformBody(body);
   if ([response isKindOfClass:[NSHTTPURLResponse class]])
     result.response = HTTPResponse{static_cast<int>([(NSHTTPURLResponse*)response statusCode])};
   return result;

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "orvane/base/Error.h"
+#include "orvane/platform/Body.h"
 #include "orvane/platform/URLRequest.h"
 
 namespace orvane {
@@ -16,7 +17,7 @@ struct HTTPResponse {
 /// The outcome of a data task. A success has a response, with any status, and a body, which may be empty. A
 /// failure has an error and neither of them.
 struct DataTaskResult {
-  std::optional<Bytes> body;             ///< After decompression.
+  std::optional<Body> body;              ///< After decompression.
   std::optional<HTTPResponse> response;  ///< The last one, if there were redirects.
   ErrorPtr error;                        ///< The session's own error, or null.
 };

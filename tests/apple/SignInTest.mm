@@ -314,10 +314,21 @@ void logInBehindAPortal(bool encrypted) {
   }
 }
 
-void useSessionTwice() {
-  NSURLSession* const session = [NSURLSession sharedSession];
-  send(classNamed("OVSession"), "useSession:failureMessage:", session, @"No connection.");
-  send(classNamed("OVSession"), "useSession:failureMessage:", session, @"No connection.");
+void useSessionAfter(std::string_view first) {
+  const auto use = [] {
+    send(classNamed("OVSession"), "useSession:failureMessage:", [NSURLSession sharedSession],
+         @"No connection.");
+  };
+  useCanned({success("{}")});
+  if (first == "choice") use();
+  if (first == "call")
+    [[OrvaneManager shareManager] requestCode:@"1"
+                                   codeNumber:@"2"
+                                     finished:^(id){
+                                     }];
+  if (first == "fact") [OVDeviceInfoTool getSystemName];
+  use();
+  _exit(0);
 }
 
 TEST(BySelectorDeathTest, ASessionIsChosenBeforeTheFirstCallAndOnce) {
@@ -326,7 +337,8 @@ TEST(BySelectorDeathTest, ASessionIsChosenBeforeTheFirstCallAndOnce) {
   EXPECT_EXIT(signInThroughAProxy(), well, "");
   EXPECT_EXIT(logInBehindAPortal(false), well, "");
   EXPECT_EXIT(logInBehindAPortal(true), well, "");
-  EXPECT_EXIT(useSessionTwice(), testing::KilledBySignal(SIGABRT), "installPlatform: the platform is in use");
+  for (const char* first : {"choice", "call", "fact"})
+    EXPECT_EXIT(useSessionAfter(first), testing::KilledBySignal(SIGABRT), "platform is in use") << first;
 }
 
 std::size_t bytesInUse() {

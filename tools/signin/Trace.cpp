@@ -1,5 +1,6 @@
 #include "tools/signin/Trace.h"
 
+#include <span>
 #include <utility>
 
 #include "tools/signin/Address.h"
@@ -11,7 +12,7 @@ namespace {
 
 constexpr std::size_t longestShownBody = 2000;
 
-std::string_view textOf(const orvane::Bytes& bytes) {
+std::string_view textOf(std::span<const std::uint8_t> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 

@@ -6,9 +6,12 @@
 
 namespace orvane {
 
-/// Requests over an NSURLSession, with whose configuration they run. Handlers come on its delegate queue, which must be
-/// serial and not the main one, as it is unless the application says otherwise. The session stays the
-/// application's: it is not invalidated here. A body of more than 64 MiB is reported as NSURLErrorDomain -1103.
+/// Sends requests through an NSURLSession, with its configuration. Calls handlers on its delegate queue, which must be
+/// serial and not the main queue, as it is unless the application gives the session another. The NSURLSession remains the
+/// application's: it is not invalidated here.
+///
+/// Reads a body where NSURLSession left it, without a copy: the body keeps the NSData, and releases it on any thread.
+/// Reports a body of more than 64 MiB as NSURLErrorDomain -1103. NSURLSession has received all of it by then.
 ///
 /// In a file that also imports Orvane.h, `using namespace orvane` makes OrvaneManager and OVDeviceInfoTool ambiguous: they
 /// are classes of both languages. Write `orvane::` there.
