@@ -4,7 +4,8 @@
 
 namespace orvane {
 
-/// The device's own words. One source file for each kind of system says how to get them.
+/// Reads the facts from the system. AppleDeviceReadings.cpp reads the machine identifier.
+/// UIKitDeviceReadings.mm reads the other facts on iOS, and MacDeviceReadings.mm does so on macOS.
 class AppleDeviceReadings final : public DeviceReadings {
  public:
   std::string machine() const override;

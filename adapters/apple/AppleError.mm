@@ -1,7 +1,7 @@
 #import "orvane/apple/AppleError.h"
 
+#import "adapters/apple/platformText.h"
 #import "adapters/apple/retained.h"
-#import "adapters/apple/text.h"
 
 namespace orvane {
 

@@ -6,14 +6,14 @@
 
 namespace orvane {
 
-/// One of the system's own queues, which live for ever.
+/// A queue of libdispatch's that lives until the process ends: the main queue or the global one.
 class AppleQueue final : public DispatchQueue {
  public:
   explicit AppleQueue(dispatch_queue_t queue) : queue_(queue) {}
 
   void async(Task task) override;
 
-  /// By a group of the system's, where `notified` is one of its queues, too.
+  /// Uses a dispatch group if `notified` is a queue of libdispatch's, too.
   void asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification) override;
 
  private:

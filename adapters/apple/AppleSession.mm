@@ -1,7 +1,7 @@
 #import "orvane/apple/AppleSession.h"
 
+#import "adapters/apple/platformText.h"
 #import "adapters/apple/retained.h"
-#import "adapters/apple/text.h"
 #import "orvane/apple/AppleError.h"
 #include "orvane/base/fatal.h"
 
@@ -19,7 +19,7 @@ NSURLRequest* platformRequest(const URLRequest& request) {
   return made;
 }
 
-/// In bytes. What a host session takes by default.
+/// In bytes. The default limit of a host session, too.
 constexpr NSUInteger maximumBodySize = 64U << 20;
 
 NSError* tooLarge() {
@@ -28,18 +28,18 @@ NSError* tooLarge() {
   return [NSError errorWithDomain:@"NSURLErrorDomain" code:dataLengthExceedsMaximum userInfo:words];
 }
 
-/// Refers to the bytes of `data` where they are. A copy of immutable data is the same object.
+/// Refers to the bytes of `data` in place. Only mutable data is copied: `copy` returns immutable data itself.
 Body platformBody(NSData* data) {
   NSData* const kept = [[data copy] autorelease];
   return {{static_cast<const std::uint8_t*>([kept bytes]), [kept length]}, retained(kept)};
 }
 
-/// An error may come with a response and what there was of the body.
+/// An error may come with a response and with the part of the body that arrived before it.
 DataTaskResult resultOf(NSData* body, NSURLResponse* response, NSError* error) {
   if (!error && [body length] > maximumBodySize) error = tooLarge();
   if (error) return {std::nullopt, std::nullopt, makeError(error)};
   DataTaskResult result;
-  // An empty body may come as none.
+  // NSURLSession may report an empty body as nil.
   if (body || response) result.body = platformBody(body);
   if ([response isKindOfClass:[NSHTTPURLResponse class]])
     result.response = HTTPResponse{static_cast<int>([(NSHTTPURLResponse*)response statusCode])};
@@ -49,7 +49,7 @@ DataTaskResult resultOf(NSData* body, NSURLResponse* response, NSError* error) {
 }  // namespace
 
 AppleSession::AppleSession(NSURLSession* session) : session_(retained(session)) {
-  // It would take requests and never answer.
+  // A message to nil does nothing, so no handler would ever be called.
   if (!session) fatal("AppleSession: there is no NSURLSession");
 }
 

@@ -4,7 +4,7 @@
 
 namespace orvane {
 
-/// As NSURL and NSCharacterSet say.
+/// Asks NSURL and NSCharacterSet.
 class AppleTextRules final : public TextRules {
  public:
   bool isURL(std::string_view text) const override;

@@ -1,6 +1,6 @@
 #import "adapters/apple/AppleTextRules.h"
 
-#import "adapters/apple/text.h"
+#import "adapters/apple/platformText.h"
 
 namespace orvane {
 

@@ -5,7 +5,8 @@
 
 namespace orvane {
 
-/// A block, copied off the stack and released with the last copy of this. Calling nothing does nothing.
+/// Keeps a copy of a block, which may have been on the stack, and releases it with the last copy of this
+/// object. Does nothing when called if it was made from nil.
 template <class Block>
 class KeptBlock {
  public:

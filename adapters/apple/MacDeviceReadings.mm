@@ -1,7 +1,8 @@
-// The readings on macOS, which has no vendor identifier, no carrier, and no screen that is the device's own.
+// The readings on macOS, where a device has neither a vendor identifier nor a carrier nor a built-in screen
+// to report.
 
 #import "adapters/apple/AppleDeviceReadings.h"
-#import "adapters/apple/text.h"
+#import "adapters/apple/platformText.h"
 
 namespace orvane {
 

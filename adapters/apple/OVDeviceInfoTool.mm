@@ -1,8 +1,8 @@
 #include "orvane/device/OVDeviceInfoTool.h"
 
 #import "adapters/apple/Orvane/Orvane.h"
-#import "adapters/apple/qualifiedName.h"
-#import "adapters/apple/text.h"
+#import "adapters/apple/platformText.h"
+#import "adapters/apple/registerQualifiedName.h"
 
 @implementation OVDeviceInfoTool
 

@@ -1,6 +1,6 @@
 #import "adapters/apple/Orvane/Orvane.h"
-#import "adapters/apple/qualifiedName.h"
-#import "adapters/apple/text.h"
+#import "adapters/apple/platformText.h"
+#import "adapters/apple/registerQualifiedName.h"
 #import "orvane/apple/AppleSession.h"
 #include "orvane/client/GuardedSession.h"
 #include "orvane/client/serviceBaseURL.h"

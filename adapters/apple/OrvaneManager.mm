@@ -2,14 +2,15 @@
 
 #import "adapters/apple/KeptBlock.h"
 #import "adapters/apple/Orvane/Orvane.h"
-#import "adapters/apple/qualifiedName.h"
-#import "adapters/apple/text.h"
+#import "adapters/apple/platformText.h"
+#import "adapters/apple/registerQualifiedName.h"
 #import "orvane/apple/AppleError.h"
 #include "orvane/client/sharedManagerMaker.h"
 
 namespace {
 
-/// Makes one object's calls, and reaches the identifier through the object, so that an override of its accessors counts.
+/// Makes the calls of one Objective-C object. Reads and sets the client identifier through the object's
+/// accessors, so that an override of them counts.
 class BoundManager final : public orvane::OrvaneManager {
  public:
   explicit BoundManager(::OrvaneManager* object) : object_(object) {}

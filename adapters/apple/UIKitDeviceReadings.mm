@@ -1,13 +1,13 @@
-// The readings on iOS.
+// The readings on iOS and on Mac Catalyst.
 
 #import <CoreTelephony/CTCarrier.h>
 #import <CoreTelephony/CTTelephonyNetworkInfo.h>
 #import <UIKit/UIKit.h>
 
 #import "adapters/apple/AppleDeviceReadings.h"
-#import "adapters/apple/text.h"
+#import "adapters/apple/platformText.h"
 
-// The carrier and the main screen are deprecated, and without successors that know as much.
+// The carrier and the main screen are deprecated. Their successors do not report the same facts.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
 namespace orvane {

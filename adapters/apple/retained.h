@@ -5,7 +5,8 @@
 
 namespace orvane {
 
-/// Keeps an Objective-C object alive, in a form that plain C++ can hold; null for nil.
+/// Retains `object` until the last copy of the result is gone, which plain C++ can hold. Returns null for
+/// nil.
 inline std::shared_ptr<const void> retained(id object) {
   return {[object retain], [](id kept) { [kept release]; }};
 }

@@ -2,7 +2,7 @@
 
 #include "orvane/host/HostSession.h"
 #include "orvane/orvane.h"
-#include "tests/apple/standins/StandIns.h"
+#include "tests/apple/standins/standins.h"
 
 // The object runtime's own tables would count as leaks. A test counts what the library leaks.
 extern "C" int __lsan_is_turned_off();

@@ -5,7 +5,7 @@
 
 #import "orvane/apple/AppleSession.h"
 #include "orvane/host/HostSession.h"
-#include "tests/apple/standins/StandIns.h"
+#include "tests/apple/standins/standins.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #import <CoreTelephony/CTTelephonyNetworkInfo.h>
 #import <UIKit/UIKit.h>
 
-#include "tests/apple/standins/StandIns.h"
+#include "tests/apple/standins/standins.h"
 
 namespace {
 

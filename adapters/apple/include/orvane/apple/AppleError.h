@@ -6,12 +6,12 @@
 
 namespace orvane {
 
-/// The error with the domain, the code and the texts among the user information of `error`, which it keeps as its
-/// platform's object; null for nil.
+/// Makes an error with the domain and the code of `error`, and those entries of its user information whose
+/// key and value are texts. Keeps `error` as the platform's object. Returns null for nil.
 ORVANE_API ErrorPtr makeError(NSError* _Nullable error);
 
-/// The very object that `error` was made from, where there is one; else an object of the same domain, code and texts
-/// among the user information. Nil for null.
+/// Returns the very object that `error` was made from. If it was not made from one, makes an object with its
+/// domain, its code, and those entries of its user information whose value is a text. Returns nil for null.
 ORVANE_API NSError* _Nullable platformError(const ErrorPtr& error);
 
 }  // namespace orvane

@@ -6,18 +6,19 @@
 
 namespace orvane {
 
-/// Sends requests through an NSURLSession, with its configuration. Calls handlers on its delegate queue, which must be
-/// serial and not the main queue, as it is unless the application gives the session another. The NSURLSession remains the
-/// application's: it is not invalidated here.
+/// Sends requests through an NSURLSession, with its configuration. Calls handlers on its delegate queue,
+/// which must be serial and not the main queue, as it is unless the application gives the session another.
+/// The NSURLSession remains the application's: it is not invalidated here.
 ///
-/// Reads a body where NSURLSession left it, without a copy: the body keeps the NSData, and releases it on any thread.
-/// Reports a body of more than 64 MiB as NSURLErrorDomain -1103. NSURLSession has received all of it by then.
+/// Reads a body where NSURLSession left it, without a copy: the body keeps the NSData, and releases it on any
+/// thread. Reports a body of more than 64 MiB as NSURLErrorDomain -1103. NSURLSession has received all of it
+/// by then.
 ///
-/// In a file that also imports Orvane.h, `using namespace orvane` makes OrvaneManager and OVDeviceInfoTool ambiguous: they
-/// are classes of both languages. Write `orvane::` there.
+/// In a file that also imports Orvane.h, `using namespace orvane` makes OrvaneManager and OVDeviceInfoTool
+/// ambiguous, because both languages have classes of these names. Write `orvane::` there.
 class ORVANE_API AppleSession final : public URLSession {
  public:
-  /// Keeps `session`. Stops the process for nil.
+  /// Retains `session`. Stops the process if it is nil.
   explicit AppleSession(NSURLSession* _Nonnull session);
 
   void startDataTask(URLRequest request, DataTaskHandler handler) override;

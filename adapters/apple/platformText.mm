@@ -1,4 +1,4 @@
-#import "adapters/apple/text.h"
+#import "adapters/apple/platformText.h"
 
 #include <vector>
 
@@ -42,7 +42,7 @@ std::optional<std::string> optionalUTF8(NSString* text) {
 }
 
 NSString* platformText(std::string_view text) {
-  // NSString raises on a null pointer, even for no characters.
+  // NSString raises an exception for a null pointer, even with a length of 0.
   if (text.empty()) return @"";
   std::vector<unichar> units;
   units.reserve(text.size());

@@ -7,8 +7,8 @@
 #include "adapters/apple/AppleTextRules.h"
 #import "orvane/apple/AppleError.h"
 #include "orvane/orvane.h"
-#include "tests/apple/bySelector.h"
-#include "tests/apple/standins/StandIns.h"
+#include "tests/apple/send.h"
+#include "tests/apple/standins/standins.h"
 
 @implementation BrokenText
 - (NSUInteger)length {

@@ -1,10 +1,10 @@
-#include <sys/utsname.h>
-
 #include "adapters/apple/AppleDeviceReadings.h"
+
+#include <sys/utsname.h>
 
 namespace orvane {
 
-/// Empty where the system call fails.
+/// Returns an empty text if the system call fails.
 std::string AppleDeviceReadings::machine() const {
   utsname names{};
   uname(&names);

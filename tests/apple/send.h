@@ -16,8 +16,8 @@ inline Class classNamed(const char* name) {
   return NSClassFromString([NSString stringWithUTF8String:name]);
 }
 
-/// Sends a message as any caller does that knows the selector alone. The cast by way of `void (*)()` is the one that
-/// compilers leave without a warning.
+/// Sends a message as any caller does that knows the selector alone. The cast by way of `void (*)()` is the
+/// one that compilers leave without a warning.
 template <class Result = void, class... Arguments>
 Result send(id receiver, const char* selector, Arguments... arguments) {
   const SEL name = sel_registerName(selector);

@@ -1,4 +1,4 @@
-#import "adapters/apple/qualifiedName.h"
+#import "adapters/apple/registerQualifiedName.h"
 
 #import <objc/runtime.h>
 #include <string>
@@ -7,7 +7,7 @@ namespace orvane {
 
 void registerQualifiedName(Class type) {
   const std::string name = std::string("Orvane.").append(class_getName(type));
-  // None where another copy of the library has it.
+  // Null if another copy of the library in this process has registered the name.
   if (const Class made = objc_allocateClassPair(type, name.c_str(), 0)) objc_registerClassPair(made);
 }
 
