@@ -10,8 +10,9 @@
 
 namespace orvane {
 
-/// The bytes of a reply's body. A value type. Holds bytes of its own, or refers to memory that a platform object owns and
-/// keeps that object alive, so that a session need not copy a body that it has received already.
+/// The bytes of a reply's body. A value type. Holds bytes of its own, or refers to memory that a platform
+/// object owns and keeps that object alive, so that a session need not copy a body that it has received
+/// already.
 class Body {
  public:
   /// Makes an empty body.
@@ -20,9 +21,9 @@ class Body {
   /// Takes over `bytes`. Makes no copy if they are moved in. Implicit, because bytes are a body.
   Body(Bytes bytes) noexcept : own_(std::move(bytes)) {}
 
-  /// Refers to `bytes`, which belong to `owner`. The memory must exist and stay unchanged as long as `owner` does. The
-  /// body and its copies share `owner`. The last of them releases it, on any thread, so the release must be safe there.
-  /// Makes an empty body if `owner` is null.
+  /// Refers to `bytes`, which belong to `owner`. The memory must exist and stay unchanged as long as `owner`
+  /// does. The body and its copies share `owner`. The last of them releases it, on any thread, so the release
+  /// must be safe there. Makes an empty body if `owner` is null.
   Body(std::span<const std::uint8_t> bytes, std::shared_ptr<const void> owner) noexcept
       : lent_(bytes), owner_(std::move(owner)) {}
 
