@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <sanitizer/allocator_interface.h>
+#include <thread>
 
 #import "orvane/apple/AppleSession.h"
 #include "orvane/host/HostSession.h"
+#include "orvane/host/hostMainQueue.h"
 #include "orvane/orvane.h"
 #include "tests/apple/send.h"
 #include "tests/apple/standins/standins.h"
@@ -15,38 +17,30 @@
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/Server.h"
 
-// Without a sanitizer there is none of it.
+// Null in a build without a sanitizer.
 extern "C" __attribute__((weak)) size_t __sanitizer_get_current_allocated_bytes();
-
-@interface StubbornManager : OrvaneManager
-@end
-
-@implementation StubbornManager
-- (NSString*)clientId {
-  return @"stubborn";
-}
-@end
 
 namespace {
 
 using orvane::DataTaskResult;
 using orvane::test::classNamed;
-using orvane::test::finish;
 using orvane::test::LoopbackServer;
 using orvane::test::reply;
 using orvane::test::send;
 using Answer = LoopbackServer::Answer;
-using Over = void (^)();
 
-/// Answers each task at once, in turn.
+/// Calls each handler at once, with one result after the other.
 class CannedSession final : public orvane::URLSession {
  public:
   explicit CannedSession(std::vector<DataTaskResult> results) : results_(std::move(results)) {}
 
-  void startDataTask(orvane::URLRequest, orvane::DataTaskHandler handler) override {
+  void startDataTask(orvane::URLRequest request, orvane::DataTaskHandler handler) override {
+    lastURL = request.url();
     handler(results_[next_++ % results_.size()]);
   }
   void cancelAllOperations() override {}
+
+  inline static std::string lastURL;
 
  private:
   std::vector<DataTaskResult> results_;
@@ -65,60 +59,62 @@ const DataTaskResult lost = {
     std::nullopt, std::nullopt,
     std::make_shared<const orvane::Error>(orvane::Error{"NSURLErrorDomain", -1005, {{"reason", "lost"}}})};
 
-/// Outcome and place of one requestCode, and the error that came.
-struct CodeOutcome {
-  std::string text;
-  bool onMainQueue;
-  const void* error;
-};
-CodeOutcome requestCode(NSString* mobile) {
-  __block std::string text;
-  __block const void* pointer = nullptr;
-  const bool onMainQueue = finish(^(Over over) {
-    send(send<id>(classNamed("OrvaneManager"), "shareManager"), "requestCode:codeNumber:finished:", mobile,
-         @"", ^(NSError* error) {
-           pointer = error;
-           text = error ? std::string([[error domain] UTF8String]) + " " + std::to_string([error code]) +
-                              " " + std::to_string([[error userInfo] count])
-                        : "none";
-           over();
-         });
-  });
-  return {text, onMainQueue, pointer};
+constexpr const char* pictureCall = "requestPictureCode:finished:";
+constexpr const char* codeCall = "requestCode:codeNumber:finished:";
+constexpr const char* loginCall = "requestLogin:code:finished:";
+
+id sharedManager() {
+  return send<id>(classNamed("OrvaneManager"), "shareManager");
 }
 
-/// Signs in by selector, with what the service knows of the number.
+/// Returns the bytes of an NSData, or of an NSString in UTF-8.
+std::string bytesOf(id answer) {
+  if (!answer) return "nil";
+  const bool isText = [answer isKindOfClass:[NSString class]];
+  NSData* const data = isText ? [answer dataUsingEncoding:NSUTF8StringEncoding] : answer;
+  return {static_cast<const char*>([data bytes]), [data length]};
+}
+
+/// What a block received, and where. Of an error: domain, code, and number of entries of the user
+/// information.
+struct Outcome {
+  std::string answer;
+  std::string error;
+  bool isOnMainQueue = false;
+  const void* errorObject = nullptr;
+};
+
+/// Makes a call and runs the main queue until its block has been called.
+Outcome perform(id manager, const char* call, NSString* mobile, NSString* read = nil) {
+  __block Outcome outcome;
+  const std::thread::id here = std::this_thread::get_id();
+  const auto finished = ^(id answer, NSError* error) {
+    outcome = {bytesOf(answer), "none", std::this_thread::get_id() == here, error};
+    if (error)
+      outcome.error = bytesOf([error domain]) + " " + std::to_string([error code]) + " " +
+                      std::to_string([[error userInfo] count]);
+    orvane::hostMainQueue().stop();
+  };
+  if (call == pictureCall) send(manager, call, mobile, finished);
+  if (call == codeCall)
+    send(manager, call, mobile, read, ^(NSError* error) {
+      finished(nil, error);
+    });
+  if (call == loginCall) send(manager, call, mobile, read, finished);
+  orvane::hostMainQueue().run();
+  return outcome;
+}
+
+/// Signs in with what the service knows of the number.
 void signIn(id manager, NSString* mobile, devservice::IdentityService& identities) {
   const auto known = [&] { return identities.inspect([mobile UTF8String]).value(); };
   const auto text = [](const std::string& utf8) { return [NSString stringWithUTF8String:utf8.c_str()]; };
-
-  __block std::string picture;
-  EXPECT_TRUE(finish(^(Over over) {
-    const auto finished = ^(NSData* data, NSError* error) {
-      if (!error) picture.assign(static_cast<const char*>([data bytes]), [data length]);
-      over();
-    };
-    [manager performSelector:sel_registerName("requestPictureCode:finished:")
-                  withObject:mobile
-                  withObject:(id)finished];
-  }));
-  ASSERT_TRUE(picture.starts_with("\x89PNG")) << picture.substr(0, 80);
-
-  EXPECT_TRUE(finish(^(Over over) {
-    send(manager, "requestCode:codeNumber:finished:", mobile, text(*known().picture), ^(NSError* error) {
-      EXPECT_EQ(error, nil);
-      over();
-    });
-  }));
-
-  EXPECT_TRUE(finish(^(Over over) {
-    send(manager, "requestLogin:code:finished:", mobile, text(*known().code),
-         ^(NSString* message, NSError* error) {
-           EXPECT_TRUE([message isEqual:@"welcome"]);
-           EXPECT_EQ(error, nil);
-           over();
-         });
-  }));
+  const Outcome picture = perform(manager, pictureCall, mobile);
+  ASSERT_TRUE(picture.answer.starts_with("\x89PNG")) << picture.answer.substr(0, 80);
+  EXPECT_EQ(perform(manager, codeCall, mobile, text(*known().picture)).error, "none");
+  const Outcome login = perform(manager, loginCall, mobile, text(*known().code));
+  EXPECT_EQ(login.answer, "welcome");
+  EXPECT_EQ(login.error, "none");
   while (!known().facts) std::this_thread::yield();
   EXPECT_EQ(known().facts->at("carrier"), "Carrier");
 }
@@ -128,21 +124,14 @@ TEST(BySelector, AWholeSignInOfEachManager) {
   const devservice::Server server(identities);
   orvane::test::installAdapter(server.port());
   @autoreleasepool {
-    const id shared = send<id>(classNamed("OrvaneManager"), "shareManager");
+    const id shared = sharedManager();
     const id own = [[[classNamed("Orvane.OrvaneManager") alloc] init] autorelease];
-    const id stubborn = [[[StubbornManager alloc] init] autorelease];
     send(shared, "setClientId:", @"one");
     send(own, "setAppClientId:", @"two");
-    struct Row {
-      id manager;
-      const char* identifier;
-      NSString* mobile;
-    };
-    for (const Row& row : {Row{shared, "one", @"+447700900001"}, Row{own, "two", @"+447700900002"},
-                           Row{stubborn, "stubborn", @"+447700900003"}}) {
-      signIn(row.manager, row.mobile, identities);
-      EXPECT_EQ(identities.inspect([row.mobile UTF8String])->clientId, row.identifier);
-    }
+    signIn(shared, @"+447700900001", identities);
+    signIn(own, @"+447700900002", identities);
+    EXPECT_EQ(identities.inspect("+447700900001")->clientId, "one");
+    EXPECT_EQ(identities.inspect("+447700900002")->clientId, "two");
     [shared setClientId:nil];
   }
 }
@@ -150,195 +139,157 @@ TEST(BySelector, AWholeSignInOfEachManager) {
 TEST(BySelector, OutcomesComeAsTheyAreAndWhereTheyShould) {
   LoopbackServer server;
   orvane::test::installAdapter(server.port());
-  const auto answerWith = [&](const Answer& answer) {
-    server.setScript([answer](const auto&) { return answer; });
+  struct Row {
+    const char* what;
+    const char* call;
+    Answer answer;
+    std::string received;
+    std::string error;
+    bool isOnMainQueue;
   };
-  const std::tuple<Answer, std::string, bool> rows[] = {
-      {{reply(R"({"code":0})")}, "none", true},
-      {{reply(R"({"code":7,"msg":"Bu\ud83d\ude00sy"})")}, "Bu😀sy 7 0", true},
-      {{reply(R"({"code":-2147483648,"msg":""})")}, " -2147483648 0", true},
-      {{reply("")}, "com.brovent.error -1 1", false},
-      {{"", LoopbackServer::Then::close}, "NSURLErrorDomain -1005 5", false},
+  const Row rows[] = {
+      {"accepted", codeCall, {reply(R"({"code":0})")}, "nil", "none", true},
+      {"an empty picture", pictureCall, {reply(R"({"code":0,"data":[]})")}, "", "none", true},
+      {"refused", codeCall, {reply(R"({"code":7,"msg":"Bu\ud83d\ude00sy"})")}, "nil", "Bu😀sy 7 0", true},
+      {"the least code",
+       codeCall,
+       {reply(R"({"code":-2147483648,"msg":""})")},
+       "nil",
+       " -2147483648 0",
+       true},
+      {"a refused login",
+       loginCall,
+       {reply(R"({"code":9,"msg":"a\u0000b"})")},
+       {"a\0b", 3},
+       {"a\0b 1 0", 7},
+       true},
+      {"not JSON", codeCall, {reply("")}, "nil", "com.brovent.error -1 1", false},
+      {"no reply", codeCall, {"", LoopbackServer::Then::close}, "nil", "NSURLErrorDomain -1005 5", false},
   };
-  for (const auto& [answer, text, onMainQueue] : rows) {
-    answerWith(answer);
-    const CodeOutcome outcome = requestCode(@"1");
-    EXPECT_EQ(outcome.text, text);
-    EXPECT_EQ(outcome.onMainQueue, onMainQueue);
-    if (text.starts_with("NSURL")) EXPECT_EQ(outcome.error, standins::latestError());
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    server.setScript([&](const auto&) { return row.answer; });
+    const Outcome outcome = perform(sharedManager(), row.call, @"1", @"2");
+    EXPECT_EQ(outcome.answer, row.received);
+    EXPECT_EQ(outcome.error, row.error);
+    EXPECT_EQ(outcome.isOnMainQueue, row.isOnMainQueue);
+    if (row.error.starts_with("NSURL")) EXPECT_EQ(outcome.errorObject, standins::latestError());
   }
-
-  answerWith({reply(R"({"code":0,"data":[]})")});
-  finish(^(Over over) {
-    [[OrvaneManager shareManager] requestPictureCode:@"1"
-                                            finished:^(NSData* data, NSError* error) {
-                                              EXPECT_TRUE(data && [data length] == 0 && !error);
-                                              over();
-                                            }];
-  });
-  answerWith({reply(R"({"code":9,"msg":"a\u0000b"})")});
-  finish(^(Over over) {
-    [[OrvaneManager shareManager] requestLogin:@"1"
-                                          code:@"2"
-                                      finished:^(NSString* message, NSError* error) {
-                                        EXPECT_TRUE([message isEqual:@"a\0b"]);
-                                        EXPECT_TRUE([[error domain] isEqual:message]);
-                                        EXPECT_EQ([error code], 1);
-                                        over();
-                                      }];
-  });
 }
 
-TEST(BySelector, NilIsAnEmptyTextAndNobodyToTell) {
+TEST(BySelector, NilIsAnEmptyTextOrNoBlock) {
   useCanned({success(R"({"code":3,"msg":""})")});
-  const id manager = [OrvaneManager shareManager];
+  const id manager = sharedManager();
   NSString* const none = nil;
-  send(manager, "requestPictureCode:finished:", none, none);
-  send(manager, "requestCode:codeNumber:finished:", none, none, none);
-  send(manager, "requestLogin:code:finished:", none, none, none);
-  // Behind them on the main queue.
-  EXPECT_EQ(requestCode(@"").text, " 3 0");
+  send(manager, pictureCall, none, none);
+  send(manager, codeCall, none, none, none);
+  send(manager, loginCall, none, none, none);
+  // After those three on the main queue.
+  EXPECT_EQ(perform(manager, codeCall, @"").error, " 3 0");
 
-  LoopbackServer server;
+  LoopbackServer server{[](const auto&) { return Answer{reply(R"({"code":0})")}; }};
   orvane::test::installAdapter(server.port());
-  server.setScript([](const auto&) { return Answer{reply(R"({"code":0})")}; });
-  [[OrvaneManager shareManager] setClientId:[[[BrokenText alloc] init] autorelease]];
-  EXPECT_EQ(requestCode(none).text, "none");
+  [manager setClientId:[[[BrokenText alloc] init] autorelease]];
+  EXPECT_EQ(perform(manager, codeCall, none).error, "none");
   EXPECT_EQ(server.requests().at(0).body, R"({"captcha":"","mobile":""})");
   EXPECT_TRUE(server.requests().at(0).hasLine("XRAPI-CLIENT-ID: \uFFFD😀\uFFFDa"));
-  [[OrvaneManager shareManager] setClientId:nil];
+  [manager setClientId:nil];
 }
 
-/// Makes one call; the process ends well if its block is called, and if nothing stops it.
-void callOnce(const std::string& call, const DataTaskResult& result) {
+/// Ends the process well unless `act` stops it.
+void leaveAfter(void (*act)(), const DataTaskResult& result) {
   @autoreleasepool {
     useCanned({result});
-    OrvaneManager* const manager = [OrvaneManager shareManager];
-    if (call == "getMEIDCode") [OVDeviceInfoTool getMEIDCode];
-    NSURLSession* none = nil;
-    if (call == "session") const orvane::AppleSession session(none);
-    if (call == "picture")
-      [manager requestPictureCode:@"1"
-                         finished:^(id, id) {
-                           _exit(0);
-                         }];
-    if (call == "code")
-      [manager requestCode:@"1"
-                codeNumber:@"2"
-                  finished:^(id) {
-                    _exit(0);
-                  }];
-    if (call == "login")
-      [manager requestLogin:@"1"
-                       code:@"2"
-                   finished:^(id, id) {
-                     _exit(0);
-                   }];
-    if (call == "surrogate")
-      [manager requestCode:[[[BrokenText alloc] init] autorelease]
-                codeNumber:@""
-                  finished:^(id) {
-                    _exit(0);
-                  }];
-    if (call != "getMEIDCode" && call != "session") orvane::hostMainQueue().run();
+    act();
   }
   _exit(0);
 }
 
-TEST(BySelectorDeathTest, FatalCasesEndTheProcess) {
+TEST(BySelectorDeathTest, FatalCasesStopTheProcess) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const std::tuple<const char*, DataTaskResult, const char*> rows[] = {
-      {"picture", success(R"({"code":0,"data":[256]})"), "requestPictureCode"},
-      {"picture", success("[]"), "requestPictureCode"},
-      {"code", success(R"({"code":"0"})"), "requestCode"},
-      {"code", success(R"({"code":5})"), "requestCode"},
-      {"code", DataTaskResult(), "requestJSON"},
-      {"login", success(R"({"code":0})"), "requestLogin"},
-      {"login", lost, "requestLogin: there is no reply"},
-      {"surrogate", success(R"({"code":0})"), "cannot be represented"},
-      {"getMEIDCode", success(""), "no vendor identifier"},
-      {"session", success(""), "there is no NSURLSession"},
+  struct Row {
+    const char* what;
+    void (*act)();
+    DataTaskResult result;
+    const char* complaint;
   };
-  for (const auto& [call, result, complaint] : rows)
-    EXPECT_EXIT(callOnce(call, result), testing::KilledBySignal(SIGABRT), complaint) << call;
+  const auto logIn = [] { perform(sharedManager(), loginCall, @"1", @"2"); };
+  const auto requestCode = [] { perform(sharedManager(), codeCall, @"1", @"2"); };
+  const Row rows[] = {
+      {"a failed login", logIn, lost, "requestLogin: there is no reply"},
+      {"a reply without its member", requestCode, success(R"({"code":5})"), "requestCode"},
+      {"neither body, response nor error", requestCode, DataTaskResult(), "requestJSON"},
+      {"a mobile number that UTF-8 cannot hold",
+       [] { perform(sharedManager(), codeCall, [[[BrokenText alloc] init] autorelease], @""); },
+       success(R"({"code":0})"), "cannot be represented"},
+      {"no vendor identifier", [] { [OVDeviceInfoTool getMEIDCode]; }, lost, "no vendor identifier"},
+      {"no session",
+       [] {
+         NSURLSession* none = nil;
+         const orvane::AppleSession session(none);
+       },
+       lost, "there is no NSURLSession"},
+  };
+  for (const Row& row : rows)
+    EXPECT_EXIT(leaveAfter(row.act, row.result), testing::KilledBySignal(SIGABRT), row.complaint) << row.what;
 }
 
 /// A debug build in a simulator: the development service is the proxy of the application's session.
 void signInThroughAProxy() {
-  @autoreleasepool {
-    devservice::IdentityService identities;
-    const devservice::Server server(identities);
-    NSURLSessionConfiguration* const configuration =
-        [NSURLSessionConfiguration ephemeralSessionConfiguration];
-    [configuration setConnectionProxyDictionary:@{
-      @"HTTPEnable" : @1,
-      @"HTTPProxy" : @"127.0.0.1",
-      @"HTTPPort" : @(static_cast<int>(server.port()))
-    }];
-    [OVSession useSession:[NSURLSession sessionWithConfiguration:configuration]
-           failureMessage:@"No connection."];
-    signIn([OrvaneManager shareManager], @"+447700900004", identities);
-    _exit(testing::Test::HasFailure() ? 1 : 0);
-  }
+  devservice::IdentityService identities;
+  const devservice::Server server(identities);
+  NSURLSessionConfiguration* const configuration = [NSURLSessionConfiguration ephemeralSessionConfiguration];
+  [configuration setConnectionProxyDictionary:@{
+    @"HTTPEnable" : @1,
+    @"HTTPProxy" : @"127.0.0.1",
+    @"HTTPPort" : @(static_cast<int>(server.port()))
+  }];
+  [OVSession useSession:[NSURLSession sessionWithConfiguration:configuration]
+         failureMessage:@"No connection."];
+  signIn(sharedManager(), @"+447700900004", identities);
+  _exit(testing::Test::HasFailure() ? 1 : 0);
 }
 
-/// Status 200 and a page of HTML in front of a login. The process ends well if that is refused as promised.
-void logInBehindAPortal(bool encrypted) {
-  @autoreleasepool {
-    __block std::string url;
-    struct Portal final : orvane::URLSession {
-      explicit Portal(std::string& asked) : url(asked) {}
-      void startDataTask(orvane::URLRequest request, orvane::DataTaskHandler handler) override {
-        url = request.url();
-        std::thread([handler = std::move(handler)] {
-          handler(success("<html>Sign in to this network</html>"));
-        }).detach();
-      }
-      void cancelAllOperations() override {}
-      std::string& url;
-    };
-    standins::setSharedTransport(std::make_shared<Portal>(url));
-    send(classNamed("Orvane.OVSession"), "useSession:failureMessage:encrypted:", [NSURLSession sharedSession],
-         @"No connection.", static_cast<BOOL>(encrypted));
-    EXPECT_TRUE(finish(^(Over over) {
-      send([OrvaneManager shareManager], "requestLogin:code:finished:", @"1", @"2",
-           ^(NSString* message, NSError* error) {
-             EXPECT_TRUE([message isEqual:@"No connection."]);
-             EXPECT_TRUE([[error domain] isEqual:message]);
-             EXPECT_EQ([error code], 1);
-             over();
-           });
-    }));
-    EXPECT_TRUE(url.starts_with(encrypted ? "https://" : "http://")) << url;
-    _exit(testing::Test::HasFailure() ? 1 : 0);
-  }
+void useSession(BOOL encrypted) {
+  send(classNamed("Orvane.OVSession"), "useSession:failureMessage:encrypted:", [NSURLSession sharedSession],
+       @"No connection.", encrypted);
 }
 
-void useSessionAfter(std::string_view first) {
-  const auto use = [] {
-    send(classNamed("OVSession"), "useSession:failureMessage:", [NSURLSession sharedSession],
-         @"No connection.");
-  };
-  useCanned({success("{}")});
-  if (first == "choice") use();
-  if (first == "call")
-    [[OrvaneManager shareManager] requestCode:@"1"
-                                   codeNumber:@"2"
-                                     finished:^(id){
-                                     }];
-  if (first == "fact") [OVDeviceInfoTool getSystemName];
-  use();
-  _exit(0);
+/// Logs in where status 200 and a page of HTML come.
+void logInBehindAPortal(BOOL encrypted) {
+  useCanned({success("<html>Sign in to this network</html>")});
+  useSession(encrypted);
+  const Outcome outcome = perform(sharedManager(), loginCall, @"1", @"2");
+  EXPECT_EQ(outcome.answer, "No connection.");
+  EXPECT_EQ(outcome.error, "No connection. 1 0");
+  EXPECT_TRUE(outcome.isOnMainQueue);
+  EXPECT_TRUE(CannedSession::lastURL.starts_with(encrypted ? "https://" : "http://"))
+      << CannedSession::lastURL;
+  _exit(testing::Test::HasFailure() ? 1 : 0);
 }
 
-TEST(BySelectorDeathTest, ASessionIsChosenBeforeTheFirstCallAndOnce) {
+TEST(BySelectorDeathTest, ASessionIsChosenBeforeTheFirstUseAndOnce) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const testing::ExitedWithCode well(0);
   EXPECT_EXIT(signInThroughAProxy(), well, "");
-  EXPECT_EXIT(logInBehindAPortal(false), well, "");
-  EXPECT_EXIT(logInBehindAPortal(true), well, "");
-  for (const char* first : {"choice", "call", "fact"})
-    EXPECT_EXIT(useSessionAfter(first), testing::KilledBySignal(SIGABRT), "platform is in use") << first;
+  EXPECT_EXIT(logInBehindAPortal(NO), well, "");
+  EXPECT_EXIT(logInBehindAPortal(YES), well, "");
+
+  const std::pair<const char*, void (*)()> uses[] = {
+      {"a choice", [] { useSession(NO); }},
+      {"a call", [] { perform(sharedManager(), codeCall, @"1", @"2"); }},
+      {"a reading", [] { [OVDeviceInfoTool getSystemName]; }},
+  };
+  for (const auto& [what, use] : uses) {
+    const auto choose = [use = use] {
+      useCanned({success(R"({"code":0})")});
+      use();
+      useSession(NO);
+      _exit(0);
+    };
+    EXPECT_EXIT(choose(), testing::KilledBySignal(SIGABRT), "installPlatform: the platform is in use")
+        << what;
+  }
 }
 
 std::size_t bytesInUse() {
@@ -347,35 +298,22 @@ std::size_t bytesInUse() {
 }
 
 TEST(BySelector, NothingLeaks) {
-  // In the order of the requests below; the last is the submission's.
+  // In the order of the requests below. The last result is that of the report.
   useCanned({success(R"({"code":0,"data":[1,2,3]})"), success(R"({"code":3,"msg":"refused"})"), lost,
              success(R"({"code":0,"msg":"welcome"})"), success("{}")});
-  const auto callFourTimes = [](NSString* text) {
-    const id manager = [[[classNamed("OrvaneManager") alloc] init] autorelease];
-    send(manager, "setClientId:", text);
-    for (const int call : {0, 1, 2, 3}) {
-      finish(^(Over over) {
-        const auto withOne = ^(NSError* error) {
-          EXPECT_TRUE(error && [text length] > 0);
-          over();
-        };
-        const auto withTwo = ^(id answer, NSError* error) {
-          EXPECT_TRUE(answer && !error && [text length] > 0);
-          over();
-        };
-        if (call == 0) send(manager, "requestPictureCode:finished:", text, withTwo);
-        if (call == 1 || call == 2) send(manager, "requestCode:codeNumber:finished:", text, text, withOne);
-        if (call == 3) send(manager, "requestLogin:code:finished:", text, text, withTwo);
-      });
-    }
-  };
   std::size_t before = 0;
   constexpr int warmUp = 100;
   constexpr int rounds = 2500;
   for (int i = 0; i < warmUp + rounds; ++i) {
     if (i == warmUp) before = bytesInUse();
     @autoreleasepool {
-      callFourTimes([NSString stringWithFormat:@"a text of its own, with the number %d", i]);
+      NSString* const text = [NSString stringWithFormat:@"a text of its own, with the number %d", i];
+      const id manager = [[[classNamed("OrvaneManager") alloc] init] autorelease];
+      send(manager, "setClientId:", text);
+      EXPECT_EQ(perform(manager, pictureCall, text).answer, "\1\2\3");
+      EXPECT_EQ(perform(manager, codeCall, text, text).error, "refused 3 0");
+      EXPECT_EQ(perform(manager, codeCall, text, text).error, "NSURLErrorDomain -1005 3");
+      EXPECT_EQ(perform(manager, loginCall, text, text).answer, "welcome");
     }
   }
   EXPECT_LT(bytesInUse(), before + rounds * sizeof(void*));

@@ -1,9 +1,7 @@
 #pragma once
 
 #import <Foundation/Foundation.h>
-#include <thread>
-
-#include "orvane/host/hostMainQueue.h"
+#import <objc/runtime.h>
 
 /// A text that is not Unicode: two lone surrogates, around a pair and before a letter.
 @interface BrokenText : NSString
@@ -23,17 +21,6 @@ Result send(id receiver, const char* selector, Arguments... arguments) {
   const SEL name = sel_registerName(selector);
   const auto method = reinterpret_cast<void (*)()>([receiver methodForSelector:name]);
   return reinterpret_cast<Result (*)(id, SEL, Arguments...)>(method)(receiver, name, arguments...);
-}
-
-/// Runs the main queue until `call` lets `over` be called. Whether that was on the main thread.
-inline bool finish(void (^call)(void (^over)())) {
-  __block std::thread::id thread;
-  call(^{
-    thread = std::this_thread::get_id();
-    hostMainQueue().stop();
-  });
-  hostMainQueue().run();
-  return thread == std::this_thread::get_id();
 }
 
 }  // namespace orvane::test

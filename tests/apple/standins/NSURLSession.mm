@@ -1,6 +1,5 @@
 #import <Block.h>
 #import <Foundation/Foundation.h>
-#include <algorithm>
 #include <atomic>
 
 #import "orvane/apple/AppleSession.h"
@@ -22,7 +21,7 @@ NSString* text(const std::string& utf8) {
   return [NSString stringWithUTF8String:utf8.c_str()];
 }
 
-/// With the fields in the order of their names, so that the wire can be compared.
+/// Sorts the fields by their names, so that tests can compare what is sent.
 orvane::URLRequest portable(NSURLRequest* request) {
   orvane::URLRequest made([[[request URL] absoluteString] UTF8String]);
   made.setMethod([[request HTTPMethod] UTF8String]);
@@ -36,7 +35,7 @@ orvane::URLRequest portable(NSURLRequest* request) {
   return made;
 }
 
-NSError* platformError(const orvane::Error& error) {
+NSError* errorOf(const orvane::Error& error) {
   NSMutableDictionary* const userInfo = [NSMutableDictionary dictionary];
   for (const auto& [key, value] : error.userInfo) [userInfo setObject:text(*value.text()) forKey:text(key)];
   [userInfo setObject:[NSURL URLWithString:@"http://h/"] forKey:@"URL"];
@@ -50,86 +49,30 @@ NSError* platformError(const orvane::Error& error) {
 
 }  // namespace
 
-/// The queue on which the transport calls handlers.
+/// The queue on which a session's transport calls handlers.
 @interface TransportQueue : NSOperationQueue {
  @public
-  std::function<std::shared_ptr<orvane::URLSession>()> transport;
+  std::shared_ptr<orvane::URLSession> own;
 }
 @end
 
 @implementation TransportQueue
+/// Returns the session's own transport, or the one of NSURLSession's shared session.
+- (std::shared_ptr<orvane::URLSession>)transport {
+  return own ? own : sharedTransport();
+}
 - (void)cancelAllOperations {
-  transport()->cancelAllOperations();
+  [self transport]->cancelAllOperations();
 }
-@end
-
-@interface CarriedTask : NSURLSessionDataTask {
- @public
-  std::function<void()> start;
-}
-@end
-
-@implementation CarriedTask
-- (void)resume {
-  start();
-}
-@end
-
-/// A session whose tasks another one carries out: `own`, or for want of it the shared one.
-@interface CarriedSession : NSURLSession {
- @public
-  std::shared_ptr<orvane::URLSession> own;
-  TransportQueue* queue;
-}
-@end
-
-@implementation CarriedSession
-
-- (instancetype)init {
-  if ((self = [super init])) {
-    queue = [[TransportQueue alloc] init];
-    queue->transport = [self] { return own ? own : sharedTransport(); };
-  }
-  return self;
-}
-
-- (void)dealloc {
-  [queue release];
-  [super dealloc];
-}
-
-- (NSOperationQueue*)delegateQueue {
-  return queue;
-}
-
-- (NSURLSessionDataTask*)dataTaskWithRequest:(NSURLRequest*)request completionHandler:(Handler)handler {
-  const std::shared_ptr<void> block((void*)Block_copy(handler), [](void* copied) { Block_release(copied); });
-  CarriedTask* const task = [[[CarriedTask alloc] init] autorelease];
-  const auto finish = [block](const orvane::DataTaskResult& result) {
-    @autoreleasepool {
-      // As where a body was cut, an error comes with what there was before it.
-      NSData* body = result.error ? [NSData dataWithBytes:"{}" length:2] : nil;
-      if (result.body && !result.body->empty())
-        body = [NSData dataWithBytes:result.body->data() length:result.body->size()];
-      NSURLResponse* response = nil;
-      if (result.response || result.error)
-        response = [[[NSHTTPURLResponse alloc] initWithURL:nil
-                                                statusCode:result.response ? result.response->statusCode : 200
-                                               HTTPVersion:@"HTTP/1.1"
-                                              headerFields:nil] autorelease];
-      ((Handler)block.get())(body, response, result.error ? platformError(*result.error) : nil);
-    }
-  };
-  task->start = [transport = queue->transport(), request = portable(request), finish] {
-    transport->startDataTask(request, finish);
-  };
-  return task;
-}
-
 @end
 
 @implementation NSURLSessionDataTask
 - (void)resume {
+  start();
+}
+- (void)dealloc {
+  Block_release(start);
+  [super dealloc];
 }
 @end
 
@@ -144,10 +87,20 @@ NSError* platformError(const orvane::Error& error) {
 }
 @end
 
+namespace {
+
+NSURLSession* sessionOver(std::shared_ptr<orvane::URLSession> transport) {
+  NSURLSession* const session = [[[NSURLSession alloc] init] autorelease];
+  session->queue->own = std::move(transport);
+  return session;
+}
+
+}  // namespace
+
 @implementation NSURLSession
 
 + (NSURLSession*)sharedSession {
-  static CarriedSession* const shared = [[CarriedSession alloc] init];
+  static NSURLSession* const shared = [[NSURLSession alloc] init];
   return shared;
 }
 
@@ -157,17 +110,47 @@ NSError* platformError(const orvane::Error& error) {
   if ([[proxy objectForKey:@"HTTPEnable"] boolValue])
     own.proxy = [[NSString stringWithFormat:@"http://%@:%@", [proxy objectForKey:@"HTTPProxy"],
                                             [proxy objectForKey:@"HTTPPort"]] UTF8String];
-  CarriedSession* const session = [[[CarriedSession alloc] init] autorelease];
-  session->own = std::make_shared<orvane::HostSession>(own);
-  return session;
+  return sessionOver(std::make_shared<orvane::HostSession>(own));
+}
+
+- (instancetype)init {
+  if ((self = [super init])) queue = [[TransportQueue alloc] init];
+  return self;
+}
+
+- (void)dealloc {
+  [queue release];
+  [super dealloc];
 }
 
 - (NSOperationQueue*)delegateQueue {
-  return nil;
+  return queue;
 }
 
 - (NSURLSessionDataTask*)dataTaskWithRequest:(NSURLRequest*)request completionHandler:(Handler)handler {
-  return nil;
+  const std::shared_ptr<void> block((void*)Block_copy(handler), [](void* copied) { Block_release(copied); });
+  const auto finish = [block](const orvane::DataTaskResult& result) {
+    @autoreleasepool {
+      // Like NSURLSession after a body that was cut, hands over an error with the part before it.
+      NSData* body = result.error ? [NSData dataWithBytes:"{}" length:2] : nil;
+      if (result.body && !result.body->empty())
+        body = [NSData dataWithBytes:result.body->data() length:result.body->size()];
+      NSURLResponse* response = nil;
+      if (result.response || result.error)
+        response = [[[NSHTTPURLResponse alloc] initWithURL:nil
+                                                statusCode:result.response ? result.response->statusCode : 200
+                                               HTTPVersion:@"HTTP/1.1"
+                                              headerFields:nil] autorelease];
+      ((Handler)block.get())(body, response, result.error ? errorOf(*result.error) : nil);
+    }
+  };
+  NSURLSessionDataTask* const task = [[[NSURLSessionDataTask alloc] init] autorelease];
+  const std::shared_ptr<orvane::URLSession> transport = [queue transport];
+  const orvane::URLRequest carried = portable(request);
+  task->start = Block_copy(^{
+    transport->startDataTask(carried, finish);
+  });
+  return task;
 }
 
 @end
@@ -180,9 +163,7 @@ void setSharedTransport(std::shared_ptr<orvane::URLSession> transport) {
 
 std::shared_ptr<orvane::URLSession> makeSession(std::shared_ptr<orvane::URLSession> transport) {
   @autoreleasepool {
-    CarriedSession* const session = [[[CarriedSession alloc] init] autorelease];
-    session->own = std::move(transport);
-    return std::make_shared<orvane::AppleSession>(session);
+    return std::make_shared<orvane::AppleSession>(sessionOver(std::move(transport)));
   }
 }
 

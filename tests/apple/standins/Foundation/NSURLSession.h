@@ -5,7 +5,10 @@
 #import <Foundation/NSURLRequest.h>
 #import <Foundation/NSURLResponse.h>
 
-@interface NSURLSessionDataTask : NSObject
+@interface NSURLSessionDataTask : NSObject {
+ @public
+  void (^start)(void);
+}
 - (void)resume;
 @end
 
@@ -16,7 +19,12 @@
 @property(copy) NSDictionary* connectionProxyDictionary;
 @end
 
-@interface NSURLSession : NSObject
+@class TransportQueue;
+
+@interface NSURLSession : NSObject {
+ @public
+  TransportQueue* queue;
+}
 + (NSURLSession*)sharedSession;
 + (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration;
 - (NSOperationQueue*)delegateQueue;
