@@ -10,7 +10,7 @@
 namespace orvane {
 namespace {
 
-/// A power of ten times a power of two, rounded up to 128 bits, of which the highest is set.
+/// A power of ten times a power of two, rounded down to 128 bits, of which the highest is set, plus one in the lowest.
 struct Significand {
   std::uint64_t high = 0;
   std::uint64_t low = 0;
@@ -49,10 +49,9 @@ class Power {
     limbs_.front() <<= missing;
   }
 
-  constexpr Significand roundedUp() const {
+  constexpr Significand significand() const {
     const auto both = [this](std::size_t at) { return std::uint64_t{limbs_[at]} << 32 | limbs_[at - 1]; };
-    const bool isExact = std::all_of(limbs_.begin(), limbs_.end() - 4, [](auto limb) { return limb == 0; });
-    return {both(size - 1), both(size - 3) + (isExact ? 0 : 1)};
+    return {both(size - 1), both(size - 3) + 1};
   }
 
  private:
@@ -70,9 +69,9 @@ constexpr int greatestPower = 324;
 constexpr auto powersOfTen = [] {
   std::array<Significand, greatestPower - leastPower + 1> powers;
   Power up;
-  for (std::size_t at = -leastPower; at < powers.size(); up.multiplyByFive()) powers[at++] = up.roundedUp();
+  for (std::size_t at = -leastPower; at < powers.size(); up.multiplyByFive()) powers[at++] = up.significand();
   Power down;
-  for (std::size_t at = -leastPower; at > 0; powers[--at] = down.roundedUp()) down.divideByFive();
+  for (std::size_t at = -leastPower; at > 0; powers[--at] = down.significand()) down.divideByFive();
   return powers;
 }();
 
@@ -154,7 +153,7 @@ Decimal shortestDecimal(double real) noexcept {
   const std::uint64_t tens = scaled / 40;
   const bool isTensInside = least <= tens * 40;
   const bool isNextTensInside = tens * 40 + 40 <= greatest;
-  if (tens > 0 && isTensInside != isNextTensInside)
+  if (isTensInside != isNextTensInside)
     return withoutFinalZeros({tens + (isNextTensInside ? 1 : 0), place + 1});
 
   const std::uint64_t ones = scaled / 4;

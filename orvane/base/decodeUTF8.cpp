@@ -14,7 +14,7 @@ std::optional<char32_t> decodeUTF8(std::string_view text, std::size_t& position)
     ++position;
     return lead;
   }
-  const std::size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+  const std::size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : 0;
   if (length == 0) return std::nullopt;
 
   char32_t codePoint = lead & (0x7FU >> length);

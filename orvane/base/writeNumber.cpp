@@ -20,9 +20,10 @@ constexpr std::array<std::uint64_t, 20> powersOfTen = [] {
   return powers;
 }();
 
+/// Returns the number of digits of `number`, which has at most 19.
 int countDigits(std::uint64_t number) noexcept {
   int count = 1;
-  while (count < 20 && number >= powersOfTen[static_cast<std::size_t>(count)]) ++count;
+  while (number >= powersOfTen[static_cast<std::size_t>(count)]) ++count;
   return count;
 }
 

@@ -306,8 +306,8 @@ bool Reader::string(std::string& string) {
 bool Reader::escape(std::string& string) {
   constexpr std::string_view letters = "\"\\/bfnrt";
   constexpr std::string_view meanings = "\"\\/\b\f\n\r\t";
-  if (at_ == text_.size()) return false;
-  const char letter = text_[at_++];
+  const char letter = peek();
+  ++at_;
   if (const std::size_t which = letters.find(letter); which != letters.npos) {
     string.push_back(meanings[which]);
     return true;
@@ -328,10 +328,9 @@ bool Reader::escape(std::string& string) {
 
 std::optional<char32_t> Reader::fourHexDigits() noexcept {
   std::uint32_t unit = 0;
-  const char* const start = text_.data() + at_;
-  if (text_.size() - at_ < 4) return std::nullopt;
-  const auto [end, error] = std::from_chars(start, start + 4, unit, 16);
-  if (error != std::errc() || end != start + 4) return std::nullopt;
+  const std::string_view four = text_.substr(at_, 4);
+  const auto [end, error] = std::from_chars(four.data(), four.data() + four.size(), unit, 16);
+  if (error != std::errc() || end != four.data() + 4) return std::nullopt;
   at_ += 4;
   return unit;
 }

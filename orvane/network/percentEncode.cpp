@@ -15,7 +15,6 @@ bool isASCIIAlphanumeric(char c) {
 
 std::optional<std::string> percentEncode(std::string_view text, const TextRules& rules) {
   std::string encoded;
-  encoded.reserve(3 * text.size());
   for (std::size_t at = 0; at < text.size();) {
     if (isASCIIAlphanumeric(text[at])) {
       encoded.push_back(text[at++]);

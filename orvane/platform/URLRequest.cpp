@@ -51,7 +51,8 @@ void URLRequest::setMethod(std::string_view method) {
 }
 
 void URLRequest::addValue(std::string_view value, std::string_view name) {
-  constexpr std::string_view lineEnders("\0\r\n", 3);
+  using namespace std::string_view_literals;
+  constexpr std::string_view lineEnders = "\0\r\n"sv;
   if (!isToken(name) || value.find_first_of(lineEnders) != value.npos || belongsToSession(name)) return;
   for (HeaderField& field : headers_) {
     if (equalIgnoringCase(field.name, name)) {

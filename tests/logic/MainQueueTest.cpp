@@ -7,7 +7,7 @@
 #include "orvane/platform/MainQueue.h"
 #include "orvane/platform/PostingQueue.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 TEST(MainQueue, RunsInOrderUntilStopped) {
@@ -44,5 +44,15 @@ TEST(PostingQueue, HandsTasksToTheLoop) {
   EXPECT_EQ(ran, 1);
 }
 
+TEST(DispatchQueue, AGroupNotifiesAfterItsTask) {
+  const auto notified = std::make_shared<MainQueue>();
+  MainQueue queue;
+  int step = 0;
+  queue.asyncGroup([&] { EXPECT_EQ(++step, 1); }, notified, [&] { EXPECT_EQ(++step, 2); });
+  EXPECT_EQ(notified->runPending(), 0U);
+  EXPECT_EQ(queue.runPending() + notified->runPending(), 2U);
+  EXPECT_EQ(step, 2);
+}
+
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -3,15 +3,16 @@
 #include "orvane/network/NetWorkManager.h"
 #include "orvane/network/NetworkTool.h"
 #include "tests/support/TestPlatform.h"
+#include "tests/support/asText.h"
 
 namespace orvane::test {
 namespace {
 
-/// A request as "METHOD URL [BODY] NAME=VALUE ...".
+/// Returns the request as "METHOD URL [BODY] NAME=VALUE ...".
 std::string text(const std::optional<URLRequest>& request) {
   if (!request) return "none";
   std::string line = request->method() + " " + request->url();
-  if (const auto& body = request->body()) line += " [" + std::string(body->begin(), body->end()) + "]";
+  if (request->body()) line += " [" + asText(request->body()) + "]";
   for (const auto& [name, value] : request->headers()) line += " " + name + "=" + value;
   return line;
 }
@@ -226,21 +227,6 @@ TEST_F(NetworkToolDeathTest, StopsOnProgrammingErrors) {
   EXPECT_DEATH(tool.request(POST, "http://h/", std::nullopt), "POST without parameters");
   tool.setSession(nullptr);
   EXPECT_DEATH(start(), "orvane: requestJSON: the tool has no session\n");
-}
-
-TEST(PlatformDeathTest, StopsIfOneIsInstalledAfterFirstUse) {
-  platform();
-  EXPECT_DEATH(installPlatform({}), "installPlatform: the platform is in use already\n");
-}
-
-TEST(DispatchQueue, AGroupNotifiesAfterItsTask) {
-  const auto notified = std::make_shared<ManualQueue>();
-  ManualQueue queue;
-  int step = 0;
-  queue.asyncGroup([&] { EXPECT_EQ(++step, 1); }, notified, [&] { EXPECT_EQ(++step, 2); });
-  EXPECT_EQ(notified->run(), 0U);
-  EXPECT_EQ(queue.run() + notified->run(), 2U);
-  EXPECT_EQ(step, 2);
 }
 
 }  // namespace

@@ -5,25 +5,22 @@
 #include "orvane/client/serviceBaseURL.h"
 #include "orvane/json/readJSON.h"
 #include "tests/support/TestPlatform.h"
+#include "tests/support/asText.h"
 
 namespace orvane::test {
 namespace {
-
-std::string text(const std::optional<Bytes>& bytes) {
-  return bytes ? "[" + std::string(bytes->begin(), bytes->end()) + "]" : "nothing";
-}
 
 std::string text(const ErrorPtr& error) {
   if (!error) return "none";
   return description(*error) + (error->userInfo.empty() ? "" : " and user information");
 }
 
-/// The last request as "METHOD URL [BODY] NAME=VALUE ...", without the base URL.
+/// Returns the last request as "METHOD URL BODY NAME=VALUE ...", without the base URL.
 std::string lastRequest() {
   const URLRequest& request = fakeSession().requests.back();
   EXPECT_TRUE(request.url().starts_with(serviceBaseURL()));
   std::string line = request.method() + " " + request.url().substr(serviceBaseURL().size());
-  line += " " + text(request.body());
+  line += " " + asText(request.body());
   for (const auto& [name, value] : request.headers()) line += " " + name + "=" + value;
   return line;
 }
@@ -39,7 +36,7 @@ void answer(std::string_view reply) {
 std::string picture(std::string_view reply) {
   std::string outcome = "not called";
   OrvaneManager().requestPictureCode(
-      "139", [&](const auto& data, const ErrorPtr& error) { outcome = text(data) + " " + text(error); });
+      "139", [&](const auto& data, const ErrorPtr& error) { outcome = asText(data) + " " + text(error); });
   answer(reply);
   return outcome;
 }
@@ -66,19 +63,19 @@ using OrvaneManagerDeathTest = OrvaneManagerTest;
 TEST_F(OrvaneManagerTest, SendsItsArgumentsAndItsOwnIdentifier) {
   OrvaneManager manager;
   manager.requestPictureCode("", nullptr);
-  EXPECT_EQ(lastRequest(), R"(POST /tenant/verify/captcha [{"mobile":""}])"
+  EXPECT_EQ(lastRequest(), R"(POST /tenant/verify/captcha {"mobile":""})"
                            " Content-Type=application/json XRAPI-DEVICE-TYPE=1 XRAPI-VERSION=1.0");
   manager.setAppClientId("");
   manager.requestCode(" 139\n", "\"", nullptr);
   EXPECT_EQ(lastRequest(),
-            R"(POST /tenant/getVerifyCode [{"captcha":"\"","mobile":" 139\n"}])"
+            R"(POST /tenant/getVerifyCode {"captcha":"\"","mobile":" 139\n"})"
             " Content-Type=application/json XRAPI-CLIENT-ID= XRAPI-DEVICE-TYPE=1 XRAPI-VERSION=1.0");
   OrvaneManager().requestCode("1", "2", nullptr);
   EXPECT_EQ(fakeSession().requests.back().value("XRAPI-CLIENT-ID"), nullptr);
   manager.setClientId("other");
   manager.requestLogin("1", "", nullptr);
   EXPECT_EQ(lastRequest(),
-            R"(POST /tenant/submitVerifyCode [{"mobile":"1","verificationCode":""}])"
+            R"(POST /tenant/submitVerifyCode {"mobile":"1","verificationCode":""})"
             " Content-Type=application/json XRAPI-CLIENT-ID=other XRAPI-DEVICE-TYPE=1 XRAPI-VERSION=1.0");
   EXPECT_EQ(&OrvaneManager::shareManager(), &OrvaneManager::shareManager());
 }
@@ -104,11 +101,11 @@ TEST_F(OrvaneManagerTest, JudgesReplies) {
       {code, R"({"code":-7.9,"msg":""})", " (-7)"},
       {code, R"({"code":1e300,"msg":"m"})", "m (9223372036854775807)"},
       {code, "not JSON", "com.brovent.error (-1) and user information"},
-      {picture, R"({"code":0,"data":[]})", "[] none"},
-      {picture, R"({"code":0,"msg":7,"data":[104,105]})", "[hi] none"},
-      {picture, R"({"code":0,"data":["104","+105","0000000033",46.0]})", "[hi!.] none"},
-      {picture, R"({"code":0,"data":["-0",-0.0,"-000","+0"]})", "[" + std::string(4, '\0') + "] none"},
-      {picture, R"({"code":7,"msg":"Busy","data":7})", "nothing Busy (7)"},
+      {picture, R"({"code":0,"data":[]})", " none"},
+      {picture, R"({"code":0,"msg":7,"data":[104,105]})", "hi none"},
+      {picture, R"({"code":0,"data":["104","+105","0000000033",46.0]})", "hi!. none"},
+      {picture, R"({"code":0,"data":["-0",-0.0,"-000","+0"]})", std::string(4, '\0') + " none"},
+      {picture, R"({"code":7,"msg":"Busy","data":7})", "none Busy (7)"},
       {login, R"({"code":9,"msg":"No"})", "No, No (1)"},
       {login, R"({"code":0,"msg":"Welcome"})", "Welcome, none"}};
   for (const auto& [call, reply, outcome] : rows) EXPECT_EQ(call(reply), outcome) << reply;
@@ -137,8 +134,8 @@ TEST_F(OrvaneManagerTest, ReportsAnAcceptedLoginBeforeItFinishes) {
   manager.requestLogin("139", "1", [&](const auto&...) { requestAtFinish = lastRequest(); });
   answer(R"({"code":0,"msg":"ok","mobile":"other"})");
   EXPECT_EQ(requestAtFinish,
-            R"(POST /tenant/submitMobileInformation [{"IMEI":" ","IMSI":" ","carrier":"nil",)"
-            R"("deviceModel":"iOS 9.3.1","deviceName":"iPhone6S","mobile":"139"}])"
+            R"(POST /tenant/submitMobileInformation {"IMEI":" ","IMSI":" ","carrier":"nil",)"
+            R"("deviceModel":"iOS 9.3.1","deviceName":"iPhone6S","mobile":"139"})"
             " Content-Type=application/json XRAPI-CLIENT-ID=app XRAPI-DEVICE-TYPE=1 XRAPI-VERSION=1.0");
   fakeSession().answer(failed({}));
   EXPECT_EQ(fakeMainQueue().run(), 0U);

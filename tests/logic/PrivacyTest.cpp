@@ -22,7 +22,7 @@ class PrivacyDeathTest : public OnFakes {
       std::fflush(stdout);
       dup2(STDERR_FILENO, STDOUT_FILENO);
       path();
-      std::exit(0);
+      std::_Exit(0);  // What is printed has been flushed.
     };
     EXPECT_EXIT(
         run(), [](int) { return true; }, prints ? "^orvane: [^9\n]*\n$" : "^$");

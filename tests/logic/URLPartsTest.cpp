@@ -18,13 +18,14 @@ TEST(URLParts, AreViewsOfTheText) {
       {"http://[::1]", "http [::1] 80"},
       {"http://[::1:81/", "http [::1:81 80"},
       {"http://h:#f", "http h 80"},
-      {"a0+9-.z://h", "a0+9-.z h 80"},
+      {"aAzZ0+9-.://h", "aAzZ0+9-. h 80"},
       {"0a://h", "  80"},
       {"a_b://h", "  80"},
       {"://h", "  80"},
       {"//h/a:b", " h 80"},
       {"/p://h", "  80"},
       {"http:h", "http  80"},
+      {"http://:81/", "http  81"},
       {"", "  80"},
   };
   for (const auto& [url, expected] : rows) {

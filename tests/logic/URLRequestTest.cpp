@@ -5,12 +5,6 @@
 namespace orvane::test {
 namespace {
 
-std::string headerLines(const URLRequest& request) {
-  std::string lines;
-  for (const auto& [name, value] : request.headers()) lines += name + ": " + value + "\n";
-  return lines;
-}
-
 TEST(URLRequest, NeverHoldsAHeaderThatWouldBreakOut) {
   using namespace std::string_literals;
   URLRequest request("http://h/");
@@ -22,7 +16,9 @@ TEST(URLRequest, NeverHoldsAHeaderThatWouldBreakOut) {
   request.addValue("1", "Good");
   request.addValue("\t é", "x-!#$%&'*+.^_`|~9");
   request.addValue("2", "gOOD");
-  EXPECT_EQ(headerLines(request), "Good: 1,2\nx-!#$%&'*+.^_`|~9: \t é\n");
+  ASSERT_EQ(request.headers().size(), 2U);
+  EXPECT_EQ(request.headers()[0], (HeaderField{"Good", "1,2"}));
+  EXPECT_EQ(request.headers()[1], (HeaderField{"x-!#$%&'*+.^_`|~9", "\t é"}));
   request.setMethod("GET / HTTP/1.1\r\nX:");
   request.setMethod("");
   EXPECT_EQ(request.method(), "GET");
