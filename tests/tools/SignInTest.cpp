@@ -45,7 +45,7 @@ std::string outcomeOf(const std::vector<const char*>& arguments) try {
 }
 
 TEST(SignInOptions, AreUnderstoodOrRefused) {
-  const std::string wrongAddress = "--connect: HOST:PORT or [IPV6]:PORT wanted, with a port from 1 to 65535";
+  const std::string wrongAddress = "--connect: expected HOST:PORT or [IPV6]:PORT with a port from 1 to 65535";
   const std::pair<std::vector<const char*>, std::string> cases[] = {
       {{}, "- - - - --mobile|"},
       {{"--live", "--mobile=1", "--captcha", "2", "--code=3"}, "<1> - <2> <3> |"},
@@ -56,13 +56,13 @@ TEST(SignInOptions, AreUnderstoodOrRefused) {
       {{"--live", "--proxy=http://a:b@[::1]:8080/"}, "- - - - --mobile|[::1]:8080"},
       {{"--connect=localhost:0"}, wrongAddress},
       {{"--connect=::1:80"}, wrongAddress},
-      {{"--connect=a:1", "--live"}, "--live: contradicts --connect"},
+      {{"--connect=a:1", "--live"}, "--live: cannot be used with --connect"},
       {{"--proxy=http://localhost:1", "--connect=a:1"}, "--proxy: needs --live"},
       {{"--connect=a:1", "--trace", "--unmasked"},
-       "--unmasked: only where the requests stay on this machine"},
+       "--unmasked: allowed only if the requests stay on this machine"},
       {{"--unmasked"}, "--unmasked: needs --trace"},
-      {{"--json", "--picture", "-"}, "--picture -: contradicts --json"},
-      {{"--only=code", "--picture=a"}, "--picture: the call that --only names has no use for it"},
+      {{"--json", "--picture", "-"}, "--picture -: cannot be used with --json"},
+      {{"--only=code", "--picture=a"}, "--picture: not used by the call that --only names"},
       {{"--only=sms"}, "--only: sms not in {picture,code,login}"},
       {{"--auto=yes"}, "auto was given a disallowed flag override"},
       {{"--mobile"}, "--mobile: 1 required NUMBER missing"},
@@ -205,7 +205,7 @@ TEST(SignInProgram, TalksWithAPerson) {
   const std::string before = talk.hear("What does the picture say? ");
   // Two lines of input, and the lines of the picture: 160 times 60 pixels in 40 columns, which are too few.
   EXPECT_EQ(std::ranges::count(before, '\n'), 2 + 8 + 1) << before;
-  EXPECT_NE(before.find("If that cannot be read: --picture FILE saves the picture.\r\n"), before.npos);
+  EXPECT_NE(before.find("If you cannot read it, save it with --picture FILE.\r\n"), before.npos);
   talk.say(" misread \n");
   talk.hear(
       "\norvane-signin: code: that is not the picture's text (refused, 2002)\r\nHere is a new picture.\r\n");
@@ -271,13 +271,13 @@ TEST(SignInProgram, ReportsHowItEnded) {
        "-1)\n"},
       {nobodyThere, 3,
        "orvane-signin: picture: Could not connect to the server. (no connection, NSURLErrorDomain -1004)\n"},
-      {nobodyThere + " --live", 2, "orvane-signin: --live: contradicts --connect\n"},
-      {"--live", 2, "orvane-signin: --mobile: missing, and there is nobody to ask\n"},
+      {nobodyThere + " --live", 2, "orvane-signin: --live: cannot be used with --connect\n"},
+      {"--live", 2, "orvane-signin: --mobile: missing, and there is no development service to ask\n"},
       {nobodyThere.substr(0, nobodyThere.find(' ')), 2,
        "orvane-signin: --mobile: missing, and no development service answers at 127.0.0.1:"},
-      {"--auto >/dev/full", 4, "orvane-signin: standard output could not be written\n"},
+      {"--auto >/dev/full", 4, "orvane-signin: could not write to standard output\n"},
       {"--auto --picture - >/dev/full", 4, ""},
-      {"--json >/dev/full", 4, "orvane-signin: standard output could not be written\n"},
+      {"--json >/dev/full", 4, "orvane-signin: could not write to standard output\n"},
   };
   for (const auto& [arguments, status, complaint] : cases) {
     const Ending ending = run(arguments);
@@ -384,8 +384,10 @@ TEST(SignInProgram, SavesThePictureAsItCame) {
   const std::string body = R"({"code":0,"msg":"","data":[0,10,13,26,255]})";
   const LoopbackServer server([&](const auto&) { return LoopbackServer::Answer{orvane::test::reply(body)}; });
   const Ending ending = run(connectTo(server.port()) + " --only=picture --mobile=1 --picture " + path("png"));
-  EXPECT_EQ(ending.out, "The picture, 5 bytes, is in " + path("png") +
-                            ".\nWhat came as picture, 5 bytes, is nothing that can be drawn.\n");
+  EXPECT_EQ(
+      ending.out,
+      "The picture (5 bytes) is in " + path("png") +
+          ".\nThe picture (5 bytes) cannot be shown: it is not a PNG file, is damaged, or is too large.\n");
   EXPECT_EQ(take("png"), std::string("\0\n\r\x1a\xff", 5));
   EXPECT_EQ(run(connectTo(server.port()) + " --only=picture --mobile=1 --picture -").out,
             std::string("\0\n\r\x1a\xff", 5));

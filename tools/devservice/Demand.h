@@ -17,9 +17,9 @@ struct Demand {
   std::chrono::milliseconds delay = usualDelay;
 };
 
-/// Start of the mobile numbers that demand a fault. After it come the digit of the call that the fault hits, 0
-/// for all of them, and the two digits of the fault. For the late reply four more digits may follow: the delay in
-/// hundredths of a second. Any other number with this start is an ordinary one.
+/// Start of the mobile numbers that demand a fault. After it come the digit of the call that the fault hits,
+/// 0 for all of them, and the two digits of the fault. For the late reply four more digits may follow: the
+/// delay in hundredths of a second. Any other number with this start is an ordinary one.
 inline constexpr std::string_view faultNumberPrefix = "+99900000";
 
 /// Returns what the mobile number demands of that call.

@@ -11,18 +11,18 @@ namespace devservice {
 namespace {
 
 constexpr Fault table[] = {
-    {lateFault, "network", "late", "the reply comes late, after 1.5 s or as long as was chosen",
+    {lateFault, "network", "late", "the reply comes late: after 1.5 s, or after the delay that was chosen",
      [](ReplyDraft& draft) { draft.transport = TransportFault::delay; }},
-    {2, "network", "dropped", "the connection is closed without a byte",
+    {2, "network", "dropped", "the connection is closed without a reply",
      [](ReplyDraft& draft) { draft.transport = TransportFault::drop; }},
-    {3, "network", "reset", "the connection is reset without a byte",
+    {3, "network", "reset", "the connection is reset without a reply",
      [](ReplyDraft& draft) { draft.transport = TransportFault::reset; }},
     {4, "network", "cut short", "the connection is closed after half of the body",
      [](ReplyDraft& draft) { draft.transport = TransportFault::cut; }},
     {5, "HTTP", "not JSON", "the body is not JSON",
      [](ReplyDraft& draft) { draft.body = "<html><body>It works!</body></html>"; }},
     {6, "HTTP", "empty", "the body is empty", [](ReplyDraft& draft) { draft.body = ""; }},
-    {7, "HTTP", "status 500", "HTTP status 500 with a good body",
+    {7, "HTTP", "status 500", "HTTP status 500, but a good body",
      [](ReplyDraft& draft) { draft.status = 500; }},
     {8, "reply", "refused", "the call is refused with code 4321", nullptr},
     {9, "reply", "no code", "\"code\" is missing", [](ReplyDraft& draft) { draft.object.erase("code"); }},
@@ -37,7 +37,7 @@ constexpr Fault table[] = {
      [](ReplyDraft& draft) { draft.object["data"].push_back(256); }},
     {16, "reply", "array", "the body is an array around the object",
      [](ReplyDraft& draft) { draft.object = Json::array({draft.object}); }},
-    {17, "reply", "1 MiB", "\"data\" is filled up with zeros to 1 MiB",
+    {17, "reply", "1 MiB", "\"data\" is padded with zeros to 1 MiB",
      [](ReplyDraft& draft) {
        Json& data = draft.object["data"];
        std::vector<std::uint8_t> bytes;
@@ -45,7 +45,7 @@ constexpr Fault table[] = {
        bytes.resize(oversizedDataSize);
        data = std::move(bytes);
      }},
-    {18, "network", "silent", "the call is never answered, and the connection stays",
+    {18, "network", "silent", "the call is never answered, and the connection stays open",
      [](ReplyDraft& draft) { draft.transport = TransportFault::silence; }},
 };
 

@@ -47,7 +47,7 @@ bool isJsonType(std::string_view contentType) {
   return boost::beast::iequals(type, "application/json");
 }
 
-/// The name of the first header that is not as every call has it; empty when all are.
+/// Returns the name of the first header field that is wrong, or an empty text.
 std::string_view wrongHeader(const HTTPRequest& request) {
   if (!isJsonType(request.header("Content-Type").value_or(""))) return "Content-Type";
   if (request.header("XRAPI-VERSION") != "1.0") return "XRAPI-VERSION";
@@ -56,8 +56,8 @@ std::string_view wrongHeader(const HTTPRequest& request) {
   return {};
 }
 
-/// Takes the members out of the object; the result is the name of the first one that is not as it should be,
-/// or empty.
+/// Copies the object's members to `members`. Returns the name of the first member that is wrong, or an empty
+/// text.
 std::string takeMembers(const Json& object, Names names, Members& members) {
   for (const std::string_view name : names) {
     const auto found = object.find(name);
@@ -148,7 +148,7 @@ void IdentityService::forget() {
   choice_ = {};
 }
 
-/// What the number demands, or else what was chosen, if it hits this call.
+/// Returns what the number demands, else the chosen fault if it hits this call.
 Demand IdentityService::demandFor(std::string_view mobile, Call call) {
   if (const Demand demand = demandOf(mobile, call); demand.fault) return demand;
   const std::lock_guard lock(mutex_);
@@ -248,12 +248,13 @@ ReplyBody IdentityService::submit(const Members& facts) {
   return {Code::success, "recorded", {}};
 }
 
-/// Takes one of the secret's attempts; a secret that was found or has no more of them is gone.
+/// Compares the text with the secret and uses up one attempt. Resets the secret if the text is right or no
+/// attempt is left.
 IdentityService::Attempt IdentityService::attempt(std::optional<Secret>& secret, std::string_view text,
                                                   TimePoint now) {
   if (!secret || now >= secret->expires) return Attempt::none;
   const bool right = boost::beast::iequals(secret->text, text);
-  if (right || --secret->attempts == 0) secret.reset();
+  if (right || --secret->attemptsLeft == 0) secret.reset();
   return right ? Attempt::right : Attempt::wrong;
 }
 
@@ -272,7 +273,7 @@ Inspection IdentityService::view(const Record& record, TimePoint now) {
           .dates = record.dates};
 }
 
-/// A number from 0 to bound - 1; its bias, bound / 2^32, is far below what anybody could notice here.
+/// Returns a number from 0 to bound - 1. Its bias, bound / 2^32, is negligible: the largest bound is 22.
 std::uint32_t IdentityService::below(std::uint32_t bound) const {
   return static_cast<std::uint32_t>(std::uint64_t{environment_.random()} * bound >> 32);
 }

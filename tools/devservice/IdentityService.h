@@ -23,6 +23,7 @@
 
 namespace devservice {
 
+/// A text message that the service has sent.
 struct TextMessage {
   std::uint64_t id;  ///< Counted from 1.
   std::chrono::system_clock::time_point time;
@@ -30,63 +31,63 @@ struct TextMessage {
   std::string text;
 };
 
-/// The fault that was chosen for calls whose number demands none.
+/// A fault for the calls whose mobile number does not demand one.
 struct FaultChoice {
   Demand demand;
-  /// It hits one call in so many, until another choice; 0: the next call alone.
+  /// The fault hits one call in `every`, until another choice is made. 0: only the next call.
   unsigned every = 0;
 };
 
 using TimePoint = std::chrono::steady_clock::time_point;
 
-/// 32 bits from the system's random source.
+/// Returns 32 bits from the system's random source.
 std::uint32_t systemRandom();
 
-/// What the service draws on. All are called with no lock held, on the threads that call answer() or, the
-/// clock alone, inspect(), so they have to be as safe as the service is.
+/// What the service needs from outside. The functions are called without a lock held, on the threads that
+/// call the service, so they must be as thread-safe as its use requires.
 struct Environment {
-  /// Takes each text message, once, before the call that sends it is answered.
+  /// Called once with each text message, before the call that sends it is answered.
   std::function<void(std::string_view mobile, std::string_view text)> deliver = [](std::string_view,
                                                                                    std::string_view) {};
-  /// The time that pictures and codes expire by.
+  /// Returns the time that the lifetimes of pictures and codes are measured by.
   std::function<TimePoint()> now = std::chrono::steady_clock::now;
-  /// 32 random bits.
+  /// Returns 32 random bits.
   std::function<std::uint32_t()> random = systemRandom;
 };
 
-/// The identity service without its sockets: answers requests and keeps its state in memory.
-/// Safe to use from several threads at once.
+/// The identity service without sockets: answers requests and keeps its state in memory. Thread-safe.
 class IdentityService {
  public:
   explicit IdentityService(Environment environment = {});
 
-  /// The reply to a request of any kind; every refusal is a reply.
+  /// Returns the reply to any request. A request that is not a call is refused.
   HTTPReply answer(const HTTPRequest& request);
 
-  /// What is known of the number; nothing when it has made no call, or is forgotten.
+  /// Returns what the service knows of the mobile number. Returns nothing if it has made no call, or was
+  /// forgotten.
   std::optional<Inspection> inspect(std::string_view mobile) const;
 
-  /// What is known of the numbers used last that contain the text, the latest first.
+  /// Returns the numbers that contain `text`, at most `most`, those with the latest calls first.
   std::vector<std::pair<std::string, Inspection>> recent(std::size_t most, std::string_view text = {}) const;
 
-  /// How many numbers are known.
+  /// Returns how many numbers the service knows.
   std::size_t size() const;
 
-  /// The last text messages, the oldest first.
+  /// Returns the last maxMessages text messages, the oldest first.
   std::vector<TextMessage> messages() const;
 
   void chooseFault(const FaultChoice& choice);
   FaultChoice chosenFault() const;
 
-  /// Forgets all but how many messages there were.
+  /// Forgets everything but the number of messages, so that their identifiers go on.
   void forget();
 
  private:
-  /// A text to be given back in time.
+  /// A text that the caller must send back before it expires.
   struct Secret {
     std::string text;
     TimePoint expires;
-    int attempts;  // left
+    int attemptsLeft;
   };
 
   struct Record {
@@ -98,8 +99,8 @@ class IdentityService {
     std::optional<Members> facts;
     std::optional<std::string> clientId;
     bool signedIn = false;
-    int wrongCodes = 0;        // since
-    TimePoint firstWrongCode;  // this
+    int wrongCodes = 0;        // In the current window.
+    TimePoint firstWrongCode;  // Starts the window.
     Dates dates;
   };
 
@@ -124,7 +125,7 @@ class IdentityService {
   std::deque<TextMessage> messages_;
   std::uint64_t messageCount_ = 0;
   FaultChoice choice_;
-  unsigned missed_ = 0;  // calls since the choice, or since it hit
+  unsigned missed_ = 0;  // Calls since the choice, or since it last hit one.
 };
 
 }  // namespace devservice

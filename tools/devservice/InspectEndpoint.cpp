@@ -29,7 +29,8 @@ Json entryOf(const Inspection& known) {
             {"facts", millisecondsOrNull(dates.facts)}}}};
 }
 
-/// The number that the parameter is, 0 where it is missing; nothing where it is not one up to `most`.
+/// Returns the parameter as a number, or 0 if it is missing. Returns nothing if it is not a number or above
+/// `most`.
 std::optional<std::uint64_t> numberIn(const Members& query, std::string_view name, std::uint64_t most) {
   const auto found = query.find(name);
   if (found == query.end()) return 0;

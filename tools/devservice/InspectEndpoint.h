@@ -7,11 +7,11 @@
 
 namespace devservice {
 
-/// /inspect, for scripts on this machine: what is known of the numbers, waiting for a text message, and
-/// forgetting everything.
+/// Answers /inspect, for scripts on this machine: tells what the service knows of each mobile number, waits
+/// for a text message, and resets the service. Not thread-safe.
 class InspectEndpoint {
  public:
-  /// Both have to outlive the inspector.
+  /// Both must outlive the endpoint.
   InspectEndpoint(IdentityService& service, RequestLog& log) : service_(service), log_(log) {}
 
   HTTPReply answer(const HTTPRequest& request);

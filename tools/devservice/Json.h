@@ -8,15 +8,16 @@
 
 namespace devservice {
 
-/// Members stay in the order in which they are written.
+/// JSON whose members keep the order in which they are added.
 using Json = nlohmann::ordered_json;
 
+/// Returns the value, or null without one.
 template <typename Value>
 Json orNull(const std::optional<Value>& value) {
   return value ? Json(*value) : Json();
 }
 
-/// Milliseconds since 1970.
+/// Returns the milliseconds since 1970.
 inline std::int64_t milliseconds(std::chrono::system_clock::time_point time) {
   return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
 }
@@ -25,7 +26,7 @@ inline Json millisecondsOrNull(const std::optional<std::chrono::system_clock::ti
   return time ? Json(milliseconds(*time)) : Json();
 }
 
-/// On one line; what is not UTF-8 is replaced.
+/// Returns the JSON on one line. Bytes that are not UTF-8 become U+FFFD.
 inline std::string dumped(const Json& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

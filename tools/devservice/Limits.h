@@ -5,52 +5,62 @@
 
 namespace devservice {
 
-// What keeps the service small and its codes unknown, however long it runs and whatever is sent to it.
+// Every bound of the service. They keep its memory small and its codes hard to guess, however long it runs
+// and whatever it receives.
 
-/// How long a picture and a code are good.
+/// Time after which a picture or a code can no longer be used.
 inline constexpr std::chrono::minutes secretLifetime{5};
-/// Wrong tries that a code survives, less one: people mistype.
+/// Number of wrong tries after which a code can no longer be used.
 inline constexpr int codeAttempts = 5;
-/// Wrong codes of a number, over all of its codes, in one window. The chance to hit one of them by trying is
-/// maxWrongCodes in a million for each window, however often new codes are asked for.
+/// Wrong codes that a mobile number may submit per window, over all of its codes. Then its logins are refused
+/// until the window ends, one hour after the first wrong code. So the chance to guess a code is at most
+/// maxWrongCodes in a million per window, even with a new code for each try.
 inline constexpr int maxWrongCodes = 50;
 inline constexpr std::chrono::hours wrongCodesWindow{1};
 
-/// Numbers that are known at once; the one used longest ago is forgotten for a new one.
+/// Mobile numbers remembered. A further one replaces the one whose last call is longest ago.
 inline constexpr std::size_t maxNumbers = 10'000;
-/// Bytes of a member or of the client identifier. What is kept of a number is less than ten of these.
+/// Bytes of a member or of the client identifier; a call with a longer one is refused. The service keeps at
+/// most ten such texts per number.
 inline constexpr std::size_t maxTextSize = 1024;
-/// Text messages and requests that are kept to be looked at, and numbers that are shown.
+
+/// Text messages that the page shows. A further one replaces the oldest.
 inline constexpr std::size_t maxMessages = 50;
+/// Requests that the page shows. A further one replaces the oldest.
 inline constexpr std::size_t maxLogEntries = 100;
+/// Mobile numbers that the page shows: those with the latest calls.
 inline constexpr std::size_t maxShownNumbers = 20;
-/// Bytes of a text and of a reply's body in the log; longer bodies are pictures. Members of a request there.
+/// Bytes of a text in the log, which cuts longer ones. Of a longer reply body it shows only the size, since
+/// such a body is a picture.
 inline constexpr std::size_t maxLogText = 200;
+/// Members of a request in the log; further ones are left out.
 inline constexpr std::size_t maxLoggedMembers = 10;
 
-/// How late a late reply is, and how late one can be made; how seldom a chosen fault can hit: one call in so many.
+/// Delay of a late reply if none is chosen.
 inline constexpr std::chrono::milliseconds usualDelay{1500};
+/// Longest delay of a late reply; a longer one is refused.
 inline constexpr std::chrono::milliseconds maxDelay{60'000};
+/// Largest N of a fault that hits one call in N; a larger one is refused.
 inline constexpr unsigned maxEvery = 1000;
-/// How long a script may wait for a text message.
+/// Longest time that a script can wait for a text message; a longer one is refused.
 inline constexpr std::chrono::milliseconds maxWait{60'000};
 
-/// Bytes of a request's body: sixty times what the longest call needs.
+/// Bytes of a request's body, about 60 times a usual call. A larger one is refused with status 413.
 inline constexpr std::size_t maxBodySize = std::size_t{64} << 10;
-/// Bytes from the request line to the empty line.
+/// Bytes of a request's header with its request line. A larger one is refused with status 431.
 inline constexpr std::size_t maxHeadSize = std::size_t{64} << 10;
 
-/// What a server allows its callers.
+/// The bounds of a server's connections.
 struct ServerLimits {
-  /// Connections served at once; more wait in the system's queue until one ends.
+  /// Connections served at once. Further ones wait in the system's queue until one of these ends.
   std::size_t connections = 32;
-  /// How long a connection is kept without a request.
+  /// Time after which a connection without a request is closed.
   std::chrono::seconds idle{60};
-  /// The same while others wait.
+  /// The same while another connection is waiting.
   std::chrono::seconds idleWhenCrowded{1};
-  /// How long a request may take to arrive, and a reply to be taken.
+  /// Time for a request to arrive, and for a reply to be sent. After that the connection is closed.
   std::chrono::milliseconds request{10'000};
-  /// How long a connection stays on which a call is never answered.
+  /// Time after which a connection is closed whose call is never answered because of a fault.
   std::chrono::minutes silence{10};
 };
 

@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::string_view picturePrefix = "/page/picture/";
 
-/// On every reply. Scripts and styles are the page's own files; nobody frames it, embeds its parts or keeps a
-/// code.
+/// The header fields of every reply. Only the page's own files may be scripts and styles, no other site may
+/// frame the page or embed its parts, and no cache may keep a code.
 constexpr std::pair<std::string_view, std::string_view> guards[] = {
     {"Content-Security-Policy",
      "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
@@ -141,7 +141,8 @@ HTTPReply Page::picture(std::string_view mobile) const {
   return {200, "image/png", std::string(bytes.begin(), bytes.end())};
 }
 
-/// The body is {"fault": N}, or null for none, with "delay" and "every" where they are wanted.
+/// Chooses the fault in the body: {"fault": N, "delay": MS, "every": N}. N is null for no fault; the last two
+/// members may be missing.
 HTTPReply Page::chooseFault(const HTTPRequest& request) {
   const Json object = Json::parse(request.body, nullptr, false);
   if (!object.is_object()) return makeRefusal(400, Code::malformedBody);

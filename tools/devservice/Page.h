@@ -10,16 +10,16 @@
 
 namespace devservice {
 
-/// The page for a developer's browser, and what its script asks for. For one thread at a time.
+/// Serves the page for a developer's browser, and the requests of the page's script. Not thread-safe.
 class Page {
  public:
-  /// Both have to outlive the page.
+  /// Both must outlive the page.
   Page(IdentityService& service, const RequestLog& log);
 
-  /// Returns true if requests for `path` are the page's, not the service's.
+  /// Returns true if the page answers requests for `path`.
   static bool owns(std::string_view path);
 
-  /// The reply to a request for a path it owns.
+  /// Returns the reply to a request for a path that it owns.
   HTTPReply answer(const HTTPRequest& request);
 
  private:
@@ -29,7 +29,7 @@ class Page {
 
   IdentityService& service_;
   const RequestLog& log_;
-  const std::string run_;  // tells a page that the service was started anew
+  const std::string run_;  // Tells the script that the service was restarted.
 };
 
 }  // namespace devservice

@@ -1,4 +1,4 @@
-# The page's files become a part of the program: PageFile.cpp, in the build folder of who includes this.
+# Writes PageFile.cpp, which has the page's files, into the build folder of the CMakeLists.txt that includes this.
 foreach(type html css js svg)
   set(file ${CMAKE_CURRENT_LIST_DIR}/page/page.${type})
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})

@@ -9,8 +9,8 @@
 
 namespace devservice {
 
-/// A map from strings that forgets the least recently touched entry when it would outgrow its capacity.
-/// Not safe to use from several threads at once.
+/// A map from strings with a limited capacity. If it is full, a new entry replaces the one whose last touch()
+/// is longest ago. Not thread-safe.
 template <typename Value>
 class RecentMap {
  public:
@@ -18,8 +18,8 @@ class RecentMap {
 
   explicit RecentMap(std::size_t capacity) : capacity_(capacity) {}
 
-  /// The value of the key, made if there is none, and now the most recent one. It stays valid until it is
-  /// forgotten.
+  /// Makes the key the most recent one and returns its value, which is added if there is none. The reference
+  /// is valid until the entry is replaced or cleared.
   Value& touch(std::string_view key) {
     if (const auto found = index_.find(key); found != index_.end()) {
       entries_.splice(entries_.begin(), entries_, found->second);
@@ -34,7 +34,7 @@ class RecentMap {
     return entries_.front().second;
   }
 
-  /// The value of the key, whose age does not change, or null.
+  /// Returns the value of the key, or null. Does not make the key the most recent one.
   const Value* find(std::string_view key) const {
     const auto found = index_.find(key);
     return found == index_.end() ? nullptr : &found->second->second;
@@ -45,7 +45,7 @@ class RecentMap {
     entries_.clear();
   }
 
-  /// The most recent entry comes first.
+  /// Returns all entries, the most recent one first.
   const std::list<Entry>& entries() const { return entries_; }
 
  private:

@@ -9,7 +9,7 @@
 namespace devservice {
 namespace {
 
-// By TransportFault.
+// The index is a TransportFault.
 constexpr std::string_view faultNotes[] = {"", "delayed", "dropped", "cut", "reset", "not answered"};
 constexpr std::string_view secretMembers[] = {"mobile", "captcha", "verificationCode"};
 
@@ -17,7 +17,7 @@ std::string cut(std::string_view text) {
   return std::string(text.substr(0, maxLogText));
 }
 
-/// The members of a call; every other one has no place in the log.
+/// Returns the members that are texts, as JSON with masked secrets. A call has no other members.
 std::string maskedMembers(const Json& object) {
   Json masked = Json::object();
   for (const auto& [name, value] : object.items()) {

@@ -11,35 +11,35 @@
 #include "tools/devservice/HTTPRequest.h"
 
 namespace devservice {
-/// A request and its reply, as the log shows them. Texts are cut to what the log keeps.
+/// A request and its reply. Texts longer than maxLogText are cut.
 struct LogEntry {
   std::uint64_t id;  ///< Counted from 1.
   std::chrono::system_clock::time_point time;
-  /// From the request to the end of the reply, or of what came instead.
+  /// From the end of the request to the end of the reply, or of the fault in its place. Absent until then.
   std::optional<std::chrono::milliseconds> duration;
   std::string method;
   std::string path;
-  std::string mobile;   ///< Empty where the request has none.
-  std::string members;  ///< Those of the body as JSON, secrets masked; empty where it is no object.
+  std::string mobile;   ///< Empty if the request has none.
+  std::string members;  ///< Of the request, as JSON with masked secrets. Empty if the body is not an object.
   bool hasClientId;
   int status;
-  std::string body;        ///< Of the reply, or its size.
-  std::string_view fault;  ///< What was done to the connection.
+  std::string body;        ///< The reply's body, or the size of a long one.
+  std::string_view fault;  ///< The fault that hit the connection, or empty.
 };
 
-/// The last requests. For one thread at a time.
+/// Keeps the last maxLogEntries requests. Not thread-safe.
 class RequestLog {
  public:
-  /// Adds what is about to be sent, and forgets the oldest entry where there are too many. Valid until the next
-  /// call.
+  /// Adds a request whose reply is about to be sent. If the log is full, the entry replaces the oldest. The
+  /// result is valid until the next call.
   const LogEntry& add(const HTTPRequest& request, const HTTPReply& reply);
 
-  /// Sets the duration of the entry, if it is still there.
+  /// Sets the duration of the entry, if the log still has it.
   void finish(std::uint64_t id, std::chrono::steady_clock::duration duration);
 
   void clear() { entries_.clear(); }
 
-  /// The oldest comes first.
+  /// Returns all entries, the oldest first.
   const std::deque<LogEntry>& entries() const { return entries_; }
 
  private:

@@ -30,7 +30,7 @@ std::string lineOf(const LogEntry& entry) {
   return line;
 }
 
-/// Without the port that http has anyway.
+/// Returns the authority without the default port of http.
 std::string_view shortest(std::string_view authority) {
   return authority.substr(0, authority.size() - (authority.ends_with(":80") ? 3 : 0));
 }
@@ -62,7 +62,7 @@ HTTPReply Router::answer(const HTTPRequest& request) {
 std::uint64_t Router::log(const HTTPRequest& request, const HTTPReply& reply) {
   if (Page::owns(request.path) && reply.status < 400) return 0;
   if (request.path == "/inspect") {
-    // Scripts ask this, not phones.
+    // The log on the page shows what an application sends, and scripts are not the application.
     RequestLog none;
     if (log_) log_(lineOf(none.add(request, reply)));
     return 0;

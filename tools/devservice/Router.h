@@ -16,23 +16,25 @@
 
 namespace devservice {
 
-/// Leads each request to the service, its page or its inspection, and keeps the log. For one thread at a time.
+/// Passes each request to the service, the page or /inspect, and keeps the log. Not thread-safe.
 class Router {
  public:
-  /// Takes one line, without its end and with control characters escaped.
+  /// Receives a line without a line end, all but printable ASCII escaped as \xNN.
   using Log = std::function<void(std::string_view line)>;
 
-  /// The service has to outlive the router. As a proxy it serves `hosts`, each as it stands in a URL.
+  /// `service` must outlive the router. As a proxy the router answers requests for `hosts`, each written as
+  /// in a URL, and refuses all others. `log` may be empty.
   Router(IdentityService& service, std::vector<std::string> hosts, Log log);
 
-  /// The reply to a request of any kind.
+  /// Returns the reply to any request.
   HTTPReply answer(const HTTPRequest& request);
 
-  /// Logs what is about to be sent, unless the page asked for it to show itself; the entry's number in the log,
-  /// or 0.
+  /// Logs a request whose reply is about to be sent. The page's own requests get no line and no entry unless
+  /// they are refused; requests for /inspect get a line but no entry. Returns the entry's id for finish(), or
+  /// 0.
   std::uint64_t log(const HTTPRequest& request, const HTTPReply& reply);
 
-  /// Takes note how long that entry's request took, once its reply has been sent.
+  /// Sets the duration of that entry after its reply was sent.
   void finish(std::uint64_t entry, std::chrono::steady_clock::duration duration) {
     requests_.finish(entry, duration);
   }

@@ -38,7 +38,7 @@ tcp::acceptor listenOn(asio::io_context& context, std::uint16_t port) {
 
 }  // namespace
 
-/// All connections are coroutines on one thread.
+/// Each connection is a coroutine; all run on one thread.
 class Server::Implementation {
  public:
   Implementation(IdentityService& service, std::uint16_t port, Log log, const ServerLimits& limits)
@@ -48,7 +48,7 @@ class Server::Implementation {
   }
 
   ~Implementation() {
-    // Without sockets the coroutines end, and with them the thread.
+    // The coroutines end when their sockets are closed, and the thread ends with the last one.
     post(context_, [this] {
       acceptor_.close();
       change_.cancel();
@@ -67,14 +67,15 @@ class Server::Implementation {
         co_await awaitVacancy();
         if (acceptor_.is_open()) serve(std::move(socket));
       } else if (acceptor_.is_open()) {
-        // There are too many open files, most likely.
+        // Most likely the process has too many open files. Waits until one may have been closed.
         change_.expires_after(std::chrono::milliseconds(100));
         co_await change_.async_wait(awaited);
       }
     }
   }
 
-  /// Waits until one more connection may be served, and ends the one that has idled longest for it.
+  /// Waits until one more connection may be served. Closes the connection that has been idle longest, once
+  /// its time is up.
   asio::awaitable<void> awaitVacancy() {
     using Time = Connection::Clock::time_point;
     while (acceptor_.is_open() && connections_.size() >= limits_.connections) {
@@ -112,7 +113,7 @@ class Server::Implementation {
   tcp::acceptor acceptor_;
   Router router_;
   std::list<Connection> connections_;
-  asio::steady_timer change_{context_};  // cancelled when a connection begins to idle, or ends
+  asio::steady_timer change_{context_};  // Cancelled when a connection becomes idle or ends.
   std::thread thread_;
 };
 

@@ -10,21 +10,22 @@
 
 namespace devservice {
 
-/// Serves an IdentityService, and the page to look at it, over HTTP on 127.0.0.1, from its construction to
-/// its destruction, on one thread of its own.
+/// Serves an IdentityService and its page over HTTP on 127.0.0.1, from construction to destruction, on one
+/// thread of its own.
 class Server {
  public:
-  /// Takes one line, without its end, for each request but those the page makes, before the reply is sent. It
-  /// is called on the server's thread. Control characters in it are escaped.
+  /// Receives a line for each request, before the reply is sent, except for those of the page's script.
+  /// Called on the server's thread. The line has no line end, and all but printable ASCII is escaped as \xNN.
   using Log = std::function<void(std::string_view line)>;
 
-  /// Binds the port, or any free one if it is 0, and starts to serve. The service has to outlive the server.
-  /// Throws std::runtime_error when the port cannot be bound.
+  /// Binds the port, or a free one if it is 0, and starts to serve. `service` must outlive the server. Throws
+  /// std::runtime_error if the port cannot be bound.
   explicit Server(IdentityService& service, std::uint16_t port = 0, Log log = {}, ServerLimits limits = {});
 
-  /// Ends all connections, those in the middle of a call too, and returns when nothing is served any more.
+  /// Closes all connections, even in the middle of a request, and waits for the thread to end.
   ~Server();
 
+  /// Returns the port that was bound.
   std::uint16_t port() const;
 
  private:

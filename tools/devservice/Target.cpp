@@ -8,13 +8,13 @@
 namespace devservice {
 namespace {
 
-/// The text before and after the first `mark`.
+/// Returns the text before and after the first `mark`.
 std::pair<std::string_view, std::string_view> split(std::string_view text, char mark) {
   const std::size_t place = std::min(text.find(mark), text.size());
   return {text.substr(0, place), text.substr(std::min(place + 1, text.size()))};
 }
 
-/// The text, in which each percent sign with two hexadecimal digits stands for that byte.
+/// Returns the text with each percent sign and two hexadecimal digits replaced by that byte.
 std::string percentDecoded(std::string_view text) {
   std::string decoded;
   for (std::size_t i = 0; i < text.size(); ++i) {

@@ -8,17 +8,19 @@
 
 namespace devservice {
 
-/// What a request line asks for.
+/// The target of a request line, in its parts.
 struct Target {
-  std::string path;                      ///< Without percent signs that stand for something else.
-  std::string query;                     ///< What follows the question mark, as it came.
-  std::optional<std::string> authority;  ///< Of a URL, which is sent to a proxy; empty where it is not http.
+  std::string path;   ///< Percent-decoded.
+  std::string query;  ///< The text after the question mark, not decoded.
+  std::optional<std::string>
+      authority;  ///< Set if the target is a URL, as for a proxy. Empty unless its scheme is http.
 };
 
-/// Takes any text for a target.
+/// Parses any text; none is refused.
 Target parseTarget(std::string_view text);
 
-/// The parameters of a query by name. A plus sign is one.
+/// Returns the parameters of a query, percent-decoded. A plus sign stays a plus sign. Of equal names the last
+/// counts.
 Members queryMembers(std::string_view query);
 
 }  // namespace devservice

@@ -25,7 +25,7 @@ double distance(Point p, Point a, Point b) {
   return std::sqrt(dx * dx + dy * dy);
 }
 
-/// Paper that is slightly waved, so that whatever is drawn on it is.
+/// A canvas that is slightly waved, and with it all that is drawn on it.
 class Canvas {
  public:
   Canvas(Colour paper, double phase)
@@ -88,7 +88,7 @@ class Canvas {
   std::vector<Colour> pixels_;
 };
 
-/// The chance in one picture.
+/// The random choices of one picture.
 class Chance {
  public:
   explicit Chance(std::uint32_t seed) : engine_(seed) {}

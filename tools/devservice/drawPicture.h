@@ -10,9 +10,9 @@ namespace devservice {
 inline constexpr int pictureWidth = 160;
 inline constexpr int pictureHeight = 60;
 
-/// Draws the text, four or five characters of the alphabet, as a person can read it: a PNG of 24-bit colour.
-/// The seed decides colours, noise and jitter; equal arguments make equal pictures.
-/// Throws std::runtime_error when the picture cannot be encoded.
+/// Returns a PNG file in 24-bit colour that shows the text: four or five characters of the alphabet in
+/// glyphStrokes.h, with noise that a person can read through. The seed determines colours, noise and jitter,
+/// so equal arguments make equal files. Throws std::runtime_error if the picture cannot be encoded.
 std::vector<std::uint8_t> drawPicture(std::string_view text, std::uint32_t seed);
 
 }  // namespace devservice

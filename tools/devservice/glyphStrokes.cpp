@@ -5,7 +5,8 @@
 namespace devservice {
 namespace {
 
-// In the alphabet's order. A point is a digit, x, and a letter, y: 'a' is 0. A blank lifts the pen.
+// In the alphabet's order. A point is two characters: x as a digit, y as a letter from 'a' for 0. A blank
+// ends a stroke.
 constexpr std::array<std::string_view, alphabet.size()> glyphs = {
     "0m4a8m 2h6h",                       // A
     "8c7b5a3a1b0d0j1l3m5m7l8k",          // C

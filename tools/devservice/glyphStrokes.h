@@ -10,14 +10,14 @@ struct Point {
   double y;
 };
 
-/// A line through the points in turn.
+/// A line through the points, in their order.
 using Stroke = std::vector<Point>;
 
-/// The characters pictures are made of: none is easily taken for another one, in either case.
+/// The characters of the pictures. None looks like another one in upper or lower case.
 inline constexpr std::string_view alphabet = "ACEFHJKLMNPRTUWXY34679";
 
-/// The strokes of a character of the alphabet in a box from (0, 0), the top left, to (8, 12); none for other
-/// characters.
+/// Returns the strokes of a character of the alphabet, in a box from (0, 0) at the top left to (8, 12).
+/// Returns none for other characters.
 std::vector<Stroke> glyphStrokes(char character);
 
 }  // namespace devservice

@@ -4,11 +4,13 @@
 
 namespace devservice {
 
-/// Returns true if a developer on this machine sent the request, and not a site that is open in the developer's
-/// browser: the peer and the host asked for are this machine, and the origin, if there is one, is the service
-/// itself. A site whose name leads here by a trick of its name server gives itself away by the host. What a
-/// browser sends for another site without an origin it sends with "Sec-Fetch-Site"; only following a link from
-/// there is harmless.
+/// Returns true if a program or a browser on this machine sent the request for the developer, and not for
+/// another site that is open in the browser. The rules:
+/// - The peer's address is this machine's.
+/// - "Host" is localhost, 127.0.0.1 or [::1], not a foreign name that resolves to this machine.
+/// - "Origin", if there is one, is the service itself.
+/// - Without an origin, "Sec-Fetch-Site" does not name another site, or the browser follows a link. The site
+///   with the link cannot read the reply.
 bool isLocalCaller(const HTTPRequest& request);
 
 }  // namespace devservice

@@ -19,19 +19,21 @@
 namespace {
 
 constexpr const char* footer = R"(
-The text messages are printed. The page at / shows them with what is known of each number, and has
-buttons for faults; GET /inspect shows the same to scripts.
+It prints each text message and each request. The page at / shows them in a browser, with what the
+service knows of each mobile number, and has a button for each fault. GET /inspect tells scripts what
+it knows of each number.
 
-It is an HTTP proxy as well, for the service's own host alone, so that an application needs no more
-than a proxy setting: http://127.0.0.1:8080. Requests for other hosts are refused.
+It is also an HTTP proxy for its own host, so that an application needs only a proxy setting:
+http://127.0.0.1:8080. It refuses requests for other hosts.
 
-It may be left running: what it keeps is limited, and it listens to this machine alone. Programs on
-this machine may read every code; that is what it is for. Sites open in a browser may not: the page
-and /inspect answer only requests for localhost, 127.0.0.1 or [::1] that no other origin sends. Nor
-is a code to be guessed: five wrong tries end it, and after fifty in an hour a number has to wait.
+It can run for any length of time: it keeps everything in memory, with a limit on each thing, and
+listens on 127.0.0.1 only. Programs on this machine can read every code; that is its purpose. Sites
+open in a browser cannot: the page and /inspect answer only requests for localhost, 127.0.0.1 or
+[::1] that no other site sent. Codes are hard to guess: a code is invalid after 5 wrong tries, and
+after 50 in an hour a number cannot log in until that hour is over.
 )";
 
-/// One write a line.
+/// Writes a line to standard output at once, in one piece.
 void printLine(std::string line) {
   line += '\n';
   std::fwrite(line.data(), 1, line.size(), stdout);
@@ -47,8 +49,9 @@ std::string helpFooter() {
   }
   text.append("\nFaults on demand: the mobile numbers ").append(devservice::faultNumberPrefix);
   text +=
-      "XYY. X is the call that is hit: 0 all, 1 picture, 2 code,\n3 login, 4 submission. YY is the fault;\n"
-      "01 may be followed by four digits, the delay in hundredths of a second:\n";
+      "XYY.\nX is the call that the fault hits: 0 all, 1 picture, 2 code, 3 login, 4 submission. YY is the "
+      "fault.\n"
+      "After 01 four more digits may follow, the delay in hundredths of a second, at most 6000:\n";
   for (const devservice::Fault& fault : devservice::faultTable()) {
     const std::string number = std::to_string(fault.number);
     text.append(number.size() < 2 ? "  0" : "  ").append(number).append("  ").append(fault.text) += '\n';
@@ -57,8 +60,8 @@ std::string helpFooter() {
 }
 
 void serve(std::uint16_t port, bool isQuiet) {
-  std::signal(SIGPIPE, SIG_IGN);  // The service goes on when its output is no longer read.
-  // Blocked before there are threads, so that all inherit it and the signals wait to be collected here.
+  std::signal(SIGPIPE, SIG_IGN);  // The service goes on if its output is no longer read.
+  // Blocked before other threads start. They inherit the mask, so sigwait() below gets the signals.
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGINT);
@@ -92,12 +95,12 @@ int main(int argc, char** argv) {
   bool isQuiet = false;
   CLI::App app("The identity service for development and tests, on 127.0.0.1.\n", "orvane-devservice");
   app.get_formatter()->column_width(16);
-  app.add_option("--port", port, "listen on port N, 8080 by default; 0 takes a free one")
+  app.add_option("--port", port, "listen on port N, 0 to 65535; default 8080; 0 takes a free port")
       ->check(CLI::Range(0, 65535).description(""))
       ->type_name("N");
-  app.add_flag("--quiet", isQuiet, "print nothing but the address")->disable_flag_override();
+  app.add_flag("--quiet", isQuiet, "print only the address")->disable_flag_override();
   app.set_version_flag("--version", "orvane-devservice " DEVSERVICE_VERSION, "print the version");
-  app.set_help_flag("-h,--help", "print this");
+  app.set_help_flag("-h,--help", "print this text");
   app.footer(helpFooter());
   try {
     app.parse(argc, argv);

@@ -15,7 +15,7 @@ InspectClient::InspectClient(std::string authority) : url_("http://" + std::move
   tool_.setSession(std::make_shared<orvane::HostSession>(configuration));
 }
 
-/// Returns what the service tells, by mobile number. Nothing if it is not a development service.
+/// Returns what the service knows, by mobile number. Returns nothing if it is not a development service.
 std::optional<orvane::Map> InspectClient::inspect() {
   std::optional<orvane::Value> result;
   const auto take = [&result](std::optional<orvane::Value> told, const orvane::ErrorPtr&) {

@@ -8,8 +8,8 @@
 
 namespace signin {
 
-/// Asks a development service what it knows of a mobile number. Runs the host's main queue, so it is for the main
-/// thread alone.
+/// Asks a development service what it knows of a mobile number. Runs the host's main queue, so it must be
+/// used on the main thread.
 class InspectClient {
  public:
   /// `authority` is the service's HOST:PORT.
@@ -18,14 +18,15 @@ class InspectClient {
   /// Returns true if a development service answers there.
   bool isThere() { return inspect().has_value(); }
 
-  /// Returns a text that the service knows of the number, such as its "code".
+  /// Returns the text of that name, such as "code", from what the service knows of the number. Returns
+  /// nothing if the service does not know it.
   std::optional<std::string> known(std::string_view fact, const std::string& mobile);
 
  private:
   std::optional<orvane::Map> inspect();
 
   const std::string url_;
-  orvane::NetworkTool tool_;  // With a session of its own, which nothing traces.
+  orvane::NetworkTool tool_;  // Has a session of its own, so that a trace does not show its requests.
 };
 
 }  // namespace signin

@@ -11,21 +11,23 @@ namespace signin {
 namespace {
 
 constexpr const char* summary =
-    R"(Signs a user in by mobile phone number: a picture to read, a code by text message, the login.
+    R"(Signs a user in by mobile phone number: fetches a picture, has a code sent by text message, and logs
+in with the code.
 
-Without --connect and --live it starts the development service inside itself and signs in there. It
-asks for what no option gives. Without a terminal on standard input, or with --auto, it asks nobody
-and takes the answers from the development service: the one inside it, or where --connect or --proxy
-leads.
+Without --connect and --live it starts a development service inside itself and signs in there. It
+asks for each value that no option gives. If standard input is not a terminal, or with --auto, it
+asks the development service in place of a person: the one inside it, or the one that --connect or
+--proxy leads to.
 )";
 
 constexpr const char* footer = R"(
-Exit status: 0 after a success, 1 when the service refused a call, 2 for wrong use, 3 when a call got
-no reply or none that is JSON, 4 when the machine lacks something. Ctrl-C ends the program by its
-signal, 130 in a shell. A reply that breaks the protocol, and a login without a reply, abort it: 134.
-NO_COLOR in the environment: no colours. The manual page has the rest.)";
+Exit status: 0 success; 1 the service refused a call; 2 wrong use; 3 a call got no reply, or none that
+is JSON; 4 the machine lacks something, such as memory or a port. Ctrl-C ends the program by its
+signal, shown as 130 by a shell. A reply that breaks the protocol, or a login without a reply, aborts
+the program: 134. With NO_COLOR in the environment it uses no colours. The manual page has the
+details.)";
 
-/// What one call alone has a use for.
+/// An option that only one step uses.
 struct Use {
   std::string_view name;
   std::optional<std::string> Options::*value;
@@ -54,12 +56,13 @@ Address readAddress(std::string_view text) {
   const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), address.port);
   const bool isPort = error == std::errc() && end == port.data() + port.size() && address.port != 0;
   if (!isPort || host.empty() || (host.find(':') != host.npos) != bracketed) {
-    throw UsageError("--connect: HOST:PORT or [IPV6]:PORT wanted, with a port from 1 to 65535");
+    throw UsageError("--connect: expected HOST:PORT or [IPV6]:PORT with a port from 1 to 65535");
   }
   return address;
 }
 
-/// The words as CLI11 takes them, the last one first. It would take the word after "--name=" for the value.
+/// Returns the words in the order that CLI11 takes, the last one first. "--name=" becomes two words, since
+/// CLI11 would use the word after it as the value.
 std::vector<std::string> reversed(std::span<const char* const> arguments) {
   std::vector<std::string> words;
   for (const std::string_view argument : arguments) {
@@ -73,17 +76,17 @@ std::vector<std::string> reversed(std::span<const char* const> arguments) {
 
 void refuseContradictions(const Options& options) {
   const std::pair<bool, const char*> contradictions[] = {
-      {options.connect && options.live, "--live: contradicts --connect"},
+      {options.connect && options.live, "--live: cannot be used with --connect"},
       {options.proxy && !options.live, "--proxy: needs --live"},
       {options.unmasked && !options.trace, "--unmasked: needs --trace"},
-      {options.json && options.pictureFile == "-", "--picture -: contradicts --json"},
+      {options.json && options.pictureFile == "-", "--picture -: cannot be used with --json"},
   };
   for (const auto& [isGiven, complaint] : contradictions) {
     if (isGiven) throw UsageError(complaint);
   }
   for (const Use& use : uses) {
     if (options.*use.value && !options.includes(use.step)) {
-      throw UsageError(std::string(use.name) + ": the call that --only names has no use for it");
+      throw UsageError(std::string(use.name) + ": not used by the call that --only names");
     }
   }
   if (!options.unmasked || options.embedsService()) return;
@@ -91,7 +94,7 @@ void refuseContradictions(const Options& options) {
   const std::string_view host = std::string_view(service).substr(0, service.rfind(':'));
   constexpr std::string_view own[] = {"localhost", "127.0.0.1", "[::1]"};
   if (std::ranges::find(own, host) == std::end(own)) {
-    throw UsageError("--unmasked: only where the requests stay on this machine");
+    throw UsageError("--unmasked: allowed only if the requests stay on this machine");
   }
 }
 
@@ -127,32 +130,33 @@ Options parseOptions(std::span<const char* const> arguments) {
     return app.add_flag(name, value, help)->disable_flag_override()->take_last();
   };
   auto* const connecting = addText("--connect", connect, "HOST:PORT",
-                                   "send the requests for the service to this address; [IPV6]:PORT, too");
-  addFlag("--live", options.live, "send them to the service's own address");
-  addText("--proxy", options.proxy, "URL", "with --live: send them by this HTTP proxy");
+                                   "send the requests to a service at this address; [IPV6]:PORT works too");
+  addFlag("--live", options.live, "send the requests to the address that the library was built for");
+  addText("--proxy", options.proxy, "URL", "with --live: send them through this HTTP proxy");
   addText("--mobile", options.mobile, "NUMBER", "the mobile number");
-  addText("--captcha", options.captcha, "TEXT", "what the picture says");
+  addText("--captcha", options.captcha, "TEXT", "the text in the picture");
   addText("--code", options.code, "TEXT", "the code in the text message");
   addText("--client-id", options.clientId, "ID",
-          "send this client identifier, which may be empty; none is sent otherwise");
+          "send this client identifier, which may be empty; default: send none");
   addText("--picture", options.pictureFile, "FILE",
-          "save the picture as it came, and do not show it; - is standard output");
-  addText("--only", only, "CALL", "make one call: picture, code or login")
+          "save the picture to FILE and do not show it; - is standard output");
+  addText("--only", only, "CALL", "make only this call: picture, code or login")
       ->check(CLI::IsMember(std::vector<std::string>(std::begin(stepNames), std::end(stepNames)))
                   .description(""));
-  addFlag("--auto", options.automatic, "ask nobody");
+  addFlag("--auto", options.automatic, "ask no questions");
   addFlag("--json", options.json,
-          "print a JSON object a line for each step that ended, for scripts; what is\n"
-          "there for a person goes to standard error");
+          "for scripts: print a line of JSON after each step; questions and pictures\n"
+          "go to standard error");
   addFlag("--trace", options.trace,
-          "print each request on standard error as a curl command, and its reply;\n"
-          "number, picture's text, code and client identifier are masked");
-  addFlag("--unmasked", options.unmasked, "with --trace: mask nothing, where all stays on this machine");
+          "print each request as a curl command, and its reply, on standard error;\n"
+          "mobile number, text in the picture, code and client identifier are masked");
+  addFlag("--unmasked", options.unmasked,
+          "with --trace: mask nothing; only if the requests stay on this machine");
   app.set_version_flag(
       "--version",
       "orvane-signin " ORVANE_VERSION "\n" + std::string(reinterpret_cast<const char*>(OrvaneVersionString)),
       "print the versions of the program and of the library");
-  app.set_help_flag("-h,--help", "print this");
+  app.set_help_flag("-h,--help", "print this text");
   try {
     app.parse(reversed(arguments));
   } catch (const CLI::CallForHelp&) {

@@ -20,7 +20,7 @@ struct Raster {
   std::size_t height;
   std::vector<std::uint8_t> samples;
 
-  /// The mean colour in a box of pixels, which is not empty.
+  /// Returns the mean colour of the pixels in a box, which must not be empty.
   Colour mean(std::size_t left, std::size_t top, std::size_t right, std::size_t bottom) const {
     std::array<std::size_t, 3> sums{};
     for (std::size_t y = top; y < bottom; ++y) {
@@ -49,7 +49,8 @@ std::optional<Raster> decode(std::span<const std::uint8_t> file) {
   return raster;
 }
 
-/// The 256 colours have a cube of six levels a side: 0, 95, 135, 175, 215, 255.
+/// Returns the number of the nearest of the 256 colours in their cube, whose sides have the levels 0, 95,
+/// 135, 175, 215 and 255.
 unsigned indexedColour(const Colour& colour) {
   const auto level = [](unsigned sample) { return sample < 48 ? 0 : sample < 115 ? 1 : (sample - 35) / 40; };
   return 16 + 36 * level(colour[0]) + 6 * level(colour[1]) + level(colour[2]);
@@ -69,7 +70,7 @@ std::string colourCode(unsigned target, const Colour& colour, Palette palette) {
 
 char shade(const Colour& upper, const Colour& lower) {
   constexpr std::string_view ramp = "@%#*+=-:. ";
-  const auto light = [](const Colour& c) { return 2 * c[0] + 5 * c[1] + c[2]; };  // at most 2040
+  const auto light = [](const Colour& c) { return 2 * c[0] + 5 * c[1] + c[2]; };  // At most 2040.
   return ramp[(light(upper) + light(lower)) * ramp.size() / 4096];
 }
 

@@ -8,9 +8,9 @@
 
 namespace signin {
 
-/// What a terminal draws with.
+/// How a picture is drawn on a terminal.
 enum class Palette {
-  characters,  ///< ASCII characters, the denser the darker.
+  characters,  ///< ASCII characters; denser ones are darker.
   indexed,     ///< Half blocks in the 256 colours.
   direct,      ///< Half blocks in 24-bit colour.
 };
@@ -18,13 +18,13 @@ enum class Palette {
 /// A picture as text.
 struct PictureView {
   std::string lines;
-  bool isClear =
-      false;  ///< False where many pixels became one, or there were no colours, so that it may be hard to read.
+  /// False if the picture may be hard to read: scaled down to less than half, or drawn without colours.
+  bool isClear = false;
 };
 
-/// Draws the picture in the PNG file as lines of text, one column per pixel, scaled down where it is wider or
-/// higher than `columns` (at least 1) pixels. Returns nothing where the file is no PNG, is damaged, or has a side of
-/// more than 4096 pixels.
+/// Returns the picture in a PNG file as lines of text, one column per pixel. A picture wider or higher than
+/// `columns` pixels (at least 1) is scaled down. Returns nothing if the file is not a PNG, is damaged, or has
+/// a side of more than 4096 pixels.
 std::optional<PictureView> viewPicture(std::span<const std::uint8_t> file, std::size_t columns,
                                        Palette palette);
 

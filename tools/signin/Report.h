@@ -10,13 +10,13 @@
 
 namespace signin {
 
-/// Writes the lines of --json: an object for each step that has ended. Writes nothing before open(), and nothing
-/// after an interruption. Its functions may be called from any thread. Must never be destroyed, since a signal
-/// handler uses it.
+/// Writes the lines of --json: an object for each step that has ended. Writes nothing before open(), and
+/// nothing after an interruption. Its functions may be called from any thread. Must never be destroyed, since
+/// a signal handler uses it.
 class Report {
  public:
-  /// Writes the lines to this file from now on. Also installs a handler of SIGABRT that writes the line of the
-  /// step that the library aborts. To be called at most once.
+  /// Writes the lines to this file from now on. Also installs a handler of SIGABRT that writes the line of
+  /// the step that the library aborts. To be called at most once.
   void open(std::FILE* lines);
 
   void begin(Step step);

@@ -13,7 +13,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int deepestShownLevel = 32;  // What is deeper is left out: the walk must not exhaust the stack.
+constexpr int deepestShownLevel =
+    32;  // Deeper levels are left out, since the recursion must not exhaust the stack.
 constexpr std::size_t longestShownArray = 16;
 
 bool isSecretMember(std::string_view name) {
@@ -55,7 +56,7 @@ void maskObject(Json& object, const Secrets& secrets) {
 }  // namespace
 
 void Secrets::add(std::string_view secret) {
-  // Others may quote a mobile number without its plus sign, or with an encoded one.
+  // A service may quote a mobile number without its plus sign, or with an encoded one.
   if (secret.starts_with('+')) secret.remove_prefix(1);
   if (!areMasked_ || secret.size() < 2) return;
   const std::lock_guard lock(mutex_);

@@ -7,25 +7,26 @@
 
 namespace signin {
 
-/// The texts that no trace may show, unless nothing is masked. May be used from any thread.
+/// The texts that a trace must not show. Thread-safe.
 class Secrets {
  public:
-  /// What stands in place of a secret.
+  /// Replaces a secret.
   static constexpr std::string_view mask = "***";
 
+  /// If `areMasked` is false, nothing is masked.
   explicit Secrets(bool areMasked = true) : areMasked_(areMasked) {}
 
-  /// Texts of less than two characters are in every line and not looked for.
+  /// Adds a text to mask. Ignores texts of less than two characters, which occur in any line.
   void add(std::string_view secret);
 
   bool areMasked() const { return areMasked_; }
 
-  /// Returns the text with every secret in it, in any case of its ASCII letters, replaced by the mask.
+  /// Returns the text with every secret in it replaced by the mask. Ignores the case of ASCII letters.
   std::string masked(std::string_view text) const;
 
-  /// Returns a body without the secrets in it: in JSON the members that hold one have the mask as value, whatever they
-  /// hold, and all else has the known secrets masked. Of a long array of numbers remains how many they are, of deep
-  /// nesting its outer levels.
+  /// Returns a body with its secrets masked. In JSON, the members "mobile", "captcha" and "verificationCode"
+  /// have the mask as value; all other names and values are treated like masked(). A long array of numbers is
+  /// replaced by its size, and levels that are nested too deep are left out.
   std::string maskedBody(std::string_view body) const;
 
  private:

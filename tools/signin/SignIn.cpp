@@ -18,19 +18,19 @@
 namespace signin {
 namespace {
 
-/// From the numbers that are reserved for stories, so nobody's.
+/// One of the numbers that are reserved for fiction, so it belongs to no person.
 constexpr const char* someNumber = "+447700900123";
 
-/// How often a person may answer a question that the service refuses.
+/// How often a person may answer the same question before a refusal ends the sign-in.
 constexpr int mostTries = 3;
 
-/// How long an accepted login's submission may take to leave.
+/// How long the program waits for the submission after an accepted login.
 constexpr std::chrono::seconds submissionLimit{5};
 
-/// How long one waits without being told what for.
+/// Time after which the terminal shows what the program is waiting for.
 constexpr std::chrono::milliseconds patience{500};
 
-/// Makes a call, runs the main queue until it is over, and returns what it came to.
+/// Makes a call, runs the main queue until the call ends, and returns its outcome.
 template <class T, class Finished>
 orvane::Outcome<T> await(std::string_view whatFor, orvane::AwaitableCall<T, Finished> call) {
   orvane::Outcome<T> outcome;
@@ -55,7 +55,7 @@ bool isUTF8(const std::string& text) {
   }
 }
 
-/// A text message as a phone shows it, in a box, one sentence per line. Only ASCII comes out straight.
+/// Returns a text message in a box, one sentence per line. The box is straight for ASCII only.
 std::string textBubble(std::string_view text) {
   std::vector<std::string_view> lines;
   for (std::size_t end = text.find(". "); end != text.npos; end = text.find(". ")) {
@@ -80,7 +80,7 @@ StepOutcome SignIn::run() {
   mobile_ = answer({"--mobile", "Mobile number: ", {}, options_.mobile});
   StepOutcome outcome = StepOutcome::success;
   const auto isAsked = [this](const auto& given) { return means_.hasPerson && !given; };
-  // A misread picture is asked again with a new one.
+  // After a misread picture the person gets a new one.
   for (int tries = isAsked(options_.captcha) && !options_.only ? mostTries : 1; tries > 0; --tries) {
     if (options_.includes(Step::picture)) outcome = requestPicture();
     if (outcome != StepOutcome::success) return outcome;
@@ -140,7 +140,7 @@ StepOutcome SignIn::succeed(StepEnd stepEnd) const {
   return stepEnd.outcome;
 }
 
-/// Says why the call failed.
+/// Reports why the call failed.
 StepOutcome SignIn::fail(Step step, const orvane::Error& error) const {
   const orvane::ErrorKind kind = orvane::kind(error);
   const bool isRefusal = kind == orvane::ErrorKind::refused;
@@ -153,7 +153,7 @@ StepOutcome SignIn::fail(Step step, const orvane::Error& error) const {
   return outcome;
 }
 
-/// Returns what the option gives, else what the person or the development service answers.
+/// Returns the option's value, else the answer of the person or of the development service.
 std::string SignIn::answer(const Question& question) const {
   std::optional<std::string> text = question.given;
   const std::string option(question.option);
@@ -178,14 +178,16 @@ void SignIn::present(const orvane::Bytes& picture) const {
   if (options_.pictureFile) {
     save(picture);
     const bool isPrinted = means_.pictureOutput != nullptr;
-    Terminal::print("The picture, " + size + ", is " +
+    Terminal::print("The picture (" + size + ") is " +
                     (isPrinted ? "on standard output" : "in " + *options_.pictureFile) + ".\n");
   } else if (view) {
     Terminal::print(view->lines);
     if (means_.hasPerson && !view->isClear)
-      Terminal::print("If that cannot be read: --picture FILE saves the picture.\n");
+      Terminal::print("If you cannot read it, save it with --picture FILE.\n");
   }
-  if (!view) Terminal::print("What came as picture, " + size + ", is nothing that can be drawn.\n");
+  if (!view)
+    Terminal::print("The picture (" + size +
+                    ") cannot be shown: it is not a PNG file, is damaged, or is too large.\n");
 }
 
 void SignIn::save(const orvane::Bytes& picture) const {

@@ -15,32 +15,32 @@
 
 namespace signin {
 
-/// A sign-in, or one call of it, from question to question: the conversation with the person, and with the
-/// library. Runs the host's main queue, so it is for the main thread alone.
+/// A sign-in or one step of it: asks for the values, makes the calls, and shows the outcomes. Runs the host's
+/// main queue, so it must be used on the main thread.
 class SignIn {
  public:
-  /// Where the sign-in has its means from. All of it has to outlive the sign-in.
+  /// What the sign-in works with. All of it must outlive the sign-in.
   struct Means {
     const Options& options;
-    bool hasPerson;            ///< Asks a person for what no option gives, else the inspector.
-    InspectClient* inspector;  ///< Null where there is none; then nothing is missing, or there is a person.
-    ObservedSession& session;  ///< The one that the library uses.
+    bool hasPerson;            ///< True if a person answers for missing options, else `inspector` does.
+    InspectClient* inspector;  ///< May be null if no option is missing or there is a person.
+    ObservedSession& session;  ///< The session that the library uses.
     Secrets& secrets;
     Report& report;
-    std::FILE* pictureOutput;  ///< Where --picture - goes.
+    std::FILE* pictureOutput;  ///< The file for --picture -, else null.
   };
 
   explicit SignIn(const Means& means) : means_(means), options_(means.options) {}
 
-  /// Returns how the last of the calls ended; the error of one that did not succeed is on standard error. Throws
-  /// UsageError when an answer does not come, is not UTF-8, or the picture cannot be saved.
+  /// Returns how the last call ended. Writes a failed call's error to standard error. Throws UsageError if
+  /// there is no answer, an answer is not UTF-8, or the picture cannot be saved.
   StepOutcome run();
 
  private:
   struct Question {
     std::string_view option;
     std::string_view text;
-    std::string_view fact;  // What the inspector calls it.
+    std::string_view fact;  // The answer's name in the reply of /inspect; empty if it has none.
     const std::optional<std::string>& given;
   };
 

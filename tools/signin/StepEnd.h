@@ -8,8 +8,8 @@
 
 namespace signin {
 
-/// How a step, or the program, ended. The values up to `fault` are the program's exit statuses; after the other
-/// two it ends by a signal.
+/// How a step, or the program, ended. The values up to `fault` are the program's exit statuses; after the
+/// other two it ends by a signal.
 enum class StepOutcome {
   success,
   refusal,      ///< The service refused the call.

@@ -16,14 +16,15 @@ struct Terminal {
   /// Returns true if standard input is a terminal, so that a person may answer.
   static bool inputIsTerminal();
 
-  /// Returns the width of standard output in columns: the terminal's, else COLUMNS in the environment, else 80.
+  /// Returns the width of standard output in columns: the terminal's, else COLUMNS in the environment, else
+  /// 80.
   static std::size_t outputColumns();
 
   /// Returns the colours that standard output can show: none if NO_COLOR in the environment is not empty.
   static Palette outputPalette();
 
-  /// Returns standard output, which print() uses no more: it writes to standard error if there is a person, else
-  /// nowhere. To be called at most once. Throws std::system_error.
+  /// Returns standard output, which print() uses no more: it writes to standard error if there is a person,
+  /// else nowhere. To be called at most once. Throws std::system_error.
   static std::FILE* takeOutput(bool hasPerson);
 
   /// Prints the question and reads a line; asks again while the line is blank. Returns it without leading and
@@ -39,13 +40,13 @@ struct Terminal {
   /// Writes "orvane-signin: " and the text as a line to standard error.
   static void complain(std::string_view text);
 
-  /// Shows on standard error, if that is a terminal, what the program is waiting for. The text disappears with
-  /// hideWaiting() or when anything else is written.
+  /// Shows on standard error, if that is a terminal, what the program is waiting for. The text disappears
+  /// with hideWaiting() or when anything else is written.
   static void showWaiting(std::string_view text);
   static void hideWaiting();
 
-  /// Hides the text of showWaiting(), ends colours, and lets nothing more be written. For a process that is about
-  /// to end.
+  /// Hides the text of showWaiting(), ends colours, and lets nothing more be written. For a process that is
+  /// about to end.
   static void leave();
 };
 

@@ -11,13 +11,15 @@
 
 namespace signin {
 
-/// Writes requests and replies as lines of text, without the secrets. Its functions may be called from any thread.
+/// Writes requests and replies as lines of text, without the secrets. Its functions may be called from any
+/// thread.
 class Trace {
  public:
   /// `configuration` is that of the session that sends the requests.
   Trace(orvane::HostSessionConfiguration configuration, std::shared_ptr<const Secrets> secrets);
 
-  /// Returns the request as a curl command on one line. The command reaches the service the way the session does.
+  /// Returns the request as a curl command on one line. The command reaches the service the way the session
+  /// does.
   std::string requestLine(const orvane::URLRequest& request) const;
 
   /// Returns the outcome of the request to `url` on one line, with the time that it took. A long body is cut.

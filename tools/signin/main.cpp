@@ -31,7 +31,8 @@ struct EmbeddedService {
   devservice::Server server{service};
 };
 
-/// A core file would have the codes. A limit of one byte also keeps Linux from handing the core to a program.
+/// Prevents a core file, which would contain the codes. A limit of 1, unlike 0, also keeps Linux from passing
+/// the core to a program.
 void preventCoreFile() {
   rlimit limit{};
   getrlimit(RLIMIT_CORE, &limit);
@@ -39,7 +40,7 @@ void preventCoreFile() {
   setrlimit(RLIMIT_CORE, &limit);
 }
 
-/// Returns how the library's requests reach the service.
+/// Returns the configuration of a session whose requests reach the service at the address, or by the options.
 orvane::HostSessionConfiguration routeTo(const std::optional<Address>& address, const Options& options) {
   orvane::HostSessionConfiguration configuration{.proxy = options.proxy.value_or("")};
   if (address) {
@@ -56,7 +57,7 @@ StepOutcome signIn(const Options& options, Report& report, std::FILE*& output) {
     throw UsageError(std::string(options.missing()) + ": missing, and " + why);
   };
   if (lacksAnswers && !options.embedsService() && options.service().empty())
-    refuseToGuess("there is nobody to ask");
+    refuseToGuess("there is no development service to ask");
   onInterruption([&report] {
     Terminal::leave();
     report.end({StepOutcome::interrupted});
@@ -103,7 +104,7 @@ StepOutcome run(std::span<const char* const> arguments, Report& report, std::FIL
 
 int main(int argc, char** argv) {
   preventCoreFile();
-  // A reader who goes away, like head, must not stop a sign-in between its calls.
+  // A program that stops reading the output, such as head, must not stop a sign-in between its calls.
   std::signal(SIGPIPE, SIG_IGN);
   static Report& report = *new Report;
   std::FILE* output = stdout;
@@ -121,7 +122,7 @@ int main(int argc, char** argv) {
     outcome = complainOf(StepOutcome::fault, error);
   }
   if (std::ferror(output)) {
-    Terminal::complain("standard output could not be written");
+    Terminal::complain("could not write to standard output");
     outcome = StepOutcome::fault;
   }
   return static_cast<int>(outcome);

@@ -15,7 +15,7 @@ void onInterruption(std::function<void()> tidyUp) {
     sigaction(signal, nullptr, &before);
     if (before.sa_handler != SIG_IGN) sigaddset(&signals, signal);
   }
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);  // in all threads to come, too
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);  // Later threads inherit the mask.
   std::thread([signals, tidyUp = std::move(tidyUp)] {
     int signal = 0;
     if (sigwait(&signals, &signal) != 0) return;

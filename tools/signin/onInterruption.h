@@ -4,9 +4,9 @@
 
 namespace signin {
 
-/// Lets `tidyUp` run when the program is interrupted, terminated or hung up, before the signal ends it; a second
-/// signal ends it at once. A signal that the program was started to ignore stays ignored. To be called once,
-/// before there are other threads; `tidyUp` runs on a thread of its own, perhaps while main returns.
+/// Calls `tidyUp` once when SIGINT, SIGTERM or SIGHUP arrives; the signal then ends the process. A second
+/// signal ends it at once. Signals that the process was started to ignore stay ignored. To be called once,
+/// before other threads start. `tidyUp` runs on a thread of its own, possibly while main() returns.
 void onInterruption(std::function<void()> tidyUp);
 
 }  // namespace signin

@@ -5,7 +5,8 @@
 
 namespace signin {
 
-/// Returns the text with its control characters as \xNN, so that what a service sends cannot control the terminal.
+/// Returns the text with its control characters as \xNN, so that what a service sends cannot control the
+/// terminal.
 std::string printable(std::string_view text);
 
 }  // namespace signin
