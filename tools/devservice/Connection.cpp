@@ -1,6 +1,7 @@
 #include "tools/devservice/Connection.h"
 
 #include <boost/asio/as_tuple.hpp>
+#include <boost/asio/experimental/awaitable_operators.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/beast/core/string.hpp>
@@ -23,7 +24,7 @@ namespace asio = boost::asio;
 namespace http = boost::beast::http;
 
 constexpr auto awaited = asio::as_tuple(asio::use_awaitable);
-/// How long a refused connection stays, so that the peer can read why.
+/// How long a connection stays open after a refusal, so that the caller can read the reason.
 constexpr std::chrono::seconds lingering{1};
 
 std::string addressOf(const asio::ip::tcp::socket& socket) {
@@ -41,7 +42,7 @@ HTTPRequest requestFrom(const http::request<http::string_body>& message, const s
                       .peer = peer,
                       .query = std::move(target.query),
                       .isProxied = target.authority.has_value()};
-  // What the URL names counts, and not the field.
+  // For a proxy the host in the URL counts, not the field.
   if (target.authority) request.headers.emplace_back("Host", *target.authority);
   for (const auto& field : message) {
     if (!target.authority || field.name() != http::field::host)
@@ -50,7 +51,7 @@ HTTPRequest requestFrom(const http::request<http::string_body>& message, const s
   return request;
 }
 
-/// The HTTP status that says why a request could not be read; 0 where the connection has failed.
+/// Returns the HTTP status for a request that could not be read, or 0 if the connection has failed.
 int statusOf(boost::system::error_code error) {
   if (error == http::error::end_of_stream || error == http::error::partial_message) return 0;
   if (error == http::error::header_limit) return 431;
@@ -69,7 +70,7 @@ Connection::Connection(Socket socket, Router& router, const ServerLimits& limits
       changed_(std::move(changed)),
       pause_(stream_.get_executor()),
       idleSince_(Clock::now()) {
-  boost::system::error_code ignored;  // the next read tells
+  boost::system::error_code ignored;  // The next read fails as well then.
   stream_.socket().set_option(asio::ip::tcp::no_delay(true), ignored);
 }
 
@@ -85,7 +86,7 @@ void Connection::askAgain() {
 
 asio::awaitable<void> Connection::serve() {
   for (bool goesOn = true; goesOn;) {
-    // Not a part of the loop's condition: g++ 12 does not stop then where it is false.
+    // Not part of the loop's condition: compiled by g++ 12, the loop would go on if it is false.
     if (!co_await awaitRequest()) co_return;
     Parser parser;
     const boost::system::error_code error = co_await read(parser);
@@ -93,7 +94,7 @@ asio::awaitable<void> Connection::serve() {
     if (error && refused == 0) co_return;
     const Clock::time_point start = Clock::now();
     const HTTPRequest request = requestFrom(parser.get(), peer_);
-    // After what is not understood, nothing says where the next request starts.
+    // After a malformed request it is unknown where the next one starts.
     goesOn = !error && parser.keep_alive();
     HTTPReply reply;
     if (error) {
@@ -106,14 +107,14 @@ asio::awaitable<void> Connection::serve() {
     router_.finish(entry, Clock::now() - start);
     goesOn = goesOn && isWhole;
     if (!error) continue;
-    // The system discards a reply that is on its way when the peer sends more than was read.
+    // The system would discard the reply if the socket were closed while the caller still sends.
     boost::system::error_code ignored;
     stream_.socket().shutdown(Socket::shutdown_send, ignored);
     co_await awaitEnd(lingering);
   }
 }
 
-/// Waits for the first byte of a request.
+/// Waits for the first byte of a request. Returns false if the connection has ended.
 asio::awaitable<bool> Connection::awaitRequest() {
   if (buffer_.size() > 0) co_return true;
   constexpr std::size_t enough = 4096;
@@ -142,18 +143,42 @@ asio::awaitable<boost::system::error_code> Connection::read(Parser& parser) {
 asio::awaitable<HTTPReply> Connection::answer(const HTTPRequest& request) {
   HTTPReply reply = router_.answer(request);
   const Clock::time_point end = Clock::now() + reply.wait;
+  bool isWatched = buffer_.size() == 0;
   while (reply.wait.count() > 0 && Clock::now() < end && stream_.socket().is_open()) {
     asksAgain_ = true;
     pause_.expires_at(end);
-    co_await pause_.async_wait(awaited);
+    const bool isReadable = co_await awaitPause(isWatched);
     asksAgain_ = false;
+    if (isReadable && hasEnded()) break;
+    if (isReadable) isWatched = false;  // The next request has come already.
     reply = router_.answer(request);
   }
   changed_();
   co_return reply;
 }
 
-/// Does what the reply's fault asks for; false when the connection is of no more use.
+/// Waits until pause_ expires or is cancelled and, if it watches the socket, until something can be read.
+/// Returns true in the last case.
+asio::awaitable<bool> Connection::awaitPause(bool watches) {
+  using namespace asio::experimental::awaitable_operators;
+  if (!watches) {
+    co_await pause_.async_wait(awaited);
+    co_return false;
+  }
+  const auto first =
+      co_await (pause_.async_wait(awaited) || stream_.socket().async_wait(Socket::wait_read, awaited));
+  co_return first.index() == 1;
+}
+
+/// Returns true if the caller has ended the connection. For a socket that can be read, else it blocks.
+bool Connection::hasEnded() {
+  char next = 0;
+  boost::system::error_code error;
+  stream_.socket().receive(asio::buffer(&next, 1), Socket::message_peek, error);
+  return error.failed();
+}
+
+/// Writes the reply with its fault. Returns false if the connection must be closed.
 asio::awaitable<bool> Connection::write(const HTTPRequest& request, const HTTPReply& reply, bool keepAlive) {
   if (reply.fault == TransportFault::delay) {
     pause_.expires_after(reply.delay);
@@ -182,7 +207,7 @@ asio::awaitable<bool> Connection::write(const HTTPRequest& request, const HTTPRe
   co_return !error && !isCut;
 }
 
-/// Waits until the peer ends the connection, whatever it sends until then.
+/// Waits until the caller ends the connection, for at most `limit`. Drops what the caller still sends.
 asio::awaitable<void> Connection::awaitEnd(Clock::duration limit) {
   boost::system::error_code error;
   stream_.expires_after(limit);

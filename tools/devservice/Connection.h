@@ -18,27 +18,29 @@
 
 namespace devservice {
 
-/// One connection, from its first request to its last. For the thread of its socket.
+/// Serves one connection, from its first request to its last. Not thread-safe: for the thread that runs its
+/// socket.
 class Connection {
  public:
   using Clock = std::chrono::steady_clock;
   using Socket = boost::asio::ip::tcp::socket;
 
-  /// Calls `changed` each time it begins to wait for a request, and when one was answered. What is passed by
-  /// reference has to outlive the connection.
+  /// Calls `changed` each time the connection starts to wait for a request, and each time a request was
+  /// answered. `router` and `limits` must outlive the connection.
   Connection(Socket socket, Router& router, const ServerLimits& limits, std::function<void()> changed);
 
-  /// Reads requests, has them answered, and writes the replies, each as its fault says. Ends with the
-  /// connection.
+  /// Reads requests, lets the router answer them, and writes the replies with their faults. Returns when the
+  /// connection has ended.
   boost::asio::awaitable<void> serve();
 
-  /// Since when it has been waiting for a request; the far future while it serves one.
+  /// Returns when the connection started to wait for a request, or the far future while it serves one.
   Clock::time_point idleSince() const { return idleSince_; }
 
-  /// Asks again for a reply that is worth it; to be called when a request was answered.
+  /// Lets the router answer anew a request whose reply is held back. To be called after any other request was
+  /// answered.
   void askAgain();
 
-  /// Ends it at once, whatever it is doing.
+  /// Closes the connection at once, even in the middle of a request.
   void close();
 
  private:
@@ -49,6 +51,8 @@ class Connection {
   Awaitable<bool> awaitRequest();
   Awaitable<boost::system::error_code> read(Parser& parser);
   Awaitable<HTTPReply> answer(const HTTPRequest& request);
+  Awaitable<bool> awaitPause(bool watches);
+  bool hasEnded();
   Awaitable<bool> write(const HTTPRequest& request, const HTTPReply& reply, bool keepAlive);
   Awaitable<void> awaitEnd(Clock::duration limit);
 
