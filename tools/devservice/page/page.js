@@ -1,10 +1,11 @@
 "use strict";
 
-// Whatever comes from a request becomes text nodes and nothing else.
+// Text from a request only ever becomes a text node, never markup.
 
-const period = 500; // milliseconds between two looks at the service
+const period = 500; // Milliseconds between two requests for the state.
 const byId = (id) => document.getElementById(id);
-const clock = new Intl.DateTimeFormat(undefined, { hour: "2-digit", minute: "2-digit", second: "2-digit", hourCycle: "h23" });
+const clock = new Intl.DateTimeFormat(undefined,
+  { hour: "2-digit", minute: "2-digit", second: "2-digit", hourCycle: "h23" });
 
 function make(tag, className, ...children) {
   const element = document.createElement(tag);
@@ -13,12 +14,12 @@ function make(tag, className, ...children) {
   return element;
 }
 
-/** Leaves an element alone that says so already, and with it the reader's selection. */
+/** Sets an element's text, unless it has that text already, so that a selection in it is kept. */
 function say(element, text) {
   if (element.textContent !== text) element.textContent = text;
 }
 
-/** A button that copies what `text` returns when it is clicked. */
+/** Returns a button that copies the result of `text()` when it is clicked. */
 function copyButton(className, label, text) {
   const button = make("button", className, label);
   button.type = "button";
@@ -31,7 +32,7 @@ function copyButton(className, label, text) {
   return button;
 }
 
-/** Brings a list into line with its entries: each keeps its element, which makes up and updates itself. */
+/** Makes a list show these entries. An entry already shown keeps its element, which updates itself. */
 function follow(list, entries, makeEntry) {
   const known = new Map([...list.children].map((element) => [element.dataset.id, element]));
   entries.forEach((entry, index) => {
@@ -73,7 +74,7 @@ function showMessages(messages) {
 function stage(number) {
   if (number.code !== null) return "Code sent";
   if (number.signedIn) return "Signed in";
-  return number.pictureWaits ? "Picture sent" : "Seen";
+  return number.pictureWaits ? "Picture sent" : "Known";
 }
 
 function factRow({ id }) {
@@ -120,23 +121,24 @@ function numberCard({ id }) {
 
 function showNumbers(numbers, count) {
   follow(byId("numbers"), numbers, numberCard);
-  say(byId("shown"), count === 0 ? "None has made a call" : `${numbers.length} of ${count} shown`);
+  say(byId("shown"), count === 0 ? "No number has made a call" : `${numbers.length} of ${count} shown`);
 }
 
-/** What a reply says, in short; a spoiled one as it is. */
+/** Returns if a reply is good, and a short text of it. */
 function outcome({ body, fault }) {
   let good = /^\d+ bytes$/.test(body);
   let text = good ? body : body || "no body";
   try {
     const { code, msg } = JSON.parse(body);
-    if (code !== undefined && msg !== undefined) [good, text] = [code === 0, code === 0 ? msg : `${code} · ${msg}`];
+    if (code !== undefined && msg !== undefined)
+      [good, text] = [code === 0, code === 0 ? msg : `${code} · ${msg}`];
   } catch {
-    // Not JSON: a fault, or the size of a long body.
+    // Not JSON: a faulty body, or the size of a long one.
   }
   return fault ? [false, `${fault} · ${text}`] : [good, text];
 }
 
-/** The request with its number, and with its secrets masked. */
+/** Returns a command that repeats the request. It has the mobile number; the other secrets are masked. */
 function curl({ method, path, mobile, members, hasClientId }) {
   const word = (text) => `'${text.replaceAll("'", "'\\''")}'`;
   const words = ["curl", "-X", word(method)];
@@ -157,7 +159,7 @@ function requestRow(request) {
   const duration = make("span", "duration");
   const summary = make("summary", "",
     make("time", "", clock.format(time)),
-    make("span", "path", `${method} ${path}`.trim() || "not understood"),
+    make("span", "path", `${method} ${path}`.trim() || "malformed request"),
     make("span", "who", mobile),
     make("span", "status", String(status)),
     duration,
@@ -172,8 +174,10 @@ function requestRow(request) {
   return element;
 }
 
-const change = (method, path, body) =>
-  fetch(path, { method, headers: { "Content-Type": "application/json" }, body: JSON.stringify(body) }).then(look).catch(unreachable);
+const change = (method, path, body) => {
+  const headers = { "Content-Type": "application/json" };
+  return fetch(path, { method, headers, body: JSON.stringify(body) }).then(look).catch(unreachable);
+};
 
 let chosen = null;
 function chooseFault(fault) {
@@ -206,15 +210,16 @@ function showFaults(faults, choice) {
   for (const button of byId("faults").querySelectorAll("button")) {
     button.ariaPressed = String(button.dataset.number === String(chosen));
   }
-  // The controls say what was chosen elsewhere, unless somebody is at them.
+  // The controls show a choice that was made elsewhere, except the control that has the focus.
   for (const [id, value] of choice ? [["every", choice.every], ["delay", choice.delay]] : []) {
     const control = byId(id);
-    const isOffered = !control.options || [...control.options].some((option) => option.value === String(value));
+    const options = [...control.options ?? []];
+    const isOffered = !control.options || options.some((option) => option.value === String(value));
     if (isOffered && document.activeElement !== control) control.value = value;
   }
   const fault = faults.find(({ number }) => number === chosen);
   const hits = { 0: "Next", 1: "Every call" }[choice?.every] ?? `One call in ${choice?.every}`;
-  say(byId("fault-text"), fault ? `${hits}: ${fault.text}.` : "Calls are answered as they should be.");
+  say(byId("fault-text"), fault ? `${hits}: ${fault.text}.` : "No fault: calls are answered normally.");
 }
 
 function showConnection(text, live) {
@@ -226,11 +231,12 @@ function showConnection(text, live) {
 const unreachable = () => showConnection("Not reachable", false);
 
 let run;
-/** Forgets what an earlier run of the service has said: its numbers start anew. */
+/** Clears what an earlier run of the service has sent, since a new run counts from 1 again. */
 function startRun(newRun) {
   if (run === newRun) return;
   run = newRun;
-  for (const list of [byId("messages").querySelector("ol"), byId("requests"), byId("numbers")]) list.replaceChildren();
+  const lists = [byId("messages").querySelector("ol"), byId("requests"), byId("numbers")];
+  for (const list of lists) list.replaceChildren();
 }
 
 async function look() {
@@ -251,7 +257,8 @@ async function keepLooking() {
 }
 
 byId("command").textContent = `orvane-signin --connect ${location.hostname}:${location.port || 80}`;
-for (const id of ["every", "delay"]) byId(id).addEventListener("change", () => chosen !== null && chooseFault(chosen));
+for (const id of ["every", "delay"])
+  byId(id).addEventListener("change", () => chosen !== null && chooseFault(chosen));
 byId("filter").addEventListener("input", () => look().catch(unreachable));
 byId("clear").addEventListener("click", () => change("DELETE", "/inspect"));
 keepLooking();

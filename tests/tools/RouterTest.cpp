@@ -1,0 +1,166 @@
+#include <string_view>
+#include <tuple>
+
+#include "tests/tools/ServiceBench.h"
+#include "tools/devservice/Target.h"
+#include "tools/devservice/isLocalCaller.h"
+
+namespace devservice {
+namespace {
+
+using Json = nlohmann::json;
+using namespace std::chrono;
+
+TEST(Page, ChoosesAFault) {
+  struct Case {
+    std::string body;
+    int status;
+    std::vector<int> codes;  // Of the next calls.
+  };
+  const Case cases[] = {
+      {R"({"fault":8})", 200, {4321, 2001, 2001}},
+      {R"({"fault":8,"every":1})", 200, {4321, 4321, 4321}},
+      {R"({"fault":8,"every":3})", 200, {2001, 2001, 4321, 2001, 2001, 4321}},
+      {R"({"fault":null})", 200, {2001}},
+      {R"({"fault":1,"delay":60001})", 400, {2001}},
+      {R"({"fault":8,"every":-1})", 400, {2001}},
+      {R"({"fault":8,"every":1001})", 400, {2001}},
+      {R"({"fault":8,"never":1})", 400, {2001}},
+      {R"({"fault":0})", 400, {2001}},
+      {R"({"fault":"8"})", 400, {2001}},
+      {R"({"delay":8})", 400, {2001}},
+      {"[8]", 400, {2001}},
+  };
+  for (const auto& [body, status, codes] : cases) {
+    ServiceBench bench;
+    EXPECT_EQ(bench.router.answer(local("/page/fault", "", "POST", body)).status, status) << body;
+    // Neither a malformed call nor a number that demands another fault uses up the choice.
+    EXPECT_EQ(bench.codeOf(askCode("12", "")), 1004);
+    EXPECT_EQ(bench.codeOf(askCode("+99900000212", "")), "2001");
+    for (const int code : codes) EXPECT_EQ(bench.codeOf(askCode(number, "")), code) << body;
+  }
+  ServiceBench bench;
+  bench.router.answer(local("/page/fault", "", "POST", R"({"fault":1,"delay":250})"));
+  EXPECT_EQ(bench.service.answer(askCode(number, "")).delay, 250ms);
+}
+
+TEST(IsLocalCaller, KnowsTheDeveloperFromOtherSites) {
+  using Fields = decltype(HTTPRequest::headers);
+  const std::string peer = "127.0.0.1", own = "127.0.0.1:8080";
+  const std::tuple<std::string, std::string, Fields, bool> cases[] = {
+      {"a script", peer, {{"host", own}}, true},
+      {"the page", peer, {{"host", own}, {"Origin", "http://" + own}}, true},
+      {"the page over IPv6", "::1", {{"host", "[::1]"}, {"Origin", "http://[::1]"}}, true},
+      {"the page by name", peer, {{"host", "LocalHost:80"}, {"Origin", "http://localhost:80"}}, true},
+      {"a part of the page", peer, {{"host", own}, {"Sec-Fetch-Site", "same-origin"}}, true},
+      {"a link",
+       peer,
+       {{"host", own}, {"Sec-Fetch-Site", "cross-site"}, {"Sec-Fetch-Mode", "navigate"}},
+       true},
+      {"a part of another site", peer, {{"host", own}, {"Sec-Fetch-Site", "cross-site"}}, false},
+      {"another port's site", peer, {{"host", own}, {"Sec-Fetch-Site", "same-site"}}, false},
+      {"another machine", "192.0.2.1", {{"host", own}, {"Origin", "http://" + own}}, false},
+      {"no host", peer, {}, false},
+      {"a foreign name", peer, {{"host", "rebound.example:8080"}}, false},
+      {"a name that starts alike", peer, {{"host", "localhost.example"}}, false},
+      {"two ports", peer, {{"host", own + ":80"}}, false},
+      {"another origin", peer, {{"host", own}, {"Origin", "http://other.example"}}, false},
+      {"another port", peer, {{"host", own}, {"Origin", "http://127.0.0.1:3000"}}, false},
+      {"another scheme", peer, {{"host", own}, {"Origin", "https://" + own}}, false},
+      {"an opaque origin", peer, {{"host", own}, {"Origin", "null"}}, false},
+  };
+  for (const auto& [label, from, headers, isLocal] : cases)
+    EXPECT_EQ(isLocalCaller({"GET", "/", headers, "", from}), isLocal) << label;
+}
+
+TEST(Router, KeepsAllButTheCallsForLocalCallers) {
+  const std::string picture = "/page/picture/" + number;
+  const HTTPRequest requests[] = {
+      local("/"),
+      local("/page/state"),
+      local(picture),
+      local("/page/style.css"),
+      local("/inspect"),
+      local("/page/fault", "", "POST", R"({"fault":1})"),
+      local("/inspect", "", "DELETE"),
+  };
+  for (const bool isLocal : {true, false}) {
+    ServiceBench bench;
+    bench.service.answer(askPicture(number));
+    for (HTTPRequest request : requests) {
+      if (!isLocal) request.headers.front().second = "other.example";
+      EXPECT_EQ(bench.router.answer(request).status, isLocal ? 200 : 403) << request.path;
+    }
+    EXPECT_EQ(bench.service.size(), isLocal ? 0 : 1);
+    EXPECT_FALSE(bench.service.chosenFault().demand.fault);
+  }
+  ServiceBench bench;
+  EXPECT_EQ(bench.router.answer(local(picture)).status, 404);
+  EXPECT_EQ(bench.router.answer(local("/page/../inspect")).status, 404);
+  EXPECT_EQ(bench.router.answer(local("/page/state", "", "POST")).status, 405);
+}
+
+TEST(Router, InspectsOneNumberOrAll) {
+  ServiceBench bench;
+  bench.service.answer(askPicture(number));
+  bench.service.answer(askCode(number, "AAAA"));
+  bench.service.answer(askPicture("12345"));
+  const std::string one = "mobile=%2B4915112345678";
+  const std::tuple<std::string, int, milliseconds> cases[] = {
+      {"", 200, 0ms},
+      {one, 200, 0ms},
+      {"mobile=+4915112345678", 200, 0ms},
+      {"mobile=1", 404, 0ms},
+      {one + "&after=0", 200, 0ms},
+      {one + "&after=1", 204, 0ms},
+      {one + "&after=1&wait=60000", 204, 60s},
+      {one + "&wait=60000", 200, 0ms},
+      {"mobile=12345&wait=1", 204, 1ms},
+      {one + "&wait=60001", 400, 0ms},
+      {one + "&wait=", 400, 0ms},
+      {one + "&after=-1", 400, 0ms},
+      {one + "&until=1", 400, 0ms},
+      {"wait=1", 400, 0ms},
+      {"&&", 200, 0ms},
+  };
+  for (const auto& [query, status, wait] : cases) {
+    const HTTPReply reply = bench.router.answer(local("/inspect", query));
+    EXPECT_EQ(reply.status, status) << query;
+    EXPECT_EQ(reply.wait, wait) << query;
+    if (status != 200) continue;
+    const Json json = Json::parse(reply.body);
+    const Json& entry = json.contains(number) ? json[number] : json;
+    EXPECT_EQ(entry["code"], "000000");
+    EXPECT_EQ(entry["messageId"], 1);
+    EXPECT_GE(entry["times"]["message"], entry["times"]["picture"]);
+    EXPECT_TRUE(entry["times"]["login"].is_null());
+  }
+}
+
+TEST(Router, IsAProxyForItsOwnHostsAlone) {
+  const std::tuple<std::string, std::string, int> cases[] = {
+      {"GET", "http://identity.test/", 403},  // The page is for local hosts.
+      {"GET", "http://identity.test/inspect", 403},
+      {"GET", "HTTP://Identity.Test:80/tenant/verify/captcha?a", 405},
+      {"GET", "http://localhost/inspect", 200},
+      {"GET", "http://127.0.0.1:8080/inspect?mobile=1", 404},
+      {"GET", "http://127.0.0.1:8080", 200},
+      {"HEAD", "http://127.0.0.1:8080?a", 200},
+      {"GET", "http://127.0.0.1:8081/inspect", 403},
+      {"GET", "http://user@localhost/inspect", 403},
+      {"GET", "http:///inspect", 403},
+      {"GET", "https://localhost/inspect", 403},
+      {"CONNECT", "identity.test:80", 403},
+      {"CONNECT", "identity.test:443", 403},
+  };
+  for (const auto& [method, text, status] : cases) {
+    ServiceBench bench;
+    const Target target = parseTarget(text);
+    HTTPRequest request{method, target.path, {}, "", "127.0.0.1", target.query, target.authority.has_value()};
+    if (target.authority) request.headers.emplace_back("Host", *target.authority);
+    EXPECT_EQ(bench.router.answer(request).status, status) << text;
+  }
+}
+
+}  // namespace
+}  // namespace devservice

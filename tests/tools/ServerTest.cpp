@@ -1,0 +1,195 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <netinet/in.h>
+#include <poll.h>
+#include <string_view>
+#include <sys/socket.h>
+#include <thread>
+#include <tuple>
+#include <unistd.h>
+
+#include "tests/tools/ServiceBench.h"
+#include "tools/devservice/Server.h"
+
+namespace devservice {
+namespace {
+
+using Json = nlohmann::json;
+using namespace std::chrono;
+
+const std::string inspectAll = "GET /inspect HTTP/1.1\r\nHost: localhost\r\n\r\n";
+const std::string awaitMessage =
+    "GET /inspect?mobile=" + number + "&wait=60000 HTTP/1.1\r\nHost: localhost\r\n\r\n";
+
+/// Returns a call that is refused with 2001, unless the number demands a fault.
+std::string callFor(const std::string& mobile, const std::string& field = "") {
+  const HTTPRequest request = askCode(mobile, "");
+  return "POST " + request.path + " HTTP/1.1\r\nContent-Type: application/json\r\nXRAPI-VERSION: 1.0\r\n" +
+         "XRAPI-DEVICE-TYPE: 1\r\n" + field + "Content-Length: " + std::to_string(request.body.size()) +
+         "\r\n\r\n" + request.body;
+}
+
+/// Returns the object in a reply. Discarded unless the reply is whole.
+Json bodyOf(const std::string& reply) {
+  return Json::parse(std::ranges::find(reply, '{'), reply.end(), nullptr, false);
+}
+
+/// A connection to a server on this machine.
+class Client {
+ public:
+  explicit Client(const Server& server) {
+    const timeval patience{.tv_sec = 30, .tv_usec = 0};
+    setsockopt(descriptor_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    const sockaddr_in address{AF_INET, htons(server.port()), {htonl(INADDR_LOOPBACK)}, {}};
+    EXPECT_EQ(connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  }
+  Client(Client&&) = delete;
+  ~Client() { close(descriptor_); }
+
+  Client& send(std::string_view text) {
+    EXPECT_EQ(::send(descriptor_, text.data(), text.size(), MSG_NOSIGNAL), ssize_t(text.size()));
+    return *this;
+  }
+
+  /// Sends at most one byte per millisecond, until the server replies or ends the connection. Returns how many were
+  /// sent.
+  std::size_t drip(std::string_view text) {
+    std::size_t count = 0;
+    pollfd heard{descriptor_, POLLIN, 0};
+    while (count < text.size() && poll(&heard, 1, 1) == 0 &&
+           ::send(descriptor_, &text[count], 1, MSG_NOSIGNAL) == 1)
+      ++count;
+    return count;
+  }
+
+  /// Returns a reply, or the part of it that came before the connection ended, or the error that it ended with.
+  std::string receive() {
+    std::string reply;
+    char buffer[4096];
+    ssize_t count = 0;
+    while (!bodyOf(reply).is_object() && (count = recv(descriptor_, buffer, sizeof buffer, 0)) > 0) {
+      reply.append(buffer, std::size_t(count));
+    }
+    return count < 0 ? std::strerror(errno) : reply;
+  }
+
+  Json codeOf(std::string_view text) { return bodyOf(send(text).receive())["code"]; }
+
+  /// Returns true if the server has closed the connection.
+  bool hasEnded() const {
+    char byte = 0;
+    return recv(descriptor_, &byte, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
+  }
+
+ private:
+  const int descriptor_ = socket(AF_INET, SOCK_STREAM, 0);
+};
+
+TEST(DevServer, KeepsItsPortItsConnectionsAndFieldsAsTheyCame) {
+  const std::pair<std::string, Json> cases[] = {
+      {"XRAPI-CLIENT-ID:\t%41:+ \xff b \r\n", "%41:+ \ufffd b"},  // JSON has to be UTF-8.
+      {"XRAPI-CLIENT-ID:\r\n", ""},
+      {"", nullptr},
+      {"xrapi-client-id: \t \r\nX: y\r\n", ""},
+  };
+  IdentityService service;
+  const Server server(service);
+  EXPECT_ANY_THROW(Server(service, server.port()));
+  Client connection(server);
+  for (const auto& [field, clientId] : cases) {
+    EXPECT_EQ(connection.codeOf(callFor(number, field)), 2001);
+    EXPECT_EQ(bodyOf(connection.send(inspectAll).receive())[number]["clientId"], clientId) << field;
+  }
+}
+
+TEST(DevServer, RefusesOrSpoils) {
+  const std::tuple<std::string, std::string, Json> cases[] = {
+      {"GET / HTTP/1.1\r\n" + std::string(65'519, '\n') + "\r\n", "HTTP/1.1 400", 1009},
+      {"POST / HTTP/1.1\r\nContent-Length: 99999\r\n\r\n" + std::string(99999, ' '), "HTTP/1.1 413", 1005},
+      {"\x16\x03\x01\r\n\r\n", "HTTP/1.1 400", 1009},
+      {"POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nx\r\n", "HTTP/1.1 400", 1009},
+      {"GET /" + std::string(70'000, 'a') + " HTTP/1.1\r\n\r\n", "HTTP/1.1 431", 1005},
+      {"GET /%00%2g%2 HTTP/1.1\r\n\r\n", "HTTP/1.1 404", 1006},
+      {"GET /page/state HTTP/1.1\r\n\r\n", "HTTP/1.1 403", 1008},
+      {"GET http://other.test/inspect HTTP/1.1\r\nHost: localhost\r\n\r\n", "HTTP/1.1 403", 1010},
+      {"GET http://localhost/inspect HTTP/1.1\r\nHost: other.test\r\n\r\n", "HTTP/1.1 200", Json::object()},
+      {callFor("+99900000003"), std::strerror(ECONNRESET), nullptr},
+      {callFor("+99900000204"), "HTTP/1.1 200", nullptr},
+  };
+  IdentityService service;
+  const Server server(service);
+  for (const auto& [text, start, code] : cases) {
+    const std::string reply = Client(server).send(text).receive();
+    EXPECT_TRUE(reply.starts_with(start)) << reply << " to " << text.substr(0, 300);
+    EXPECT_EQ(reply.starts_with("HTTP"), reply.find("\r\n\r\n{") != reply.npos);
+    const Json body = bodyOf(reply);
+    EXPECT_EQ(body.is_object() ? body.value("code", body) : Json(), code) << text.substr(0, 300);
+  }
+}
+
+TEST(DevServer, LogsEachRequest) {
+  IdentityService service;
+  std::string logged;
+  const Server server(service, 0, [&](auto line) { logged = line; });
+  Client(server).send("GET /%07\xc3 HTTP/1.1\r\n\r\n").receive();
+  EXPECT_TRUE(logged.starts_with(R"(GET /\x07\xc3 404 {"code":1006,"msg":")")) << logged;
+}
+
+TEST(DevServer, EndsRequestsThatTakeTooLong) {
+  IdentityService service;
+  const Server server(service, 0, {}, {.request = 1ms});
+  std::string request = "GET / HTTP/1.1\r\n";
+  while (request.size() < maxHeadSize - 100) request += "X: y\r\n";
+  EXPECT_LT(Client(server).drip(request), request.size());
+}
+
+TEST(DevServer, ServesSoManyAtOnceAndEndsAnIdleOneForAnother) {
+  IdentityService service;
+  const Server server(service, 0, {}, {.connections = 2, .idle = 10min});
+  Client first(server), second(server), third(server);
+  for (Client* client : {&first, &second, &third}) {
+    EXPECT_FALSE(first.hasEnded() || second.hasEnded());
+    EXPECT_EQ(client->codeOf(callFor(number)), 2001);
+  }
+  EXPECT_TRUE(first.hasEnded() || second.hasEnded());
+}
+
+TEST(DevServer, TellsOfAMessageAsSoonAsItCame) {
+  IdentityService service{{.random = [] { return 0U; }}};
+  const Server server(service);
+  Client script(server), phone(server);
+  script.send(awaitMessage);
+  service.answer(askPicture(number));
+  EXPECT_EQ(phone.codeOf(callFor(number)), 2002);  // Uses up the picture.
+  script.send("GET");                              // The start of the next request.
+  service.answer(askPicture(number));
+  service.answer(askCode(number, "AAAA"));
+  phone.send(callFor("12345")).receive();
+  EXPECT_EQ(bodyOf(script.receive())["code"], "000000");
+}
+
+TEST(DevServer, StopsWaitingForACallerThatHasLeft) {
+  IdentityService service;
+  const Server server(service, 0, {}, {.connections = 1});
+  Client(server).send(awaitMessage);
+  EXPECT_EQ(Client(server).codeOf(callFor(number)), 2001);
+}
+
+TEST(DevServer, StopsAtOnce) {
+  IdentityService service;
+  std::optional<Server> server(std::in_place, service, std::uint16_t{0}, Server::Log(),
+                               ServerLimits{.connections = 5, .idle = 10min, .request = 10min});
+  Client fresh(*server), idle(*server), delayed(*server), silent(*server), script(*server), waiting(*server);
+  idle.send(callFor(number)).receive();
+  script.send(awaitMessage);
+  delayed.send(callFor("+99900000001"));
+  silent.send(callFor("+99900000018"));
+  // Until they are being served.
+  while (!service.inspect("+99900000001") || !service.inspect("+99900000018")) std::this_thread::yield();
+  server.reset();
+  for (Client* connection : {&fresh, &idle, &delayed, &silent, &script}) EXPECT_EQ(connection->receive(), "");
+}
+
+}  // namespace
+}  // namespace devservice

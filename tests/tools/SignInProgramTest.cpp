@@ -1,0 +1,286 @@
+#include <algorithm>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <future>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <regex>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#include "tests/support/Conversation.h"
+#include "tests/support/LoopbackServer.h"
+#include "tools/devservice/IdentityService.h"
+#include "tools/devservice/Server.h"
+
+namespace {
+
+using orvane::test::Conversation;
+using orvane::test::endOf;
+using orvane::test::LoopbackServer;
+
+/// How the program ended: its exit status, or the signal as a negative number; and what it wrote.
+struct Ending {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+/// Returns the path of a file that this test may write.
+std::string path(const std::string& name) {
+  return testing::TempDir() + "signin-" + std::to_string(getpid()) + "-" + name;
+}
+
+std::string take(const std::string& name) {
+  std::ifstream file(path(name), std::ios::binary);
+  unlink(path(name).c_str());
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Runs the program without a terminal, where it might leave a core file.
+Ending run(const std::string& arguments) {
+  const std::string files = " </dev/null >" + path("out") + " 2>" + path("err");
+  const int status =
+      std::system(("ulimit -c unlimited; exec '" SIGNIN_PROGRAM "' " + files + " " + arguments).c_str());
+  EXPECT_FALSE(WCOREDUMP(status)) << arguments;
+  return {endOf(status), take("out"), take("err")};
+}
+
+std::string connectTo(std::uint16_t port) {
+  return "--connect=127.0.0.1:" + std::to_string(port);
+}
+
+LoopbackServer::Answer answer(const std::string& body) {
+  return {orvane::test::reply(body)};
+}
+
+TEST(SignInProgram, SignsInUnattended) {
+  const Ending ending = run("--auto --mobile=+447700900987 --client-id=cl1ent --trace");
+  EXPECT_EQ(ending.status, 0) << ending.err;
+  const auto answerTo = [&](std::string_view question) {
+    const std::size_t start = ending.out.find(question) + question.size();
+    return ending.out.substr(start, ending.out.find('\n', start) - start);
+  };
+  const std::string captcha = answerTo("What does the picture say? ");
+  const std::string code = answerTo("Code in the text message: ");
+  EXPECT_NE(ending.out.find("  │ Orvane: your sign-in code is " + code + ". │\n"), std::string::npos);
+  EXPECT_TRUE(ending.out.ends_with("\nSigned in. The service says: welcome\n")) << ending.out;
+  for (const std::string& secret : {std::string("447700900987"), std::string("cl1ent"), captcha, code}) {
+    EXPECT_EQ(ending.err.find(secret), std::string::npos) << secret << " in " << ending.err;
+  }
+  // Four times a time, a request, and a reply with its time.
+  EXPECT_EQ(std::ranges::count(ending.err, '\n'), 12) << ending.err;
+  EXPECT_TRUE(std::regex_search(ending.err, std::regex(R"(^# \d\d:\d\d:\d\d\.\d\d\d\ncurl -X POST )")))
+      << ending.err;
+}
+
+TEST(SignInProgram, TalksWithAPerson) {
+  const std::string mobile = "+447700900123";
+  devservice::IdentityService service;
+  const devservice::Server server(service);
+  // Through the service as a proxy, as an application can.
+  const std::string proxy = "--proxy=http://127.0.0.1:" + std::to_string(server.port());
+  Conversation talk({SIGNIN_PROGRAM, "--live", proxy});
+  talk.hear("Mobile number: ");
+  talk.say("\n" + mobile + "\n");  // An empty line is not an answer.
+  const std::string before = talk.hear("What does the picture say? ");
+  // Two lines of input, and the lines of the picture: 160 times 60 pixels in 40 columns, which are too few.
+  EXPECT_EQ(std::ranges::count(before, '\n'), 2 + 8 + 1) << before;
+  EXPECT_NE(before.find("If you cannot read it, save it with --picture FILE.\r\n"), before.npos);
+  talk.say(" misread \n");
+  talk.hear("\norvane-signin: code: that is not the picture's text (refused, 2002)\r\n");
+  talk.hear("Here is a new picture.\r\n");
+  talk.hear("What does the picture say? ");
+  talk.say("\t " + service.inspect(mobile)->picture.value() + " \n");
+  talk.hear("Code in the text message: ");
+  for (int tries = 0; tries < 2; ++tries) {
+    talk.say("none\n");
+    talk.hear("\norvane-signin: login: that is not the code (refused, 1)\r\n");
+    talk.hear("Code in the text message: ");
+  }
+  talk.say(service.inspect(mobile)->code.value() + "\n");
+  talk.hear("Signed in. The service says: welcome\r\n");
+  EXPECT_EQ(talk.status(), 0);
+
+  Conversation wrong({SIGNIN_PROGRAM, connectTo(server.port()), "--mobile", mobile});
+  for (int tries = 0; tries < 3; ++tries) {
+    wrong.hear("What does the picture say? ");
+    wrong.say("misread\n");
+    wrong.hear("(refused, 2002)\r\n");
+  }
+  EXPECT_EQ(wrong.status(), 1);
+
+  const LoopbackServer quoting(
+      [](const auto&) { return answer(R"({"code":0,"msg":"for 447700900123","data":[]})"); });
+  Conversation traced({SIGNIN_PROGRAM, connectTo(quoting.port()), "--trace"});
+  traced.say(mobile + "\n\x04");  // The end of the input.
+  traced.hear(R"("msg":"for ***")");
+  traced.hear("\norvane-signin: --captcha: missing, and the input has ended\r\n");
+  EXPECT_EQ(traced.status(), 2);
+}
+
+TEST(SignInProgram, MakesSingleCallsWithTheClientIdentifierGiven) {
+  const std::string mobile = "+99900000401";  // The submission is answered late, and waited for.
+  devservice::IdentityService service;
+  const devservice::Server server(service);
+  const auto known = [&] { return service.inspect(mobile).value(); };
+  const auto traceOf = [&](const std::string& arguments) {
+    return run(connectTo(server.port()) + " --trace --mobile " + mobile + " --only=" + arguments).err;
+  };
+  // Both with the answers of its /inspect.
+  EXPECT_EQ(run(connectTo(server.port()) + " --auto").status, 0);
+  EXPECT_EQ(run("--live --auto --proxy=http://127.0.0.1:" + std::to_string(server.port())).status, 0);
+  traceOf("picture");
+  EXPECT_EQ(known().clientId, std::nullopt);
+  traceOf("code --client-id= --captcha " + known().picture.value());
+  EXPECT_EQ(known().clientId, "");
+  const std::string trace = traceOf("login --client-id 'an app' --code " + known().code.value());
+  EXPECT_EQ(known().clientId, "an app");
+  EXPECT_NE(trace.find(" ms, status 200, 39 bytes: {\"code\":0,\"msg\":\"recorded\""), trace.npos) << trace;
+}
+
+// What is for a person, and what the library prints, must not get between the lines for scripts.
+TEST(SignInProgram, ReportsHowItEnded) {
+  const std::string png = path("png");
+  const std::string unreachable = connectTo(LoopbackServer(nullptr).port());
+  const std::string onePicture = " --mobile=1 --only=picture";
+  struct Case {
+    std::string arguments;
+    int status;
+    std::string complaint;  // Start of standard error.
+    std::ptrdiff_t lines;   // On standard output.
+    std::string lastLine;   // Start of it.
+  };
+  const Case cases[] = {
+      // Successes.
+      {"--picture " + png, 0, "", 3,
+       R"({"step":"login","outcome":"success","domain":null,"code":0,"kind":null,"message":"welcome"})"},
+      {"--only=picture --picture " + png, 0, "", 1,
+       R"({"step":"picture","outcome":"success","domain":null,"code":0,"kind":null,"message":null,"picture":")" +
+           png},
+      // Refusals.
+      {"--captcha=no", 1, "orvane-signin: code: that is not the picture's text (refused, 2002)\n", 2,
+       R"({"step":"code","outcome":"refusal","domain":"that is not the picture's text","code":2002,)"
+       R"("kind":"refused","message":"that is not the picture's text"})"},
+      // Wrong use.
+      {"--picture=/a/b", 2, "orvane-signin: --picture: cannot write /a/b: No such file or directory\n", 1,
+       R"({"step":"picture","outcome":"usage","domain":null,"code":null,"kind":null,"message":"--picture: cannot)"},
+      {"--mobile=\xff", 2, "orvane-signin: --mobile: not UTF-8\n", 1, R"({"step":null,"outcome":"usage",)"},
+      {"--live --connect=a:1", 2, "orvane-signin: --live: cannot be used with --connect\n", 0, ""},
+      {"--live", 2, "orvane-signin: --mobile: missing, and there is no development service to ask\n", 0, ""},
+      {unreachable, 2, "orvane-signin: --mobile: missing, and no development service answers at 127.0.0.1:",
+       1, R"({"step":null,"outcome":"usage",)"},
+      // No reply, or not JSON.
+      {unreachable + onePicture, 3,
+       "orvane-signin: picture: Could not connect to the server. (no connection, NSURLErrorDomain -1004)\n",
+       1,
+       R"({"step":"picture","outcome":"network","domain":"NSURLErrorDomain","code":-1004,"kind":"no connection",)"
+       R"("message":"Could)"},
+      {"--mobile=+99900000105", 3,
+       "orvane-signin: picture: The service's reply could not be read. (not readable, com.brovent.error "
+       "-1)\n",
+       1, R"({"step":"picture","outcome":"network","domain":"com.brovent.error",)"},
+      // Stopped by the library.
+      {"--mobile=+99900000302", -SIGABRT, "orvane: requestLogin: there is no reply\n", 3,
+       R"({"step":"login","outcome":"aborted",)"},
+      {"--mobile=+99900000310", -SIGABRT, "orvane: requestLogin: the reply has no \"msg\"\n", 3,
+       R"({"step":"login","outcome":"aborted",)"},
+  };
+  for (const auto& [arguments, status, complaint, lines, lastLine] : cases) {
+    const Ending ending = run("--json " + arguments);
+    EXPECT_EQ(ending.status, status) << ending.err;
+    EXPECT_TRUE(ending.err.starts_with(complaint)) << ending.err;
+    EXPECT_EQ(std::ranges::count(ending.out, '\n'), lines) << ending.out;
+    const std::size_t last = lines > 0 ? ending.out.rfind("{\"step") : 0;
+    EXPECT_EQ(ending.out.compare(last, lastLine.size(), lastLine), 0) << ending.out;
+  }
+  EXPECT_FALSE(take("png").empty());
+  for (const char* options : {"--auto", "--picture -", "--json"}) {
+    const Ending full = run(std::string(options) + " >/dev/full");
+    EXPECT_EQ(full.status, 4) << options;
+    EXPECT_TRUE(full.err.ends_with("orvane-signin: could not write to standard output\n")) << full.err;
+  }
+}
+
+TEST(SignInProgram, TellsWhatItWaitsForAndLeavesTheTerminalAsItWas) {
+  using Then = LoopbackServer::Then;
+  struct Case {
+    std::string option;
+    LoopbackServer::Answer answer;
+    std::string typed;
+    std::string heard;
+    int status;
+  };
+  const LoopbackServer::Answer refusal = answer(R"({"code":7,"msg":"no"})");
+  const LoopbackServer::Answer silence{"", Then::hold};
+  const Case cases[] = {
+      {"--auto", refusal, "", "orvane-signin: picture: no (refused, 7)\r\n", 1},
+      {"--trace", refusal, "", "# ", 1},
+      {"--auto", {"", Then::close}, "", "orvane: requestPictureCode: NSURLErrorDomain (-1005)\r\n", 3},
+      {"--auto", silence, "\x03", "\x1b[0m", -SIGINT},
+      {"--json", silence, "\x03", "\x1b[0m{\"step\":\"picture\",\"outcome\":\"interrupted\"", -SIGINT},
+  };
+  for (const Case& each : cases) {
+    std::promise<void> heard;
+    const LoopbackServer server([&](const auto&) {
+      heard.get_future().wait();
+      return each.answer;
+    });
+    Conversation talk(
+        {SIGNIN_PROGRAM, connectTo(server.port()), "--mobile=1", "--only=picture", each.option});
+    talk.hear("Waiting for the picture ...");
+    heard.set_value();
+    talk.say(each.typed);
+    talk.hear("\r\x1b[K");
+    EXPECT_EQ(talk.hear(each.heard), "");
+    EXPECT_EQ(talk.status(), each.status);
+  }
+  Conversation asked({SIGNIN_PROGRAM});
+  asked.hear("Mobile number: ");
+  asked.say("\x03");
+  asked.hear("\x1b[0m");
+  EXPECT_EQ(asked.status(), -SIGINT);
+
+  // Started to ignore the signal, as a shell starts a job in the background.
+  Conversation ignoring({"sh", "-c", "trap '' INT; exec " SIGNIN_PROGRAM " --only=picture"});
+  ignoring.hear("Mobile number: ");
+  ignoring.say("\x03\n12345\n");
+  ignoring.hear("▀");
+  EXPECT_EQ(ignoring.status(), 0);
+}
+
+TEST(SignInProgram, DrawsInColoursOnATerminalThatHasThem) {
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{"TERM=xterm"}, "\x1b[38;5;"},
+      {{"TERM=xterm", "COLORTERM=truecolor"}, "\x1b[38;2;"},
+      {{"TERM=xterm", "COLORTERM=truecolor", "NO_COLOR=1"}, ""},
+      {{"TERM=dumb"}, ""},
+  };
+  for (const auto& [environment, colour] : cases) {
+    Conversation talk({SIGNIN_PROGRAM, "--auto", "--only=picture"}, environment);
+    talk.hear("\r\n");  // After the number.
+    const std::string picture = talk.hear("\r\n");
+    const std::size_t start = picture.find("\x1b[38;");
+    EXPECT_EQ(start == picture.npos ? "" : picture.substr(start, 7), colour) << picture;
+  }
+}
+
+TEST(SignInProgram, SavesThePictureAsItCame) {
+  const LoopbackServer server(
+      [](const auto&) { return answer(R"({"code":0,"msg":"","data":[0,10,13,26,255]})"); });
+  const std::string arguments = connectTo(server.port()) + " --only=picture --mobile=1 --picture ";
+  EXPECT_EQ(
+      run(arguments + path("png")).out,
+      "The picture (5 bytes) is in " + path("png") +
+          ".\nThe picture (5 bytes) cannot be shown: it is not a PNG file, is damaged, or is too large.\n");
+  EXPECT_EQ(take("png"), std::string("\0\n\r\x1a\xff", 5));
+  EXPECT_EQ(run(arguments + "-").out, std::string("\0\n\r\x1a\xff", 5));
+}
+
+}  // namespace
