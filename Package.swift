@@ -1,7 +1,7 @@
 // swift-tools-version:5.5
 import PackageDescription
 
-// The framework that scripts/xcframework makes, as a package.
+// A package with the framework that scripts/xcframework makes.
 let package = Package(
   name: "Orvane",
   platforms: [.iOS(.v12), .macOS(.v10_14), .macCatalyst(.v14)],

@@ -1,4 +1,4 @@
-// A group on the system's queues, and one that notifies a queue of the application's.
+// A group that notifies a queue of libdispatch, and one that notifies a queue of another kind.
 
 #include <atomic>
 #include <future>

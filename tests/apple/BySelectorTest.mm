@@ -1,4 +1,4 @@
-// The calls of a sign-in, by selector alone.
+// The calls of a sign-in, made by a caller that knows only the selectors.
 
 #import <Orvane/Orvane.h>
 #include <gtest/gtest.h>
@@ -48,7 +48,7 @@ class CannedSession final : public orvane::URLSession {
 };
 
 void useCanned(std::vector<DataTaskResult> results) {
-  standins::setSharedTransport(std::make_shared<CannedSession>(std::move(results)));
+  standins::setInnerSession(std::make_shared<CannedSession>(std::move(results)));
 }
 
 DataTaskResult success(std::string_view body) {
@@ -75,8 +75,7 @@ std::string bytesOf(id answer) {
   return {static_cast<const char*>([data bytes]), [data length]};
 }
 
-/// What a block received, and where. Of an error: domain, code, and number of entries of the user
-/// information.
+/// What a block received, and where. `error` is domain, code, and number of entries in the user information.
 struct Outcome {
   std::string answer;
   std::string error;
@@ -105,7 +104,7 @@ Outcome perform(id manager, const char* call, NSString* mobile, NSString* read =
   return outcome;
 }
 
-/// Signs in with what the service knows of the number.
+/// Signs in, and reads the picture's text and the code from the service.
 void signIn(id manager, NSString* mobile, devservice::IdentityService& identities) {
   const auto known = [&] { return identities.inspect([mobile UTF8String]).value(); };
   const auto text = [](const std::string& utf8) { return [NSString stringWithUTF8String:utf8.c_str()]; };
@@ -255,7 +254,7 @@ void useSession(BOOL encrypted) {
        @"No connection.", encrypted);
 }
 
-/// Logs in where status 200 and a page of HTML come.
+/// Logs in, and receives status 200 and a page of HTML.
 void logInBehindAPortal(BOOL encrypted) {
   useCanned({success("<html>Sign in to this network</html>")});
   useSession(encrypted);

@@ -4,7 +4,8 @@
 #include "orvane/orvane.h"
 #include "tests/apple/standins/standins.h"
 
-// The object runtime's own tables would count as leaks. A test counts what the library leaks.
+// Turns the leak check off, because it would report the object runtime's tables. BySelector.NothingLeaks
+// replaces it.
 extern "C" int __lsan_is_turned_off();
 extern "C" int __lsan_is_turned_off() {
   return 1;
@@ -16,15 +17,15 @@ std::shared_ptr<URLSession> test::makeSession() {
   return makeSession(std::make_shared<HostSession>());
 }
 
-std::shared_ptr<URLSession> test::makeSession(std::shared_ptr<URLSession> transport) {
-  return standins::makeSession(std::move(transport));
+std::shared_ptr<URLSession> test::makeSession(std::shared_ptr<URLSession> inner) {
+  return standins::makeSession(std::move(inner));
 }
 
-/// The default platform, on stand-ins that reach the service.
+/// Leaves the default platform, and lets the stand-ins reach the service.
 void test::installAdapter(std::uint16_t servicePort) {
   HostSessionConfiguration configuration;
   configuration.reroutes = {{std::string(serviceHost()), 80, "127.0.0.1", servicePort}};
-  standins::setSharedTransport(std::make_shared<HostSession>(configuration));
+  standins::setInnerSession(std::make_shared<HostSession>(configuration));
 }
 
 }  // namespace orvane

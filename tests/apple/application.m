@@ -1,4 +1,5 @@
-// What an application may write: in Objective-C and in Objective-C++, with and without automatic reference counting.
+// What an application may write: in Objective-C and Objective-C++, with and without automatic reference
+// counting.
 
 #ifdef __cplusplus
 #import "orvane/apple/AppleError.h"
@@ -10,21 +11,18 @@
 
 void useOrvane(void);
 void useOrvane(void) {
+  void (^finished)(id, NSError*) = ^(id answer, NSError* error) {
+    NSLog(@"%@ %@", answer, error);
+  };
   OrvaneManager* manager = OrvaneManager.shareManager;
   manager.clientId = nil;
   [manager setAppClientId:[NSString stringWithFormat:@"%f %s", OrvaneVersionNumber, OrvaneVersionString]];
-  [[[OrvaneManager class] new] requestPictureCode:@""
-                                         finished:^(NSData* _Nullable data, NSError* _Nullable error) {
-                                           NSLog(@"%@ %@", data, error);
-                                         }];
+  [OVSession useSession:NSURLSession.sharedSession failureMessage:nil];
+  [[[OrvaneManager class] new] requestPictureCode:@"" finished:finished];
   [manager requestCode:@""
             codeNumber:[OVDeviceInfoTool getcarrierName]
               finished:^(NSError* _Nullable error) {
-                NSLog(@"%@", error);
+                finished(nil, error);
               }];
-  [manager requestLogin:@""
-                   code:@""
-               finished:^(NSString* _Nullable message, NSError* _Nullable error) {
-                 NSLog(@"%@ %@", message, error);
-               }];
+  [manager requestLogin:@"" code:@"" finished:finished];
 }

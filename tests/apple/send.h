@@ -3,19 +3,19 @@
 #import <Foundation/Foundation.h>
 #import <objc/runtime.h>
 
-/// A text that is not Unicode: two lone surrogates, around a pair and before a letter.
+/// A text that is not Unicode: a lone surrogate before a pair, and another one after it, before a letter.
 @interface BrokenText : NSString
 @end
 
 namespace orvane::test {
 
-/// A class that only the object runtime names.
+/// Returns the class that the object runtime knows by this name.
 inline Class classNamed(const char* name) {
   return NSClassFromString([NSString stringWithUTF8String:name]);
 }
 
-/// Sends a message as any caller does that knows the selector alone. The cast by way of `void (*)()` is the
-/// one that compilers leave without a warning.
+/// Sends a message like a caller that knows only the selector. Casts by way of `void (*)()`, because
+/// compilers warn about a direct cast.
 template <class Result = void, class... Arguments>
 Result send(id receiver, const char* selector, Arguments... arguments) {
   const SEL name = sel_registerName(selector);

@@ -1,5 +1,5 @@
-// What Orvane.h and the documents need of Foundation, as Swift imports it: with Apple's attributes, and String, Data and
-// Error in place of the classes.
+// What Orvane.h and the documents use of Foundation, as Swift imports it: with Apple's attributes, and with
+// String, Data and Error in place of the classes.
 #pragma once
 
 #define NS_ASSUME_NONNULL_BEGIN _Pragma("clang assume_nonnull begin")

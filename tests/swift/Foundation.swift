@@ -1,4 +1,4 @@
-// What Foundation adds in Swift. Only the types matter: nothing here is run.
+// What Foundation adds in Swift. Only the types matter, because nothing here is run.
 
 @_exported import Foundation
 

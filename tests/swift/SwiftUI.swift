@@ -1,4 +1,4 @@
-// What the documents need of SwiftUI.
+// What the documents use of SwiftUI.
 
 @_exported import UIKit
 

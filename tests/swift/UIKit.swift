@@ -1,4 +1,4 @@
-// What the documents need of UIKit.
+// What the documents use of UIKit.
 
 @_exported import Foundation
 

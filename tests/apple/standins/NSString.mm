@@ -1,4 +1,4 @@
-// GNUstep's NSString, as strict as Apple's.
+// Makes GNUstep's NSString as strict as Apple's.
 
 #import <Foundation/Foundation.h>
 

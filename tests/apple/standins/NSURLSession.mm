@@ -12,11 +12,6 @@ using Handler = void (^)(NSData* body, NSURLResponse* response, NSError* error);
 
 std::atomic<const void*> latest = nullptr;
 
-std::shared_ptr<orvane::URLSession>& sharedTransport() {
-  static auto* const transport = new std::shared_ptr<orvane::URLSession>;
-  return *transport;
-}
-
 NSString* text(const std::string& utf8) {
   return [NSString stringWithUTF8String:utf8.c_str()];
 }
@@ -49,20 +44,17 @@ NSError* errorOf(const orvane::Error& error) {
 
 }  // namespace
 
-/// The queue on which a session's transport calls handlers.
-@interface TransportQueue : NSOperationQueue {
+/// The queue of a session whose tasks another session, the inner one, carries out.
+@interface DelegateQueue : NSOperationQueue {
  @public
-  std::shared_ptr<orvane::URLSession> own;
+  std::shared_ptr<orvane::URLSession> inner;
 }
 @end
 
-@implementation TransportQueue
-/// Returns the session's own transport, or the one of NSURLSession's shared session.
-- (std::shared_ptr<orvane::URLSession>)transport {
-  return own ? own : sharedTransport();
-}
+@implementation DelegateQueue
+/// GNUstep calls this when the queue is destroyed, too.
 - (void)cancelAllOperations {
-  [self transport]->cancelAllOperations();
+  if (inner) inner->cancelAllOperations();
 }
 @end
 
@@ -89,9 +81,9 @@ NSError* errorOf(const orvane::Error& error) {
 
 namespace {
 
-NSURLSession* sessionOver(std::shared_ptr<orvane::URLSession> transport) {
+NSURLSession* sessionOver(std::shared_ptr<orvane::URLSession> inner) {
   NSURLSession* const session = [[[NSURLSession alloc] init] autorelease];
-  session->queue->own = std::move(transport);
+  session->queue->inner = std::move(inner);
   return session;
 }
 
@@ -114,11 +106,12 @@ NSURLSession* sessionOver(std::shared_ptr<orvane::URLSession> transport) {
 }
 
 - (instancetype)init {
-  if ((self = [super init])) queue = [[TransportQueue alloc] init];
+  if ((self = [super init])) queue = [[DelegateQueue alloc] init];
   return self;
 }
 
 - (void)dealloc {
+  queue->inner.reset();
   [queue release];
   [super dealloc];
 }
@@ -145,10 +138,10 @@ NSURLSession* sessionOver(std::shared_ptr<orvane::URLSession> transport) {
     }
   };
   NSURLSessionDataTask* const task = [[[NSURLSessionDataTask alloc] init] autorelease];
-  const std::shared_ptr<orvane::URLSession> transport = [queue transport];
+  const std::shared_ptr<orvane::URLSession> inner = queue->inner;
   const orvane::URLRequest carried = portable(request);
   task->start = Block_copy(^{
-    transport->startDataTask(carried, finish);
+    inner->startDataTask(carried, finish);
   });
   return task;
 }
@@ -157,13 +150,13 @@ NSURLSession* sessionOver(std::shared_ptr<orvane::URLSession> transport) {
 
 namespace standins {
 
-void setSharedTransport(std::shared_ptr<orvane::URLSession> transport) {
-  sharedTransport() = std::move(transport);
+void setInnerSession(std::shared_ptr<orvane::URLSession> inner) {
+  [NSURLSession sharedSession]->queue -> inner = std::move(inner);
 }
 
-std::shared_ptr<orvane::URLSession> makeSession(std::shared_ptr<orvane::URLSession> transport) {
+std::shared_ptr<orvane::URLSession> makeSession(std::shared_ptr<orvane::URLSession> inner) {
   @autoreleasepool {
-    return std::make_shared<orvane::AppleSession>(sessionOver(std::move(transport)));
+    return std::make_shared<orvane::AppleSession>(sessionOver(std::move(inner)));
   }
 }
 

@@ -1,4 +1,4 @@
-// The stand-ins for UIKit and CoreTelephony.
+// Stand-ins for UIKit and CoreTelephony.
 
 #import <CoreTelephony/CTTelephonyNetworkInfo.h>
 #import <UIKit/UIKit.h>

@@ -1,4 +1,5 @@
-// libdispatch: the main queue is the one that the tests run, the global one a thread for each task.
+// A stand-in for libdispatch. Its main queue is hostMainQueue(), and its global queue starts a thread for
+// each task.
 
 #include <dispatch/dispatch.h>
 #include <functional>
@@ -11,7 +12,7 @@ struct dispatch_queue_s {
   bool isMain;
 };
 
-/// Its tasks keep `notify`, and the last of them to let go of it calls it.
+/// The group and its tasks share `notify`. The last of them to release it calls it.
 struct dispatch_group_s {
   using Notify = std::function<void()>;
 
@@ -61,7 +62,8 @@ void dispatch_group_async_f(dispatch_group_t group, dispatch_queue_t queue, void
   submit(queue, [=, kept = group->notify] { work(context); });
 }
 
-/// Whether the tasks are over or not: the group itself keeps `notify` until it is released.
+/// May be called before or after the tasks end, because the group itself shares `notify` until it is
+/// released.
 void dispatch_group_notify_f(dispatch_group_t group, dispatch_queue_t queue, void* context,
                              dispatch_function_t work) {
   *group->notify = [=] { dispatch_async_f(queue, context, work); };

@@ -10,7 +10,7 @@
 
 namespace standins {
 
-/// What the stand-ins for UIDevice, UIScreen and CTTelephonyNetworkInfo say. A test may change it.
+/// What the stand-ins for UIDevice, UIScreen and CTTelephonyNetworkInfo report. A test may change it.
 struct Facts {
   std::string systemVersion = "17.4";
   std::string model = "iPhone";
@@ -22,13 +22,13 @@ struct Facts {
 };
 Facts& facts();
 
-/// What from now on carries the tasks of NSURLSession's shared session.
-void setSharedTransport(std::shared_ptr<orvane::URLSession> transport);
+/// Sets the session that carries out the tasks of NSURLSession's shared session from now on.
+void setInnerSession(std::shared_ptr<orvane::URLSession> inner);
 
-/// The adapter's session over an NSURLSession of its own that `transport` carries.
-std::shared_ptr<orvane::URLSession> makeSession(std::shared_ptr<orvane::URLSession> transport);
+/// Makes an AppleSession over an NSURLSession whose tasks `inner` carries out.
+std::shared_ptr<orvane::URLSession> makeSession(std::shared_ptr<orvane::URLSession> inner);
 
-/// The latest NSError that any NSURLSession handed over.
+/// Returns the latest NSError that any NSURLSession handed over.
 const void* latestError();
 
 }  // namespace standins

@@ -1,4 +1,4 @@
-// GNUstep's, with what it lacks.
+// GNUstep's Foundation, and what it lacks.
 #pragma once
 
 #ifndef NS_SWIFT_NAME

@@ -19,11 +19,11 @@
 @property(copy) NSDictionary* connectionProxyDictionary;
 @end
 
-@class TransportQueue;
+@class DelegateQueue;
 
 @interface NSURLSession : NSObject {
  @public
-  TransportQueue* queue;
+  DelegateQueue* queue;
 }
 + (NSURLSession*)sharedSession;
 + (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration;
