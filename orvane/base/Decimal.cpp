@@ -10,7 +10,8 @@
 namespace orvane {
 namespace {
 
-/// A power of ten times a power of two, rounded down to 128 bits, of which the highest is set, plus one in the lowest.
+/// A power of ten times a power of two, rounded down to 128 bits with the highest one set, plus one in the
+/// lowest.
 struct Significand {
   std::uint64_t high = 0;
   std::uint64_t low = 0;

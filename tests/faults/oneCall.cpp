@@ -1,7 +1,7 @@
-// Makes one service call, again and again if wanted, and writes what `finished` was given, a line each time. A program
-// of its own, since some calls end it.
+// Makes one call, TIMES times, and writes one line each time with what `finished` received. It is a program
+// because some calls stop the process.
 //   oneCall CALL SOUND-PORT HOST PORT IDLE-MS TOTAL-MS BODY-LIMIT TIMES [MESSAGE]
-// A message guards the calls, and is what they report where they would stop the process.
+// With MESSAGE the session is guarded: a call that would stop the process reports this message instead.
 
 #include <cstdio>
 #include <cstdlib>
@@ -19,8 +19,8 @@ namespace {
 
 const std::thread::id mainThread = std::this_thread::get_id();
 
-/// Sends everything to where the fault is, but the login before a device report to a sound service. Stops the main
-/// queue when no task is left, and thus after what the last one has put there.
+/// Sends every request to the server with the fault, except the login before a device report, which goes to a
+/// sound one. Stops the main queue after the handler of the last task, so that what it queued still runs.
 class Sessions final : public URLSession {
  public:
   Sessions(HostSessionConfiguration faulty, std::uint16_t soundPort, bool isLoginSound)

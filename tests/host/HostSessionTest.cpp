@@ -20,7 +20,7 @@
 
 namespace orvane {
 
-// The linker puts the second in the place of the first, so that a test can say how many threads there are to be had.
+// The linker replaces the first function by the second, so that a test can limit the number of threads.
 void threadOfTheSystem(std::function<void()> body) __asm__("__real_" START_BACKGROUND_THREAD);
 void threadOfTheTest(std::function<void()> body) __asm__("__wrap_" START_BACKGROUND_THREAD);
 
@@ -252,7 +252,7 @@ TEST(HostSession, GivesUpFirstWhatCameFirst) {
 }
 
 TEST(HostSession, IsPatientWhileBytesCome) {
-  // Requests that are given up after a quarter of the limit are the clock; with each the patient one gets a byte.
+  // Requests that time out after a quarter of the limit are the clock: at each the patient one gets a byte.
   LoopbackServer* self = nullptr;
   LoopbackServer server([&self](const Request& request) {
     if (request.head.starts_with("GET /patient"))

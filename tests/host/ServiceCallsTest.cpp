@@ -1,4 +1,4 @@
-// The three calls of a sign-in, through the public interface, over real sockets, with the adapter that is linked.
+// The three calls of a sign-in, through the public interface and over real sockets, with the linked adapter.
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Very many calls over loopback, with a share of each fault.
 //
-// soak CALLS: makes them, checks that each ends as its number says it must, and that in the end memory and descriptors
-// are where they were after the first ten thousand. Prints the figures; fails where one is not as it should be.
+// soak CALLS: makes that many calls and checks that each has the outcome that its number demands. Checks at
+// the end that memory and descriptors are what they were after the first ten thousand. Prints the figures.
 
 #include <algorithm>
 #include <array>

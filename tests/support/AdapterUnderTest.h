@@ -14,7 +14,8 @@ std::shared_ptr<URLSession> makeSession();
 /// The adapter's session with `transport` doing the work, as far as the adapter has not.
 std::shared_ptr<URLSession> makeSession(std::shared_ptr<URLSession> transport);
 
-/// Puts the adapter in use, on a device with the carrier "Carrier", with this loopback port in the service's place.
+/// Installs the adapter, on a device with the carrier "Carrier". Requests for the service go to this
+/// loopback port.
 void installAdapter(std::uint16_t servicePort);
 
 }  // namespace orvane::test

@@ -46,7 +46,8 @@ class LoopbackServer {
   std::vector<Request> requests() const;
   void setScript(Script script);
 
-  /// Sends `bytes` on all the connections that are held, and holds them on unless it is the last. Only from the script.
+  /// Sends `bytes` on all held connections, and keeps holding them unless it is the last. Only called from
+  /// the script.
   void release(const std::string& bytes, bool isLast = true);
 
  private:

@@ -7,7 +7,7 @@
 
 namespace orvane::test {
 
-/// As the system takes arguments and environments; good as long as the texts.
+/// Returns the texts as the system takes arguments. Valid as long as they are.
 inline std::vector<char*> pointers(std::vector<std::string>& texts) {
   std::vector<char*> result;
   for (std::string& text : texts) result.push_back(text.data());
@@ -15,7 +15,8 @@ inline std::vector<char*> pointers(std::vector<std::string>& texts) {
   return result;
 }
 
-/// Starts the program that the first word names, with its output going there. Its process, or 0 where there is none.
+/// Starts the program that the first word names, with its output going to these descriptors. Returns its
+/// process, or 0 if it could not be started.
 inline pid_t spawn(std::vector<std::string> words, int output, int errors = STDERR_FILENO) {
   const std::vector<char*> arguments = pointers(words);
   posix_spawn_file_actions_t actions;

@@ -1,8 +1,8 @@
 // Leaves its process, with exit code 7, while calls of every kind are under way.
 //
-// leaving WAY CALLS PORT: in the way so named, once that many calls are over. PORT is a server on loopback that resets
-// what asks for "/reset", answers "/good" and holds all else. An empty line says that the process is leaving; one that
-// has not left ten seconds after its start is killed by a signal.
+// leaving WAY CALLS PORT: ends the process in the named way after that many calls have ended. PORT is a
+// server on loopback that resets requests for "/reset", answers "/good" and holds all others. The process
+// writes an empty line when it starts to end. A signal kills it ten seconds after its start.
 
 #include <algorithm>
 #include <atomic>

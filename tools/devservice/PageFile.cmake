@@ -1,4 +1,4 @@
-# Writes PageFile.cpp, which has the page's files, into the build folder of the CMakeLists.txt that includes this.
+# Writes PageFile.cpp, with the page's files, into the build folder of the including CMakeLists.txt.
 foreach(type html css js svg)
   set(file ${CMAKE_CURRENT_LIST_DIR}/page/page.${type})
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
