@@ -12,7 +12,7 @@
 
 namespace orvane {
 
-/// Sends what is meant for one address to another. The request stays as it is, its Host field too.
+/// Sends requests for one address to another. The request itself stays the same, including its Host field.
 struct Reroute {
   std::string host;           ///< The host name in the URL.
   std::uint16_t port = 80;    ///< The port in the URL, or its scheme's.
@@ -20,27 +20,34 @@ struct Reroute {
   std::uint16_t toPort = 80;  ///< The port there.
 };
 
-/// What can be set for a session; each member has the default.
+/// The settings of a session. A time-out is clamped to the range from 1 ms to 10 years, and a number of
+/// connections is at least 1.
 struct HostSessionConfiguration {
-  /// How long a transfer may pass without a byte of a body or a whole header line, connecting included; then
-  /// error -1001. Must be positive.
+  /// Limits the time without progress, connecting included. Progress is a byte of a body or a complete header
+  /// line. A transfer beyond the limit fails with -1001. Default: 60 s. Lower it to report a dead network
+  /// sooner.
   std::chrono::milliseconds idleTimeout = std::chrono::seconds(60);
-  /// How long a task may take in all, from its start; then error -1001. Must be positive.
+  /// Limits the time of a task from its start, waiting for a connection and redirects included. A task beyond
+  /// the limit fails with -1001. Default: 7 days. Lower it if the reply is of use for a short time only.
   std::chrono::milliseconds totalTimeout = std::chrono::hours(7 * 24);
-  /// The greatest reply body in bytes, before and after decompression; beyond it error -1103. A reply may
-  /// also have 4,000 header lines, of 100 KiB each and 256 KiB together.
+  /// Limits the body of a reply in bytes, before and after decompression. A larger one fails with -1103.
+  /// Default: 64 MiB. Lower it if memory is scarce. Limits that cannot be set: 20 redirects, and for a header
+  /// 4,000 lines, 100 KiB each and 256 KiB together.
   std::size_t maximumBodySize = 64U << 20;
-  /// How many connections to one host at a time; further requests wait. At least one.
+  /// Limits the connections to one host. Further tasks wait. Default: 6. Raise it for a service that allows
+  /// more.
   std::size_t connectionsPerHost = 6;
-  /// How many connections to all hosts together, in use and kept alive; further requests wait, and hosts take
-  /// turns. At least one.
+  /// Limits the connections to all hosts together, including those that are kept alive. Further tasks wait,
+  /// and hosts take turns. Default: 64. Raise it to use many hosts at once; each connection takes a
+  /// descriptor.
   std::size_t maximumConnections = 64;
-  /// A proxy's URL; empty for none. The environment is not read.
+  /// The URL of a proxy for all requests. Default: empty, which means none. The environment is not read.
   std::string proxy = {};
-  /// The first that fits a request, a redirected one too, is followed.
+  /// Where to send requests instead. The first that fits a request is used, also after a redirect. Default:
+  /// none. Set it for a test service or a tunnel.
   std::vector<Reroute> reroutes = {};
-  /// A file in PEM format with the certificate authorities to trust for `https` in place of the system's;
-  /// empty for the system's. Read with each new connection.
+  /// The name of a file in PEM format with the certificate authorities to trust for `https`, instead of the
+  /// system's. Read for each new connection. Default: empty, which means the system's.
   std::string certificateAuthorities = {};
 };
 
