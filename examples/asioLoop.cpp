@@ -1,4 +1,4 @@
-// A sign-in in Asio's loop, as a coroutine of Asio's.
+// Signs in with an Asio event loop, as an asio::awaitable coroutine.
 #include <asio.hpp>
 #include <fstream>
 #include <iostream>
@@ -11,16 +11,17 @@
 
 using namespace orvane;
 
-/// Asks without holding up the loop.
+/// Asks a question. The loop runs on until there is an answer.
 static asio::awaitable<std::string> ask(asio::posix::stream_descriptor& input, const char* question) {
   std::cout << question << std::flush;
   co_await input.async_wait(input.wait_read, asio::use_awaitable);
   co_return readLine();
 }
 
-/// Makes a call of await.h's awaitable for Asio. A failure becomes an exception.
+/// Makes a call of orvane/await.h awaitable in an asio::awaitable coroutine. A failed call throws there a
+/// std::runtime_error with the error's message.
 template <class Call>
-static auto make(Call call) {
+static auto forAsio(Call call) {
   using Result = decltype(call.await_resume());
   const auto start = [](auto handler, Call call) -> Detached {
     auto waiting = std::move(handler);
@@ -38,12 +39,12 @@ static asio::awaitable<void> signIn() {
   asio::posix::stream_descriptor input(co_await asio::this_coro::executor, STDIN_FILENO);
   OrvaneManager& manager = OrvaneManager::shareManager();
   const std::string mobile = co_await ask(input, "Mobile number: ");
-  const auto picture = co_await make(requestPictureCode(manager, mobile));
+  const auto picture = co_await forAsio(requestPictureCode(manager, mobile));
   std::ofstream("picture.png", std::ios::binary) << std::string(picture->begin(), picture->end());
   const std::string text = co_await ask(input, "What does picture.png say? ");
-  co_await make(requestCode(manager, mobile, text));
+  co_await forAsio(requestCode(manager, mobile, text));
   const std::string code = co_await ask(input, "The code in the text message: ");
-  const auto login = co_await make(requestLogin(manager, mobile, code));
+  const auto login = co_await forAsio(requestLogin(manager, mobile, code));
   std::cout << *login << "\n";
 }
 

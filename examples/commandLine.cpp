@@ -1,4 +1,4 @@
-// A sign-in on the command line, with callbacks. The README has the same as a coroutine.
+// Signs in on the command line, with callbacks. The README has the same program as a coroutine.
 #include <fstream>
 #include <iostream>
 
@@ -8,26 +8,25 @@
 #include "readLine.h"
 
 using namespace orvane;
-static int status = 1;
 
 static std::string ask(const char* question) {
   std::cout << question << std::flush;
   return readLine();
 }
 
-static bool failed(const ErrorPtr& error) {
-  if (!error) return false;
-  std::cerr << "Sign-in failed: " << message(*error) << "\n";
-  hostMainQueue().stop();
-  return true;
-}
-
 int main(int argc, char** argv) {
   installPlatform({.sharedSession = developmentSession(argc, argv)});
   OrvaneManager& manager = OrvaneManager::shareManager();
   const std::string mobile = ask("Mobile number: ");
+  int status = 1;
 
-  const auto loggedIn = [](std::optional<std::string> words, ErrorPtr error) {
+  const auto failed = [](const ErrorPtr& error) {
+    if (!error) return false;
+    std::cerr << "Sign-in failed: " << message(*error) << "\n";
+    hostMainQueue().stop();
+    return true;
+  };
+  const auto loggedIn = [&](std::optional<std::string> words, ErrorPtr error) {
     if (failed(error)) return;
     std::cout << *words << "\n";
     status = 0;
@@ -35,6 +34,7 @@ int main(int argc, char** argv) {
   };
   const auto codeSent = [&](ErrorPtr error) {
     if (failed(error)) return;
+    // A login always reports on the main queue; the other calls do so with onMainQueue().
     manager.requestLogin(mobile, ask("The code in the text message: "), loggedIn);
   };
   const auto pictureCame = [&](std::optional<Bytes> picture, ErrorPtr error) {
@@ -43,6 +43,6 @@ int main(int argc, char** argv) {
     manager.requestCode(mobile, ask("What does picture.png say? "), onMainQueue(codeSent));
   };
   manager.requestPictureCode(mobile, onMainQueue(pictureCame));
-  hostMainQueue().run();
+  hostMainQueue().run();  // Until stop() is called.
   return status;
 }

@@ -1,4 +1,4 @@
-// A sign-in in GLib's main loop, which is also GTK's: nothing here holds it up.
+// Signs in with GLib's main loop, which is also GTK's. No call blocks the loop.
 #include <glib-unix.h>
 
 #include "orvane/platform/PostingQueue.h"
@@ -16,7 +16,7 @@ static gboolean readAnswer(int, GIOCondition, gpointer) {
   return G_SOURCE_REMOVE;
 }
 
-/// Asks and returns; `then` is called from the loop.
+/// Asks a question and returns. The loop calls `then` with the answer.
 static void ask(const char* question, std::function<void(std::string answer)> then) {
   std::cout << question << std::flush;
   answered = std::move(then);

@@ -1,4 +1,4 @@
-// A sign-in in Qt's event loop, as a coroutine: nothing here holds the loop up.
+// Signs in with Qt's event loop, as a coroutine. No call blocks the loop.
 #include <QCoreApplication>
 #include <QSaveFile>
 #include <QSocketNotifier>
@@ -11,7 +11,8 @@
 
 using namespace orvane;
 
-/// Asks; the coroutine that awaits it goes on with the answer. A window would have a field and a button instead.
+/// Asks a question on standard output. Awaiting it yields the answer. A program with windows would show a
+/// field and a button instead.
 class Answer {
  public:
   explicit Answer(const char* question) { std::cout << question << std::flush; }
@@ -20,7 +21,7 @@ class Answer {
   void await_suspend(std::coroutine_handle<> coroutine) {
     QObject::connect(&input_, &QSocketNotifier::activated, &input_, [this, coroutine] {
       input_.setEnabled(false);
-      // Later: the notifier must not be destroyed while it notifies.
+      // Resumes later, since the coroutine destroys the notifier, which is still in its signal here.
       QMetaObject::invokeMethod(
           QCoreApplication::instance(), [coroutine] { coroutine.resume(); }, Qt::QueuedConnection);
     });

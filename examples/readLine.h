@@ -3,7 +3,8 @@
 #include <string>
 #include <unistd.h>
 
-/// Reads a line from standard input, and not a byte more, so that a loop that waits for input sees what follows.
+/// Returns the next line of standard input, without the line end. Reads no byte beyond it, so that an event
+/// loop that waits for input sees the rest.
 inline std::string readLine() {
   std::string line;
   for (char c = 0; read(STDIN_FILENO, &c, 1) == 1 && c != '\n';) line.push_back(c);
