@@ -3,7 +3,6 @@
 import assert from "node:assert/strict";
 import { execFile, spawn } from "node:child_process";
 import { once } from "node:events";
-import { createServer } from "node:http";
 import { after, afterEach, beforeEach, test as anyTest } from "node:test";
 import { promisify } from "node:util";
 import { chromium } from "playwright-core";
@@ -206,24 +205,4 @@ test("text can be read in light and in dark", async () => {
     grounds.add(await page.evaluate(() => getComputedStyle(document.body).backgroundColor));
   }
   assert.equal(grounds.size, 2);
-});
-
-test("other sites in the same browser learn and change nothing", async () => {
-  const reply = await fetch(url);
-  assert.match(reply.headers.get("content-security-policy"), /default-src 'none'/);
-  assert.equal(reply.headers.get("cache-control"), "no-store");
-  const site = createServer((_, answer) => answer.setHeader("Content-Type", "text/html").end("other"));
-  await new Promise((listening) => site.listen(0, "127.0.0.1", listening));
-  const other = await browser.newPage();
-  await other.goto(`http://127.0.0.1:${site.address().port}`);
-  const outcomes = await other.evaluate(async (url) => {
-    const outcome = (path, options) =>
-      fetch(url + path, options).then((reply) => reply.text(), () => "refused");
-    return [await outcome("/inspect"), await outcome("/page/state", { mode: "no-cors" }),
-      await outcome("/page/fault", { method: "POST", mode: "no-cors", body: '{"fault":8}' })];
-  }, url);
-  assert.deepEqual(outcomes, Array(3).fill("refused"));
-  assert.equal(await signIn("--only=picture"), "done");
-  await other.close();
-  site.close();
 });

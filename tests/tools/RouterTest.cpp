@@ -10,6 +10,7 @@ namespace {
 
 using Json = nlohmann::json;
 using namespace std::chrono;
+using namespace std::string_literals;
 
 TEST(Page, ChoosesAFault) {
   struct Case {
@@ -98,6 +99,10 @@ TEST(Router, KeepsAllButTheCallsForLocalCallers) {
   EXPECT_EQ(bench.router.answer(local(picture)).status, 404);
   EXPECT_EQ(bench.router.answer(local("/page/../inspect")).status, 404);
   EXPECT_EQ(bench.router.answer(local("/page/state", "", "POST")).status, 405);
+  const auto guards = bench.router.answer(local("/")).headers;
+  EXPECT_EQ(guards[0].first, "Content-Security-Policy");
+  EXPECT_TRUE(guards[0].second.starts_with("default-src 'none'; script-src 'self'; ")) << guards[0].second;
+  EXPECT_EQ(guards[1], std::pair("Cache-Control"s, "no-store"s));
 }
 
 TEST(Router, InspectsOneNumberOrAll) {

@@ -52,8 +52,8 @@ class Client {
     return *this;
   }
 
-  /// Sends at most one byte per millisecond, until the server replies or ends the connection. Returns how many were
-  /// sent.
+  /// Sends at most one byte per millisecond, until the server replies or ends the connection. Returns how
+  /// many were sent.
   std::size_t drip(std::string_view text) {
     std::size_t count = 0;
     pollfd heard{descriptor_, POLLIN, 0};
@@ -63,7 +63,8 @@ class Client {
     return count;
   }
 
-  /// Returns a reply, or the part of it that came before the connection ended, or the error that it ended with.
+  /// Returns a reply, or the part of it that came before the connection ended, or the error that it ended
+  /// with.
   std::string receive() {
     std::string reply;
     char buffer[4096];

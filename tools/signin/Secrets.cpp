@@ -13,8 +13,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int deepestShownLevel =
-    32;  // Deeper levels are left out, since the recursion must not exhaust the stack.
+// Deeper levels are left out, since the recursion must not exhaust the stack.
+constexpr int deepestShownLevel = 32;
 constexpr std::size_t longestShownArray = 16;
 
 bool isSecretMember(std::string_view name) {
