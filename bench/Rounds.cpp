@@ -124,7 +124,7 @@ void compare(const Topic& topic, const Figures& ours, std::string_view theirName
     judgement = verdict(isShare ? median(ratios) / *goal.bound : *goal.bound / median(ratios));
   }
   printRow(topic, {summary(ours, topic.unit), std::string(theirName), summary(theirs, topic.unit),
-                   summary(ratios, Scale{1, isShare ? " of theirs" : " times"}), goalText, judgement});
+                   summary(ratios, Scale{1, isShare ? "" : "×"}), goalText, judgement});
 }
 
 void state(const Topic& topic, const Figures& ours, std::optional<double> atMost) {

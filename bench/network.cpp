@@ -45,7 +45,7 @@ void compareProcessorTimes(const std::string& how, std::uint16_t port, bool isPi
       {"sign-in, own reader", [&] { return processorTimeEach(signIns, [&] { signIn(*client, own); }); }},
   });
   const auto pinnedGoal = [&](double goal) { return isPinned ? std::optional(goal) : std::nullopt; };
-  const std::string time = "processor time of a ";
+  const std::string time = "processor time, ";
   compare({"8", time + "tiny call" + how}, figures[0], "curl easy, own reader", figures[1],
           {share, pinnedGoal(1.10)});
   compare({"8", time + "whole sign-in" + how}, figures[2], "curl easy, nlohmann", figures[3],
@@ -147,15 +147,14 @@ void compareBursts(const std::string& how, std::uint16_t port, bool isPinned) {
   }
   const std::vector<Figures> figures = takeTurns(contestants);
   for (std::size_t i = 0; i < counts.size(); ++i) {
-    const Topic topic = {"5", std::to_string(counts[i]) + " calls at once, each" + how};
+    const Topic topic = {"5", std::to_string(counts[i]) + " calls at once" + how};
     const Figures& ours = figures[3 * i];
     const bool hasGoal = isPinned && counts[i] > counts[0];
-    compare(topic, ours, "curl multi, 6 connections, nothing read", figures[3 * i + 1],
+    compare(topic, ours, "curl multi, nothing read", figures[3 * i + 1],
             {Goal::Form::multiple, hasGoal ? std::optional(0.85) : std::nullopt});
-    compare(topic, ours, "curl multi, 6 connections, own reader", figures[3 * i + 2],
-            {Goal::Form::multiple, {}});
+    compare(topic, ours, "curl multi, own reader", figures[3 * i + 2], {Goal::Form::multiple, {}});
   }
-  compare({"5", "10000 calls at once, each" + how}, figures[6], "the library, 64 at once", figures[0],
+  compare({"5", "10000 calls at once" + how}, figures[6], "the library, 64 at once", figures[0],
           {share, 1.25});
 }
 
