@@ -29,7 +29,7 @@ NSError* tooLarge() {
 }
 
 /// Refers to the bytes of `data` in place. Only mutable data is copied: `copy` returns immutable data itself.
-Body platformBody(NSData* data) {
+Body lentBody(NSData* data) {
   NSData* const kept = [[data copy] autorelease];
   return {{static_cast<const std::uint8_t*>([kept bytes]), [kept length]}, retained(kept)};
 }
@@ -40,7 +40,7 @@ DataTaskResult resultOf(NSData* body, NSURLResponse* response, NSError* error) {
   if (error) return {std::nullopt, std::nullopt, makeError(error)};
   DataTaskResult result;
   // NSURLSession may report an empty body as nil.
-  if (body || response) result.body = platformBody(body);
+  if (body || response) result.body = lentBody(body);
   if ([response isKindOfClass:[NSHTTPURLResponse class]])
     result.response = HTTPResponse{static_cast<int>([(NSHTTPURLResponse*)response statusCode])};
   return result;

@@ -125,6 +125,8 @@ TEST(ObjectRuntime, TheIdentifierIsACopyUnitForUnit) {
     [manager setAppClientId:changing];
     [changing appendString:@"b"];
     EXPECT_TRUE([[manager clientId] isEqual:@"a"]);
+    send(manager, "setAppClientId:", (NSString*)nil);
+    EXPECT_TRUE([[manager clientId] isEqual:@""]);
   }
 }
 
