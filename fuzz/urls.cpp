@@ -15,10 +15,9 @@ namespace {
 
 /// Scheme, host and port that curl would go to, given that URL; empty where it would refuse.
 std::string byCurl(const std::string& url) {
-  static const Clock::time_point now;
-  static const TransferSettings settings;
-  static auto* const transfer = new Transfer(settings);
-  transfer->prepare({URLRequest(url), nullptr, {}}, now);
+  static TransferContext context;
+  static auto* const transfer = new Transfer(context);
+  transfer->prepare({URLRequest(url), nullptr, {}});
   const char* prepared = nullptr;
   curl_easy_getinfo(transfer->handle(), CURLINFO_EFFECTIVE_URL, &prepared);
 

@@ -19,7 +19,7 @@ namespace {
 /// A transfer and, at the other end of a local socket, what stands for the server.
 class Wire {
  public:
-  Wire() : transfer_(settings_) {
+  Wire() : transfer_(context_) {
     std::setlocale(LC_CTYPE, "C.UTF-8");  // For hosts beyond ASCII.
     sockaddr_un address = {.sun_family = AF_UNIX, .sun_path = {}};
     auto* const generic = reinterpret_cast<sockaddr*>(&address);
@@ -33,9 +33,8 @@ class Wire {
 
   /// What curl sends; nothing where it refuses the URL.
   std::string send(const URLRequest& request) {
-    static const Clock::time_point now;
     constexpr std::string_view reply = "HTTP/1.1 200 OK\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
-    transfer_.prepare({request, nullptr, {}}, now);
+    transfer_.prepare({request, nullptr, {}});
     curl_multi_add_handle(multi_, transfer_.handle());
     int server = -1;
     for (int running = 1; running > 0;) {
@@ -59,7 +58,7 @@ class Wire {
   }
 
  private:
-  TransferSettings settings_;
+  TransferContext context_;
   Transfer transfer_;
   CURLM* multi_ = curl_multi_init();
   int listener_ = socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0);

@@ -6,8 +6,8 @@
 
 namespace orvane {
 
-/// A session's cookies, in memory. After a transfer the jar holds at most 300 cookies, and 256 KiB of them:
-/// beyond that it is emptied. Not thread-safe.
+/// A session's cookies, in memory. Emptied after a transfer if it holds more than 300 cookies, or more than 256 KiB
+/// of them. Not thread-safe.
 class CookieJar {
  public:
   /// Throws std::bad_alloc.
@@ -16,10 +16,10 @@ class CookieJar {
   /// For CURLOPT_SHARE.
   CURLSH* share() const noexcept { return share_.get(); }
 
-  /// Notes a Set-Cookie line of that many bytes.
+  /// Counts a Set-Cookie line of `size` bytes.
   void note(std::size_t size) noexcept;
 
-  /// Empties the jar if too much has come. `handle` is one that shares it.
+  /// Empties the jar if it holds too much. `handle` is one that shares it.
   void keepWithinBounds(CURL* handle) noexcept;
 
   /// Releases what curl holds.
@@ -31,7 +31,7 @@ class CookieJar {
   };
 
   std::unique_ptr<CURLSH, Deleter> share_;
-  // What came since the jar was looked into.
+  // Of the Set-Cookie lines since the last look into the jar.
   std::size_t lines_ = 0;
   std::size_t size_ = 0;
 };

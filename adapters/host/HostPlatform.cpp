@@ -16,7 +16,7 @@ class GlobalQueue final : public DispatchQueue {
  public:
   void async(Task task) override {
     startBackgroundThread([task = std::move(task)] {
-      const StartersSignals signals;
+      const SignalMask signals(startersMask());
       task();
     });
   }

@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <curl/curl.h>
 #include <memory>
+#include <new>
 #include <utility>
 
+#include "adapters/host/ExitGate.h"
 #include "adapters/host/SessionThreads.h"
 
 namespace orvane {
@@ -21,10 +24,23 @@ HostSessionConfiguration withinBounds(HostSessionConfiguration configuration) {
   return configuration;
 }
 
+/// Once for the process. The gates are armed after curl's libraries have registered their clean-up, and so close
+/// before it.
+void prepareProcess() {
+  static const CURLcode result = [] {
+    const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
+    closeGatesAtExit();
+    return initialised;
+  }();
+  if (result != CURLE_OK) throw std::bad_alloc();
+}
+
 }  // namespace
 
-HostSession::HostSession(HostSessionConfiguration configuration)
-    : threads_(std::make_shared<SessionThreads>(withinBounds(std::move(configuration)))) {}
+HostSession::HostSession(HostSessionConfiguration configuration) {
+  prepareProcess();
+  threads_ = std::make_shared<SessionThreads>(withinBounds(std::move(configuration)));
+}
 
 HostSession::~HostSession() {
   threads_->close();

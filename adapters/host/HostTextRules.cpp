@@ -65,22 +65,9 @@ bool HostTextRules::isURL(std::string_view text) const {
 }
 
 bool HostTextRules::isAlphanumeric(char32_t codePoint) const {
-  switch (utf8proc_category(static_cast<utf8proc_int32_t>(codePoint))) {
-    case UTF8PROC_CATEGORY_LU:
-    case UTF8PROC_CATEGORY_LL:
-    case UTF8PROC_CATEGORY_LT:
-    case UTF8PROC_CATEGORY_LM:
-    case UTF8PROC_CATEGORY_LO:
-    case UTF8PROC_CATEGORY_MN:
-    case UTF8PROC_CATEGORY_MC:
-    case UTF8PROC_CATEGORY_ME:
-    case UTF8PROC_CATEGORY_ND:
-    case UTF8PROC_CATEGORY_NL:
-    case UTF8PROC_CATEGORY_NO:
-      return true;
-    default:
-      return false;
-  }
+  // Letters, marks and numbers of all kinds stand in a row among the categories.
+  const utf8proc_category_t category = utf8proc_category(static_cast<utf8proc_int32_t>(codePoint));
+  return category >= UTF8PROC_CATEGORY_LU && category <= UTF8PROC_CATEGORY_NO;
 }
 
 }  // namespace orvane

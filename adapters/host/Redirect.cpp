@@ -31,16 +31,7 @@ bool isSupportedScheme(std::string_view scheme) noexcept {
 }
 
 bool isRedirect(int statusCode) noexcept {
-  switch (statusCode) {
-    case 301:
-    case 302:
-    case 303:
-    case 307:
-    case 308:
-      return true;
-    default:
-      return false;
-  }
+  return (statusCode >= 301 && statusCode <= 303) || statusCode == 307 || statusCode == 308;
 }
 
 std::variant<URLRequest, SessionErrorCode> redirect(const URLRequest& request, int statusCode,

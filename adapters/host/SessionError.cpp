@@ -1,52 +1,40 @@
 #include "adapters/host/SessionError.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <utility>
 
 namespace orvane {
 namespace {
 
-/// What a person is told, whatever the details.
-constexpr std::string_view sentence(SessionErrorCode code) noexcept {
-  switch (code) {
-    case SessionErrorCode::unknown:
-      return "The request failed.";
-    case SessionErrorCode::badURL:
-      return "The URL is not valid.";
-    case SessionErrorCode::timedOut:
-      return "The request timed out.";
-    case SessionErrorCode::unsupportedURL:
-      return "The URL is not supported.";
-    case SessionErrorCode::cannotFindHost:
-      return "The server could not be found.";
-    case SessionErrorCode::cannotConnectToHost:
-      return "Could not connect to the server.";
-    case SessionErrorCode::connectionLost:
-      return "The connection to the server was lost.";
-    case SessionErrorCode::tooManyRedirects:
-      return "There were too many redirects.";
-    case SessionErrorCode::undecodableContent:
-      return "The server's reply could not be decoded.";
-    case SessionErrorCode::cannotParseReply:
-      return "The server's reply could not be understood.";
-    case SessionErrorCode::dataTooLarge:
-      return "The server's reply is too large.";
-    case SessionErrorCode::secureConnectionFailed:
-      return "A secure connection to the server could not be made.";
-    case SessionErrorCode::serverCertificateHasBadDate:
-      return "The server's certificate has expired.";
-    case SessionErrorCode::serverCertificateUntrusted:
-      return "The server's certificate is not trusted.";
-    case SessionErrorCode::serverCertificateHasUnknownRoot:
-      return "The server's certificate is from an unknown authority.";
-    case SessionErrorCode::serverCertificateNotYetValid:
-      return "The server's certificate is not valid yet.";
-    case SessionErrorCode::clientCertificateRequired:
-      return "The server requires a client certificate.";
-  }
-  return {};
-}
+struct Sentence {
+  SessionErrorCode code;
+  std::string_view text;
+};
+
+/// For people, in place of curl's own words.
+constexpr Sentence sentences[] = {
+    {SessionErrorCode::unknown, "The request failed."},
+    {SessionErrorCode::badURL, "The URL is not valid."},
+    {SessionErrorCode::timedOut, "The request timed out."},
+    {SessionErrorCode::unsupportedURL, "The URL is not supported."},
+    {SessionErrorCode::cannotFindHost, "The server could not be found."},
+    {SessionErrorCode::cannotConnectToHost, "Could not connect to the server."},
+    {SessionErrorCode::connectionLost, "The connection to the server was lost."},
+    {SessionErrorCode::tooManyRedirects, "There were too many redirects."},
+    {SessionErrorCode::undecodableContent, "The server's reply could not be decoded."},
+    {SessionErrorCode::cannotParseReply, "The server's reply could not be understood."},
+    {SessionErrorCode::dataTooLarge, "The server's reply is too large."},
+    {SessionErrorCode::secureConnectionFailed, "A secure connection to the server could not be made."},
+    {SessionErrorCode::serverCertificateHasBadDate, "The server's certificate has expired."},
+    {SessionErrorCode::serverCertificateUntrusted, "The server's certificate is not trusted."},
+    {SessionErrorCode::serverCertificateHasUnknownRoot,
+     "The server's certificate is from an unknown authority."},
+    {SessionErrorCode::serverCertificateNotYetValid, "The server's certificate is not valid yet."},
+    {SessionErrorCode::clientCertificateRequired, "The server requires a client certificate."},
+};
 
 /// `verification` is by OpenSSL's numbers; with other TLS libraries every refusal is of an untrusted
 /// certificate.
@@ -116,7 +104,9 @@ SessionErrorCode sessionErrorCode(CURLcode result, long verification) noexcept {
 }
 
 ErrorPtr makeSessionError(SessionErrorCode code, std::string_view url, std::string_view detail) {
-  Map userInfo = {{"NSLocalizedDescription", sentence(code)}, {"NSErrorFailingURLStringKey", url}};
+  const auto* const sentence = std::find_if(std::begin(sentences), std::end(sentences),
+                                            [code](const Sentence& each) { return each.code == code; });
+  Map userInfo = {{"NSLocalizedDescription", sentence->text}, {"NSErrorFailingURLStringKey", url}};
   if (!detail.empty()) userInfo.emplace("NSDebugDescription", detail);
   return std::make_shared<const Error>(
       Error{"NSURLErrorDomain", static_cast<std::int64_t>(code), std::move(userInfo)});

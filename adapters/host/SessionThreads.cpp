@@ -19,106 +19,107 @@ SessionThreads::SessionThreads(HostSessionConfiguration configuration)
     : totalTimeout_(configuration.totalTimeout), engine_(std::move(configuration)) {}
 
 void SessionThreads::start(URLRequest request, DataTaskHandler handler) {
-  bool isNobodyTransferring = false;
+  bool isTransferring = false;
   bool isWaiting = false;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     startThreads();
     inbox_.push_back({std::move(request), std::move(handler), Clock::now() + totalTimeout_});
-    isNobodyTransferring = !isTransferring_;
+    isTransferring = isTransferring_;
     isWaiting = std::exchange(isWaiting_, false);
   }
-  if (isNobodyTransferring) changed_.notify_one();
+  if (!isTransferring) changed_.notify_one();
   if (isWaiting) engine_.wake();
 }
 
-/// Those that are missing.
+/// Starts those that are missing.
 void SessionThreads::startThreads() try {
-  for (; threads_ < 2; ++threads_) startBackgroundThread([self = shared_from_this()] { self->run(); });
+  for (; threads_ < 2; ++threads_) startBackgroundThread([self = shared_from_this()] { self->serve(); });
 } catch (const std::system_error&) {
   if (threads_ == 0) throw;
 }
 
 void SessionThreads::cancelHandlers() {
   std::deque<HandlerCall> dropped;
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   dropped.swap(calls_);
 }
 
 void SessionThreads::close() {
-  if (getpid() != process_)
-    return;  // In a child made by fork() there are no threads, and the lock may be held.
+  // In a child made by fork() there are no threads, and the lock may be held.
+  if (getpid() != process_) return;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     isClosed_ = true;
   }
   changed_.notify_one();
 }
 
-void SessionThreads::run() {
-  Lock lock(mutex_);
+/// Takes one duty after another, until none can come any more.
+void SessionThreads::serve() {
+  mutex_.lock();
   for (;;) {
     const bool areCallsDue = !calls_.empty() && !isHandling_;
     const bool areTransfersDue = !isTransferring_ && (!inbox_.empty() || !engine_.isIdle());
     if (areTransfersDue && !(areCallsDue && threads_ == 1)) {
-      carryOutTransfers(lock);
+      carryOutTransfers();
     } else if (areCallsDue) {
-      callHandlers(lock);
+      callHandlers();
     } else if (isClosed_ && !isTransferring_ && !isHandling_) {
       break;
     } else {
-      changed_.wait(lock);
+      mutex_.wait(changed_);
     }
   }
   const bool isLast = --threads_ == 0;
-  lock.unlock();
+  mutex_.unlock();
   changed_.notify_one();  // Wakes the other thread, which nothing else does.
-  if (isLast) engine_.letGo();
+  if (isLast) engine_.close();
 }
 
-/// Until there are none, or a lone thread has handlers to call.
-void SessionThreads::carryOutTransfers(Lock& lock) {
+/// Returns when there are none, or a lone thread has handlers to call.
+void SessionThreads::carryOutTransfers() {
   isTransferring_ = true;
   std::vector<DataTask> arrived;
   std::vector<HandlerCall> due;
   do {
     arrived.swap(inbox_);
     const std::size_t callsLeft = isHandling_ ? 0 : calls_.size();
-    lock.unlock();
+    mutex_.unlock();
     // One wake-up for many handlers, as long as more are to be expected at once.
     if (callsLeft >= callsAtOnce || (callsLeft > 0 && !engine_.isReady())) changed_.notify_one();
-    for (DataTask& task : arrived) engine_.add(std::move(task));
+    for (DataTask& task : arrived) engine_.accept(std::move(task));
     arrived.clear();
-    const bool isAnyOver = engine_.act(due);
-    lock.lock();
+    const bool isMoreToDo = engine_.advance(due);
+    mutex_.lock();
     for (HandlerCall& call : due) calls_.push_back(std::move(call));
     due.clear();
     if (threads_ == 1 && !calls_.empty()) break;
-    if (isAnyOver || !inbox_.empty()) continue;
+    if (isMoreToDo || !inbox_.empty()) continue;
     isWaiting_ = true;
     const bool areCallsLeft = !calls_.empty() && !isHandling_;
-    lock.unlock();
+    mutex_.unlock();
     if (areCallsLeft) changed_.notify_one();
     engine_.wait();
-    lock.lock();
+    mutex_.lock();
     isWaiting_ = false;
   } while (!engine_.isIdle() || !inbox_.empty());
   isTransferring_ = false;
 }
 
-/// Until none waits.
-void SessionThreads::callHandlers(Lock& lock) {
+/// Returns when no handler is due.
+void SessionThreads::callHandlers() {
   isHandling_ = true;
   while (!calls_.empty()) {
     {
       HandlerCall call = std::move(calls_.front());
       calls_.pop_front();
-      lock.unlock();
+      mutex_.unlock();
       const ExitGate::Pass pass(handlerGate());
-      const StartersSignals signals;
+      const SignalMask signals(startersMask());
       std::exchange(call.handler, nullptr)(std::move(call.result));
     }
-    lock.lock();
+    mutex_.lock();
   }
   isHandling_ = false;
 }

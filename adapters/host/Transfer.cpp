@@ -2,14 +2,16 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <fcntl.h>
 #include <limits>
 #include <new>
 #include <optional>
+#include <string>
+#include <sys/socket.h>
 #include <utility>
 
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
-#include "adapters/host/openSocket.h"
 #include "orvane/base/appendPercentEncoded.h"
 #include "orvane/platform/URLParts.h"
 
@@ -46,6 +48,17 @@ std::string headerLine(const HeaderField& field) {
   return isBlank ? field.name + ";" : field.name + ": " + field.value;
 }
 
+/// For CURLOPT_OPENSOCKETFUNCTION: a connection that no child process inherits.
+curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address) noexcept {
+#ifdef SOCK_CLOEXEC
+  return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+#else
+  const int file = socket(address->family, address->socktype, address->protocol);
+  if (file >= 0) fcntl(file, F_SETFD, FD_CLOEXEC);
+  return file;
+#endif
+}
+
 }  // namespace
 
 template <class Value>
@@ -54,9 +67,8 @@ void Transfer::set(CURLoption option, Value value) {
   if (setUp_ == CURLE_OK) setUp_ = result;
 }
 
-Transfer::Transfer(const TransferSettings& settings)
-    : settings_(settings), handle_(curl_easy_init()), task_{URLRequest(""), nullptr, {}} {
-  const HostSessionConfiguration& configuration = settings.configuration;
+Transfer::Transfer(TransferContext& context) : context_(context), handle_(curl_easy_init()) {
+  const HostSessionConfiguration& configuration = context.configuration;
   set(CURLOPT_NOSIGNAL, 1L);
   set(CURLOPT_QUICK_EXIT, 1L);
   set(CURLOPT_PROTOCOLS_STR, "http,https");
@@ -64,8 +76,8 @@ Transfer::Transfer(const TransferSettings& settings)
   set(CURLOPT_USERAGENT, userAgent);
   set(CURLOPT_ACCEPT_ENCODING, "");
   set(CURLOPT_COOKIEFILE, "");
-  set(CURLOPT_SHARE, settings.cookies ? settings.cookies->share() : nullptr);
-  set(CURLOPT_CONNECT_TO, settings.reroutes.get());
+  set(CURLOPT_SHARE, context.cookies.share());
+  set(CURLOPT_CONNECT_TO, context.reroutes.get());
   set(CURLOPT_PROXY, configuration.proxy.c_str());
   set(CURLOPT_NOPROXY, "");
   if (!configuration.certificateAuthorities.empty()) {
@@ -105,21 +117,13 @@ Transfer::Transfer(const TransferSettings& settings)
         auto& transfer = *static_cast<Self*>(self);
         const bool mayRepeat =
             transfer.task_.request.method() == "GET" || transfer.task_.request.method() == "HEAD";
-        return transfer.attempts_++ == 0 || mayRepeat ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
+        return transfer.exchange_.attempts++ == 0 || mayRepeat ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
       });
 }
 
-CURLcode Transfer::prepare(DataTask&& task, const Clock::time_point& now) {
+CURLcode Transfer::prepare(DataTask&& task) {
   task_ = std::move(task);
-  now_ = &now;
-  lastActivity_ = now;
-  progress_ = 0;
-  attempts_ = 0;
-  headerSize_ = 0;
-  headerLines_ = 0;
-  isHeaderWhole_ = false;
-  isTooLarge_ = false;
-  body_.clear();
+  exchange_ = {.lastActivity = context_.now};
   errorText_[0] = '\0';
   set(CURLOPT_URL, wireURL(task_.request.url()).c_str());
   setMethodAndBody();
@@ -135,7 +139,7 @@ void Transfer::setMethodAndBody() {
   constexpr std::uint64_t unlimited = 0;
   constexpr std::uint64_t greatest = std::numeric_limits<curl_off_t>::max();
   const auto limit =
-      isHead ? unlimited : std::min<std::uint64_t>(settings_.configuration.maximumBodySize, greatest);
+      isHead ? unlimited : std::min<std::uint64_t>(context_.configuration.maximumBodySize, greatest);
   set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limit));
   if ((body && !isHead) || method == "POST") {
     static constexpr char nothing[] = "";
@@ -175,65 +179,68 @@ void Transfer::setHeaders() {
 
 /// Called from curl's own frames, which no exception may pass.
 std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {
-  lastActivity_ = *now_;
-  if (size > settings_.configuration.maximumBodySize - body_.size()) {
-    isTooLarge_ = true;
+  exchange_.lastActivity = context_.now;
+  if (size > context_.configuration.maximumBodySize - exchange_.body.size()) {
+    exchange_.isTooLarge = true;
     return CURL_WRITEFUNC_ERROR;
   }
-  if (body_.empty()) {
+  if (exchange_.body.empty()) {
     // A hint, and only so far to be trusted.
     constexpr curl_off_t greatestReservation = 1 << 20;
     curl_off_t announced = 0;
     curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
-    body_.reserve(static_cast<std::size_t>(std::clamp<curl_off_t>(announced, 0, greatestReservation)));
+    exchange_.body.reserve(
+        static_cast<std::size_t>(std::clamp<curl_off_t>(announced, 0, greatestReservation)));
   }
   const auto* const first = reinterpret_cast<const std::uint8_t*>(bytes);
-  body_.insert(body_.end(), first, first + size);
+  exchange_.body.insert(exchange_.body.end(), first, first + size);
   return size;
 } catch (const std::bad_alloc&) {
-  isTooLarge_ = true;
+  exchange_.isTooLarge = true;
   return CURL_WRITEFUNC_ERROR;
 }
 
 std::size_t Transfer::takeHeaderLine(std::string_view line) noexcept {
-  lastActivity_ = *now_;
-  if (line.starts_with("HTTP/")) isHeaderWhole_ = false;
-  if (line == "\r\n" || line == "\n") isHeaderWhole_ = true;
+  exchange_.lastActivity = context_.now;
+  if (line.starts_with("HTTP/")) exchange_.isHeaderWhole = false;
+  if (line == "\r\n" || line == "\n") exchange_.isHeaderWhole = true;
   constexpr std::string_view cookie = "Set-Cookie:";
-  if (settings_.cookies && equalIgnoringCase(line.substr(0, cookie.size()), cookie))
-    settings_.cookies->note(line.size());
-  headerSize_ += line.size();
-  isTooLarge_ = headerSize_ > maximumHeaderSize || ++headerLines_ > maximumHeaderLines;
-  return isTooLarge_ ? 0 : line.size();
+  if (equalIgnoringCase(line.substr(0, cookie.size()), cookie)) context_.cookies.note(line.size());
+  exchange_.headerSize += line.size();
+  exchange_.isTooLarge =
+      exchange_.headerSize > maximumHeaderSize || ++exchange_.headerLines > maximumHeaderLines;
+  return exchange_.isTooLarge ? 0 : line.size();
 }
 
 /// Returns false if the body is too large as it came, compressed: curl counts it so only since 8.4.
 bool Transfer::noteProgress(curl_off_t received, curl_off_t sent) noexcept {
-  if (received + sent != progress_) lastActivity_ = *now_;
-  progress_ = received + sent;
-  isTooLarge_ = isTooLarge_ || static_cast<std::uint64_t>(received) > settings_.configuration.maximumBodySize;
-  return !isTooLarge_;
+  if (received + sent != exchange_.bytes) exchange_.lastActivity = context_.now;
+  exchange_.bytes = received + sent;
+  exchange_.isTooLarge =
+      exchange_.isTooLarge || static_cast<std::uint64_t>(received) > context_.configuration.maximumBodySize;
+  return !exchange_.isTooLarge;
 }
 
 Clock::time_point Transfer::end() const noexcept {
-  return std::min(lastActivity_ + settings_.configuration.idleTimeout, task_.deadline);
+  return std::min(exchange_.lastActivity + context_.configuration.idleTimeout, task_.deadline);
 }
 
 DataTaskResult Transfer::finish(CURLcode result) {
-  Bytes body = std::exchange(body_, {});  // Taken in any case: an idle transfer keeps no memory for it.
+  Bytes body =
+      std::exchange(exchange_.body, {});  // Also on failure: an idle transfer keeps no memory for it.
   // curl takes a header that is cut within a line for a reply without a body.
-  if (result == CURLE_OK && !isHeaderWhole_) result = CURLE_PARTIAL_FILE;
+  if (result == CURLE_OK && !exchange_.isHeaderWhole) result = CURLE_PARTIAL_FILE;
   if (result == CURLE_OK) return {std::move(body), HTTPResponse{statusCode()}, nullptr};
   long verification = 0;
   curl_easy_getinfo(handle(), CURLINFO_SSL_VERIFYRESULT, &verification);
   const SessionErrorCode code =
-      isTooLarge_ ? SessionErrorCode::dataTooLarge : sessionErrorCode(result, verification);
+      exchange_.isTooLarge ? SessionErrorCode::dataTooLarge : sessionErrorCode(result, verification);
   const char* const detail = errorText_[0] != '\0' ? errorText_.data() : curl_easy_strerror(result);
   return {std::nullopt, std::nullopt, makeSessionError(code, task_.request.url(), detail)};
 }
 
 std::string_view Transfer::redirectLocation() const {
-  if (!isHeaderWhole_ || !isRedirect(statusCode())) return {};
+  if (!exchange_.isHeaderWhole || !isRedirect(statusCode())) return {};
   const char* location = nullptr;
   curl_easy_getinfo(handle(), CURLINFO_REDIRECT_URL, &location);
   return location ? location : "";

@@ -10,51 +10,52 @@
 #include <vector>
 
 #include "adapters/host/CookieJar.h"
-#include "adapters/host/Multi.h"
-#include "adapters/host/Slist.h"
+#include "adapters/host/CurlSlist.h"
 #include "orvane/host/HostSession.h"
 
 namespace orvane {
 
-/// A request, and whom to tell what became of it.
+using Clock = std::chrono::steady_clock;
+
+/// A request with its handler.
 struct DataTask {
   URLRequest request;
   DataTaskHandler handler;
-  Clock::time_point deadline;  ///< When it is over, whatever its state.
-  int redirects = 0;
+  Clock::time_point deadline;  ///< When it fails with -1001, also if it has not begun.
+  int redirects = 0;           ///< How many led to `request`.
 };
 
-/// What all transfers of a session have in common.
-struct TransferSettings {
-  HostSessionConfiguration configuration;
-  CookieJar* cookies = nullptr;
-  Slist reroutes = {};
+/// What all transfers of a session share.
+struct TransferContext {
+  HostSessionConfiguration configuration = {};
+  CurlSlist reroutes = {};
+  CookieJar cookies = {};
+  Clock::time_point now = {};  ///< By which activity is dated.
 };
 
-/// One HTTP exchange on an easy handle. The handle and its buffers serve one task after another. Used by one
-/// thread at a time.
+/// One HTTP exchange on an easy handle of curl's. The handle and its buffers serve one task after another. Not
+/// thread-safe.
 class Transfer {
  public:
-  explicit Transfer(const TransferSettings& settings);
+  /// `context` outlives the transfer.
+  explicit Transfer(TransferContext& context);
   Transfer(const Transfer&) = delete;
   Transfer& operator=(const Transfer&) = delete;
 
   CURL* handle() const noexcept { return handle_.get(); }
   DataTask takeTask() noexcept { return std::move(task_); }
 
-  /// Prepares the handle for `task`. `now` is the clock by which activity is dated; it outlives the transfer.
-  /// A transfer for which this, or its constructor, cannot set all options up is of no further use: returns
-  /// the first failure.
-  CURLcode prepare(DataTask&& task, const Clock::time_point& now);
+  /// Prepares the handle for `task`. Returns the first failure to set an option, here or in the constructor; after
+  /// one the transfer cannot be used again.
+  CURLcode prepare(DataTask&& task);
 
-  /// When the transfer has to be given up, unless a byte of a body or a whole header line comes or goes
-  /// before.
+  /// Returns when the transfer times out, unless a byte of a body or a whole header line is transferred before.
   Clock::time_point end() const noexcept;
 
-  /// What the exchange came to, when curl has said `result`. Takes the body.
+  /// Returns the outcome of the exchange that curl ended with `result`. Moves the body out.
   DataTaskResult finish(CURLcode result);
 
-  /// The absolute URL to which the reply redirects; empty if it does not.
+  /// Returns the absolute URL to which the reply redirects, or an empty text if it does not redirect.
   std::string_view redirectLocation() const;
   int statusCode() const;
 
@@ -71,23 +72,27 @@ class Transfer {
   std::size_t takeHeaderLine(std::string_view line) noexcept;
   bool noteProgress(curl_off_t received, curl_off_t sent) noexcept;
 
-  const TransferSettings& settings_;
+  /// What is known of the present exchange.
+  struct Exchange {
+    Clock::time_point lastActivity;
+    curl_off_t bytes = 0;  // Of bodies, in both directions.
+    int attempts = 0;
+    std::size_t headerSize = 0;
+    std::size_t headerLines = 0;
+    bool isHeaderWhole = false;
+    bool isTooLarge = false;
+    Bytes body = {};
+  };
+
+  TransferContext& context_;
   std::unique_ptr<CURL, HandleDeleter> handle_;
   std::array<char, CURL_ERROR_SIZE> errorText_{};
   CURLcode setUp_ = CURLE_OK;
-  DataTask task_;
-  Slist headers_;
+  DataTask task_{URLRequest(""), nullptr, {}};
+  Exchange exchange_;
+  CurlSlist headers_;
   std::vector<HeaderField> fieldsInHeaders_;  // From which they were made.
   bool bodyInHeaders_ = false;
-  Bytes body_;
-  const Clock::time_point* now_ = nullptr;
-  Clock::time_point lastActivity_;
-  curl_off_t progress_ = 0;
-  int attempts_ = 0;
-  std::size_t headerSize_ = 0;
-  std::size_t headerLines_ = 0;
-  bool isHeaderWhole_ = false;
-  bool isTooLarge_ = false;
 };
 
 }  // namespace orvane

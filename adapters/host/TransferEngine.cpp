@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstdint>
 #include <iterator>
-#include <new>
 #include <optional>
 #include <string>
 #include <utility>
@@ -19,33 +18,19 @@
 namespace orvane {
 namespace {
 
-/// How many destinations stay known while there are no tasks for them.
+/// How many destinations without tasks are kept.
 constexpr std::size_t keptDestinations = 8;
 
-/// How long a destination keeps the connections that it was given, while others wait for them.
+/// How long a destination keeps its connections while others wait for one.
 constexpr std::chrono::milliseconds turn(100);
-
-void initialiseCurl() {
-  static const CURLcode result = [] {
-    const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
-    closeGatesAtExit();
-    return initialised;
-  }();
-  if (result != CURLE_OK) throw std::bad_alloc();
-}
-
-std::unique_ptr<CookieJar> makeCookieJar() {
-  initialiseCurl();
-  return std::make_unique<CookieJar>();
-}
 
 void appendAddress(std::string& line, const std::string& host, std::uint16_t port) {
   const bool isBare = host.find(':') != host.npos && !host.starts_with('[');
   line.append(isBare ? "[" : "").append(host).append(isBare ? "]:" : ":").append(std::to_string(port));
 }
 
-Slist makeReroutes(const std::vector<Reroute>& reroutes) {
-  Slist list;
+CurlSlist makeReroutes(const std::vector<Reroute>& reroutes) {
+  CurlSlist list;
   for (const Reroute& reroute : reroutes) {
     std::string line;
     appendAddress(line, reroute.host, reroute.port);
@@ -66,62 +51,60 @@ std::string destinationKey(const URLParts& parts) {
 }  // namespace
 
 TransferEngine::TransferEngine(HostSessionConfiguration configuration)
-    : cookies_(makeCookieJar()),
-      settings_{std::move(configuration), cookies_.get()},
-      multi_(std::make_unique<Multi>(settings_.configuration.maximumConnections)) {
-  settings_.reroutes = makeReroutes(settings_.configuration.reroutes);
+    : context_{std::move(configuration)}, multi_(std::in_place, context_.configuration.maximumConnections) {
+  context_.reroutes = makeReroutes(context_.configuration.reroutes);
 }
 
-bool TransferEngine::act(std::vector<HandlerCall>& due) {
-  now_ = Clock::now();
+bool TransferEngine::advance(std::vector<HandlerCall>& due) {
+  context_.now = Clock::now();
   {
     const ExitGate::Pass pass(curlGate());
-    admitWaiting();
-    multi_->act();
+    giveTurns();
+    multi_->perform();
     while (const auto finished = multi_->nextFinished()) {
       Transfer* transfer = nullptr;
       curl_easy_getinfo(finished->handle, CURLINFO_PRIVATE, &transfer);
-      finish(*transfer, finished->result);
+      settle(*transfer, finished->result);
     }
     giveUpOverdue();
   }
-  const bool isAnyOver = std::exchange(redirectedAny_, false) || !due_.empty();
   due.swap(due_);
-  return isAnyOver;
+  return !due.empty() || (!turns_.empty() && isConnectionFree());
 }
 
-void TransferEngine::letGo() {
+void TransferEngine::close() {
   const ExitGate::Pass pass(curlGate());
   idle_.clear();
   multi_.reset();
-  cookies_->close();
+  context_.cookies.close();
 }
 
-void TransferEngine::add(DataTask&& task) {
+void TransferEngine::accept(DataTask&& task) {
   const URLParts parts = splitURL(task.request.url());
   if (!isSupportedScheme(parts.scheme)) {
     fail(std::move(task), SessionErrorCode::unsupportedURL);
   } else if (parts.host.empty() || task.request.url().find('\0') != std::string::npos) {
     fail(std::move(task), SessionErrorCode::badURL);
   } else {
-    const auto destination = destinations_.try_emplace(destinationKey(parts)).first;
-    std::deque<DataTask>& waiting = destination->second.waiting;
-    // A task that was redirected is older than those which have come meanwhile.
-    const auto place =
-        std::upper_bound(waiting.begin(), waiting.end(), task,
-                         [](const DataTask& a, const DataTask& b) { return a.deadline < b.deadline; });
+    const auto place = destinations_.try_emplace(destinationKey(parts)).first;
+    auto& waiting = place->second.waiting;
     nextDeadline_ = std::min(nextDeadline_, task.deadline);
-    waiting.insert(place, std::move(task));
+    // The end is right, except for a task that was redirected, which is older than those that have come since.
+    waiting.insert(waiting.end(), std::move(task));
     ++waiting_;
-    queueUp(destination);
+    queueUp(place);
   }
 }
 
-/// Lets the destination have a turn, if it can use one. Forgets it if it has nothing to do.
+bool TransferEngine::isConnectionFree() const noexcept {
+  return running_.size() < context_.configuration.maximumConnections;
+}
+
+/// Puts the destination in line for a turn if it can use a connection. Forgets it if it has no tasks.
 void TransferEngine::queueUp(Destinations::iterator place) {
   Destination& destination = place->second;
   if (destination.isInTurn) return;
-  if (!destination.waiting.empty() && destination.running < settings_.configuration.connectionsPerHost) {
+  if (!destination.waiting.empty() && destination.running < context_.configuration.connectionsPerHost) {
     turns_.push_back(place);
     destination.isInTurn = true;
   } else if (destination.waiting.empty() && destination.running == 0 &&
@@ -130,71 +113,71 @@ void TransferEngine::queueUp(Destinations::iterator place) {
   }
 }
 
-void TransferEngine::admitWaiting() {
-  while (!turns_.empty() && running_.size() < settings_.configuration.maximumConnections) {
+/// Returns the task with the earliest deadline.
+DataTask TransferEngine::takeWaiting(Destination& destination) {
+  --waiting_;
+  return std::move(destination.waiting.extract(destination.waiting.begin()).value());
+}
+
+void TransferEngine::giveTurns() {
+  while (!turns_.empty() && isConnectionFree()) {
     const auto place = turns_.front();
     turns_.pop_front();
     place->second.isInTurn = false;
-    place->second.turnEnd = now_ + turn;
-    if (!place->second.waiting.empty()) begin(place);
+    place->second.turnEnd = context_.now + turn;
+    if (!place->second.waiting.empty()) admit(place);
     queueUp(place);
   }
 }
 
-/// Begins the destination's oldest task.
-void TransferEngine::begin(Destinations::iterator place) {
-  Destination& destination = place->second;
-  DataTask task = std::move(destination.waiting.front());
-  destination.waiting.pop_front();
-  --waiting_;
-  if (idle_.empty()) idle_.push_back(std::make_unique<Transfer>(settings_));
+/// Gives the destination's oldest task to curl.
+void TransferEngine::admit(Destinations::iterator place) {
+  if (idle_.empty()) idle_.push_back(std::make_unique<Transfer>(context_));
   std::unique_ptr<Transfer> transfer = std::move(idle_.back());
   idle_.pop_back();
   leastIdle_ = std::min(leastIdle_, idle_.size());
-  if (const CURLcode result = transfer->prepare(std::move(task), now_); result != CURLE_OK) {
+  if (const CURLcode result = transfer->prepare(takeWaiting(place->second)); result != CURLE_OK) {
     fail(transfer->takeTask(), sessionErrorCode(result), curl_easy_strerror(result));
   } else if (!multi_->add(transfer->handle())) {
     fail(transfer->takeTask(), SessionErrorCode::cannotConnectToHost, "No memory or descriptor is free");
   } else {
     running_.push_back({std::move(transfer), place});
-    ++destination.running;
+    ++place->second.running;
   }
 }
 
 void TransferEngine::giveUpOverdue() {
   std::vector<Transfer*> overdue;
   for (const Running& running : running_) {
-    if (running.transfer->end() <= now_) overdue.push_back(running.transfer.get());
+    if (running.transfer->end() <= context_.now) overdue.push_back(running.transfer.get());
   }
-  for (Transfer* transfer : overdue) finish(*transfer, CURLE_OPERATION_TIMEDOUT);
-  if (now_ < nextDeadline_) return;
+  for (Transfer* transfer : overdue) settle(*transfer, CURLE_OPERATION_TIMEDOUT);
+  if (context_.now < nextDeadline_) return;
   nextDeadline_ = Clock::time_point::max();
   for (auto& [key, destination] : destinations_) {
-    std::deque<DataTask>& waiting = destination.waiting;
-    for (; !waiting.empty() && waiting.front().deadline <= now_; --waiting_) {
-      fail(std::move(waiting.front()), SessionErrorCode::timedOut);
-      waiting.pop_front();
-    }
-    if (!waiting.empty()) nextDeadline_ = std::min(nextDeadline_, waiting.front().deadline);
+    const auto& waiting = destination.waiting;
+    while (!waiting.empty() && waiting.begin()->deadline <= context_.now)
+      fail(takeWaiting(destination), SessionErrorCode::timedOut);
+    if (!waiting.empty()) nextDeadline_ = std::min(nextDeadline_, waiting.begin()->deadline);
   }
 }
 
 void TransferEngine::wait() {
-  Clock::time_point next = std::min(now_ + std::chrono::hours(1), nextDeadline_);
+  Clock::time_point next = std::min(context_.now + std::chrono::hours(1), nextDeadline_);
   for (const Running& running : running_) next = std::min(next, running.transfer->end());
   multi_->wait(next);
 }
 
-void TransferEngine::finish(Transfer& transfer, CURLcode curlResult) {
+void TransferEngine::settle(Transfer& transfer, CURLcode curlResult) {
   const int statusCode = transfer.statusCode();
   const std::string location(curlResult == CURLE_OK ? transfer.redirectLocation() : "");
   DataTaskResult result = transfer.finish(curlResult);
   DataTask task = transfer.takeTask();
-  cookies_->keepWithinBounds(transfer.handle());
+  context_.cookies.keepWithinBounds(transfer.handle());
   const auto place = release(transfer);
-  // The connection serves its host as long as that one's turn lasts: another host would need a new one.
-  const bool isItsTurn = curlResult == CURLE_OK && now_ < place->second.turnEnd;
-  if (isItsTurn && !place->second.waiting.empty()) begin(place);
+  // The connection serves its host while that one's turn lasts, since another host would need a new one.
+  const bool isItsTurn = curlResult == CURLE_OK && context_.now < place->second.turnEnd;
+  if (isItsTurn && !place->second.waiting.empty()) admit(place);
   queueUp(place);
   if (location.empty()) {
     report(std::move(task), std::move(result));
@@ -203,7 +186,7 @@ void TransferEngine::finish(Transfer& transfer, CURLcode curlResult) {
   }
 }
 
-/// Keeps the transfer for a later task, as long as so many are needed. Returns where it went.
+/// Keeps the transfer for a later task, and as many others as were lately needed. Returns its destination.
 TransferEngine::Destinations::iterator TransferEngine::release(const Transfer& transfer) {
   const auto running = std::find_if(running_.begin(), running_.end(),
                                     [&](const Running& each) { return each.transfer.get() == &transfer; });
@@ -231,8 +214,7 @@ void TransferEngine::follow(DataTask&& task, int statusCode, const std::string& 
     return;
   }
   task.request = std::move(*std::get_if<URLRequest>(&next));
-  add(std::move(task));
-  redirectedAny_ = true;
+  accept(std::move(task));
 }
 
 void TransferEngine::report(DataTask&& task, DataTaskResult result) {

@@ -5,19 +5,20 @@
 #include <deque>
 #include <map>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "adapters/host/CookieJar.h"
-#include "adapters/host/Multi.h"
+#include "adapters/host/CurlMulti.h"
 #include "adapters/host/SessionError.h"
 #include "adapters/host/Transfer.h"
 #include "orvane/host/HostSession.h"
 
 namespace orvane {
 
-/// A handler that is due, and what it will be called with.
+/// A handler to call, with its argument.
 struct HandlerCall {
   DataTaskHandler handler;
   DataTaskResult result;
@@ -25,40 +26,44 @@ struct HandlerCall {
 
 /// Carries out a session's tasks. Not thread-safe, except wake().
 ///
-/// curl slows down with the number of transfers it holds, and each takes much memory: so it is only given
-/// those which have a connection to use, and the others wait here as plain records. Destinations take turns
-/// at the connections.
+/// Gives curl only the transfers that have a connection to use, since curl slows down with the number of its
+/// transfers, and each takes much memory. The other tasks wait here as plain records. Destinations take turns at
+/// the connections.
 class TransferEngine {
  public:
   explicit TransferEngine(HostSessionConfiguration configuration);
   TransferEngine(const TransferEngine&) = delete;
   TransferEngine& operator=(const TransferEngine&) = delete;
 
-  void add(DataTask&& task);
+  void accept(DataTask&& task);
 
-  /// Does what can be done now, and puts what is over into `due`, which is empty. Whether anything was over:
-  /// then there may be more to do.
-  bool act(std::vector<HandlerCall>& due);
+  /// Does what can be done now, and appends the calls of finished tasks to `due`. Returns true if there is more to
+  /// do at once.
+  bool advance(std::vector<HandlerCall>& due);
 
-  /// Returns true if there is something to do now.
-  bool isReady() { return multi_->wait(now_); }
+  /// Returns true if a socket is ready.
+  bool isReady() { return multi_->wait(context_.now); }
   /// Returns when there may be something to do.
   void wait();
-  /// Lets the present wait() return, or the next one.
+  /// Makes the present wait() return, or the next one. From any thread.
   void wake() noexcept { multi_->wake(); }
 
   bool isIdle() const noexcept { return running_.empty() && waiting_ == 0; }
 
-  /// Lets go of curl, for good. Here and not in the destructor, which may run on a thread that must not wait
-  /// for ever.
-  void letGo();
+  /// Releases all that is curl's, when there are no tasks any more. Separate from the destructor, which may run on
+  /// a thread that must not block.
+  void close();
 
  private:
+  struct IsDueEarlier {
+    bool operator()(const DataTask& a, const DataTask& b) const noexcept { return a.deadline < b.deadline; }
+  };
+
   /// The tasks for one scheme, host and port.
   struct Destination {
     std::size_t running = 0;
-    std::deque<DataTask> waiting;  // By deadline, the earliest first.
-    bool isInTurn = false;         // In `turns_`.
+    std::multiset<DataTask, IsDueEarlier> waiting;
+    bool isInTurn = false;  // In `turns_`.
     Clock::time_point turnEnd;
   };
   using Destinations = std::map<std::string, Destination, std::less<>>;
@@ -68,31 +73,30 @@ class TransferEngine {
     Destinations::iterator destination;
   };
 
+  bool isConnectionFree() const noexcept;
   void queueUp(Destinations::iterator place);
-  void admitWaiting();
-  void begin(Destinations::iterator place);
+  DataTask takeWaiting(Destination& destination);
+  void giveTurns();
+  void admit(Destinations::iterator place);
   void giveUpOverdue();
-  void finish(Transfer& transfer, CURLcode result);
+  void settle(Transfer& transfer, CURLcode result);
   Destinations::iterator release(const Transfer& transfer);
   void follow(DataTask&& task, int statusCode, const std::string& location);
   void report(DataTask&& task, DataTaskResult result);
   void fail(DataTask&& task, SessionErrorCode code, std::string_view detail = {});
 
-  const std::unique_ptr<CookieJar> cookies_;
-  TransferSettings settings_;
-  std::unique_ptr<Multi> multi_;
+  TransferContext context_;
+  std::optional<CurlMulti> multi_;
 
-  Clock::time_point now_;
   Destinations destinations_;
-  std::deque<Destinations::iterator> turns_;  // Those that can use a connection, in the order they get one.
-  std::size_t waiting_ = 0;                   // Tasks, at all destinations.
-  Clock::time_point nextDeadline_ = Clock::time_point::max();  // No task that waits has an earlier one.
+  std::deque<Destinations::iterator> turns_;  // Those that can use a connection; the next one first.
+  std::size_t waiting_ = 0;                   // Tasks for all destinations.
+  Clock::time_point nextDeadline_ = Clock::time_point::max();  // Of a waiting task, or earlier.
   std::vector<Running> running_;
-  std::vector<std::unique_ptr<Transfer>> idle_;  // The one used last at the end.
-  std::size_t leastIdle_ = 0;                    // How many were never needed since `released_` was 0.
+  std::vector<std::unique_ptr<Transfer>> idle_;  // The one used last is last.
+  std::size_t leastIdle_ = 0;                    // The fewest since `released_` was 0.
   std::size_t released_ = 0;
   std::vector<HandlerCall> due_;
-  bool redirectedAny_ = false;  // Since the last look into the waiting ones.
 };
 
 }  // namespace orvane

@@ -9,15 +9,20 @@ namespace orvane {
 /// application's own threads. Throws std::system_error if the system has no thread to give.
 void startBackgroundThread(std::function<void()> body);
 
-/// While it lives, a background thread has the signal mask of the thread that started it, for the
-/// application's own code: a child process inherits the mask of the thread that makes it. SIGPIPE alone stays
-/// blocked, since one of curl's may be pending.
-class StartersSignals {
+/// Returns the signal mask of the thread that started this background thread, with SIGPIPE in addition, since one
+/// of curl's may be pending. The application's code runs with it: a child process inherits the mask of the thread
+/// that makes it.
+const sigset_t& startersMask() noexcept;
+
+/// Gives the calling thread a signal mask while it lives.
+class SignalMask {
  public:
-  StartersSignals() noexcept;
-  StartersSignals(const StartersSignals&) = delete;
-  StartersSignals& operator=(const StartersSignals&) = delete;
-  ~StartersSignals();
+  explicit SignalMask(const sigset_t& mask) noexcept { pthread_sigmask(SIG_SETMASK, &mask, &before_); }
+  SignalMask(const SignalMask&) = delete;
+  SignalMask& operator=(const SignalMask&) = delete;
+  ~SignalMask() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+  const sigset_t& before() const noexcept { return before_; }
 
  private:
   sigset_t before_{};

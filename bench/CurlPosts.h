@@ -14,9 +14,9 @@ namespace orvane::bench {
 
 /// Many posts on the multi interface, as a reasonable program does it: as many easy handles as connections,
 /// each taking the next post as soon as it is done with one. Sends the header fields of the service's calls.
-class CurlMulti {
+class CurlPosts {
  public:
-  CurlMulti(std::uint16_t port, std::size_t connections);
+  CurlPosts(std::uint16_t port, std::size_t connections);
 
   /// Posts `count` times; `body` makes the next body, `replied` is called with the reply. Stops the process
   /// where there is none.

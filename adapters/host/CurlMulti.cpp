@@ -1,4 +1,4 @@
-#include "adapters/host/Multi.h"
+#include "adapters/host/CurlMulti.h"
 
 #include <algorithm>
 #include <array>
@@ -9,8 +9,6 @@
 #include <new>
 #include <thread>
 #include <unistd.h>
-
-#include "adapters/host/openSocket.h"
 
 namespace orvane {
 namespace {
@@ -29,18 +27,18 @@ int curlEvents(const pollfd& socket) {
 
 }  // namespace
 
-Multi::~Multi() {
+CurlMulti::~CurlMulti() {
   multi_.reset();
   if (wakeReader_ < 0) return;
   close(wakeReader_);
   close(wakeWriter_);
 }
 
-bool Multi::add(CURL* handle) noexcept {
+bool CurlMulti::add(CURL* handle) noexcept {
   return (multi_ || open()) && curl_multi_add_handle(multi_.get(), handle) == CURLM_OK;
 }
 
-bool Multi::open() noexcept {
+bool CurlMulti::open() noexcept {
   multi_.reset(curl_multi_init());
   if (!multi_) return false;
   const auto set = [this](auto option, auto value) { return curl_multi_setopt(multi_.get(), option, value); };
@@ -50,7 +48,7 @@ bool Multi::open() noexcept {
   constexpr auto quickExit = static_cast<CURLMoption>(21);  // CURLMOPT_QUICK_EXIT, since curl 8.20.
   set(quickExit, 1L);
   const auto watch = +[](CURL*, curl_socket_t socket, int what, void* self, void*) {
-    return static_cast<Multi*>(self)->watch(socket, what);
+    return static_cast<CurlMulti*>(self)->watch(socket, what);
   };
   const bool isWatching =
       set(CURLMOPT_SOCKETDATA, this) == CURLM_OK && set(CURLMOPT_SOCKETFUNCTION, watch) == CURLM_OK;
@@ -58,16 +56,21 @@ bool Multi::open() noexcept {
   return isWatching;
 }
 
-void Multi::openWakePipe() noexcept {
+void CurlMulti::openWakePipe() noexcept {
   std::array<int, 2> ends{};
-  if (!openPipe(ends)) return;
+#ifdef __linux__
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) return;
+#else
+  if (pipe(ends.data()) != 0) return;
+  for (const int end : ends) fcntl(end, F_SETFD, FD_CLOEXEC);
+#endif
   for (const int end : ends) fcntl(end, F_SETFL, O_NONBLOCK);
   wakeReader_ = watched_[0].fd = ends[0];
   wakeWriter_ = ends[1];
 }
 
 /// Called from curl's own frames, which no exception may pass.
-int Multi::watch(curl_socket_t socket, int what) try {
+int CurlMulti::watch(curl_socket_t socket, int what) try {
   const auto place = std::find_if(watched_.begin() + 1, watched_.end(),
                                   [socket](const pollfd& watched) { return watched.fd == socket; });
   if (what == CURL_POLL_REMOVE) {
@@ -87,15 +90,15 @@ int Multi::watch(curl_socket_t socket, int what) try {
   return -1;
 }
 
-bool Multi::wait(Clock::time_point end) {
+bool CurlMulti::wait(Clock::time_point end) {
   using std::chrono::milliseconds;
   ready_.clear();
   const auto own = std::chrono::ceil<milliseconds>(end - Clock::now()).count();
   long curls = -1;
   curl_multi_timeout(multi_.get(), &curls);
   const auto limit = curls < 0 ? own : std::min<milliseconds::rep>(own, curls);
-  // Nothing can wake this thread where there is no descriptor for the pipe, or poll() fails. Then it looks now
-  // and then.
+  // Nothing can wake this thread if there is no descriptor for the pipe, or poll() fails. Then it looks now and
+  // then.
   constexpr milliseconds::rep aWhile = 20;
   const milliseconds::rep longest = wakeReader_ < 0 ? aWhile : INT_MAX;
   const auto timeout = std::clamp<milliseconds::rep>(limit, 0, longest);
@@ -114,22 +117,22 @@ bool Multi::wait(Clock::time_point end) {
   return !ready_.empty();
 }
 
-void Multi::wake() noexcept {
+void CurlMulti::wake() noexcept {
   static_cast<void>(!write(wakeWriter_, "", 1));  // Where the pipe is full, the wait returns anyway.
 }
 
-void Multi::act() noexcept {
+void CurlMulti::perform() noexcept {
   if (!multi_) return;
   if (wakeReader_ < 0) openWakePipe();
   int running = 0;
   if (ready_.empty()) curl_multi_socket_action(multi_.get(), CURL_SOCKET_TIMEOUT, 0, &running);
-  // Whatever else is due is done along with a socket.
+  // With a socket curl also does all else that is due.
   for (const pollfd& socket : ready_)
     curl_multi_socket_action(multi_.get(), socket.fd, curlEvents(socket), &running);
   ready_.clear();
 }
 
-std::optional<Multi::Finished> Multi::nextFinished() noexcept {
+std::optional<CurlMulti::Finished> CurlMulti::nextFinished() noexcept {
   int left = 0;
   const CURLMsg* message = multi_ ? curl_multi_info_read(multi_.get(), &left) : nullptr;
   if (!message) return std::nullopt;

@@ -7,8 +7,8 @@
 
 namespace orvane {
 
-/// A list of lines for curl.
-class Slist {
+/// curl's list of lines.
+class CurlSlist {
  public:
   curl_slist* get() const noexcept { return list_.get(); }
   void clear() noexcept { list_.reset(); }

@@ -1,17 +1,17 @@
-#include "bench/CurlMulti.h"
+#include "bench/CurlPosts.h"
 
 #include <stdexcept>
 
 namespace orvane::bench {
 
-CurlMulti::CurlMulti(std::uint16_t port, std::size_t connections) : multi_(curl_multi_init()) {
+CurlPosts::CurlPosts(std::uint16_t port, std::size_t connections) : multi_(curl_multi_init()) {
   for (std::size_t i = 0; i < connections; ++i) {
     slots_.push_back(std::make_unique<Slot>(port));
     curl_easy_setopt(slots_.back()->post.handle(), CURLOPT_PRIVATE, slots_.back().get());
   }
 }
 
-void CurlMulti::post(std::size_t count, std::string_view path, const std::function<std::string()>& body,
+void CurlPosts::post(std::size_t count, std::string_view path, const std::function<std::string()>& body,
                      const std::function<void(const std::string&)>& replied) {
   std::size_t started = 0;
   std::size_t finished = 0;

@@ -13,18 +13,17 @@ namespace orvane {
 
 using Clock = std::chrono::steady_clock;
 
-/// curl's multi interface with a wait of its own. curl says which sockets it waits for and is told what
-/// happened to them: so the system is asked once about all of them, where curl_multi_perform asks again for
-/// each transfer.
+/// curl's multi interface, which waits for its sockets here. curl names the sockets and is told what happened to
+/// them. So the system is asked once about all of them, where curl_multi_perform asks again for each transfer.
 ///
 /// Not thread-safe, except wake().
-class Multi {
+class CurlMulti {
  public:
-  /// Opens and keeps alive at most `maximumConnections`. Needs nothing of the system before the first add().
-  explicit Multi(std::size_t maximumConnections) : maximumConnections_(maximumConnections) {}
-  Multi(const Multi&) = delete;
-  Multi& operator=(const Multi&) = delete;
-  ~Multi();
+  /// Opens and keeps alive at most `maximumConnections`. Takes nothing from the system before the first add().
+  explicit CurlMulti(std::size_t maximumConnections) : maximumConnections_(maximumConnections) {}
+  CurlMulti(const CurlMulti&) = delete;
+  CurlMulti& operator=(const CurlMulti&) = delete;
+  ~CurlMulti();
 
   /// Returns false if curl cannot take the transfer now, for want of memory or of a descriptor.
   bool add(CURL* handle) noexcept;
@@ -34,17 +33,17 @@ class Multi {
   /// to a socket.
   bool wait(Clock::time_point end);
 
-  /// Lets the present wait() return, or the next one.
+  /// Makes the present wait() return, or the next one. From any thread.
   void wake() noexcept;
 
-  /// Lets curl do what is due since the last wait, and begin what was added.
-  void act() noexcept;
+  /// Has curl do what is due since the last wait, and begin what was added.
+  void perform() noexcept;
 
   struct Finished {
     CURL* handle;
     CURLcode result;
   };
-  /// Returns a transfer that is over and was not returned before.
+  /// Returns a finished transfer that was not returned before.
   std::optional<Finished> nextFinished() noexcept;
 
  private:
@@ -59,7 +58,7 @@ class Multi {
   const std::size_t maximumConnections_;
   int wakeReader_ = -1;
   std::atomic<int> wakeWriter_ = -1;
-  std::vector<pollfd> watched_ = {{-1, POLLIN, 0}};  // First the end of the pipe through which wake() comes.
+  std::vector<pollfd> watched_ = {{-1, POLLIN, 0}};  // The first is the wake pipe's.
   std::vector<pollfd> ready_;
   std::unique_ptr<CURLM, Deleter> multi_;
 };
