@@ -14,8 +14,8 @@ inline constexpr std::size_t usualPicture = 20'000;
 /// The pictures that are read without a network, in bytes.
 inline constexpr std::array<std::size_t, 3> pictureSizes = {2'000, 20'000, 100'000};
 
-/// How many pictures take turns. A processor learns a single one by heart, branch by branch, and reads it in a
-/// third of the time that a new one takes.
+/// How many pictures take turns. A processor learns a single one by heart, branch by branch, and reads it in
+/// a third of the time that a new one takes.
 inline constexpr std::size_t pictureCount = 64;
 
 /// The picture of that number: bytes as evenly spread as those of a compressed picture.

@@ -11,8 +11,8 @@ std::string programBeside(const char* program, const char* name);
 /// Keeps the calling thread, and the threads it starts from now on, on that processor.
 void pinTo(std::size_t processor);
 
-/// Has the allocator keep what is released. Else it depends on where a block happens to lie whether the system
-/// gets it back and has to be asked for it again, which costs more than what is measured.
+/// Makes the allocator keep what is released. Otherwise it depends on where a block happens to lie whether
+/// the system takes it back and must be asked for it again, which costs more than what is measured.
 void keepFreedMemory();
 
 }  // namespace orvane::bench

@@ -1,4 +1,4 @@
-// JSON is accepted and understood as by another library, and what is written reads back.
+// JSON is accepted and understood as another library does, and what is written reads back.
 
 #include <nlohmann/json.hpp>
 

@@ -1,5 +1,5 @@
-// An answered call has one outcome, as its reply says, or there is the stop, whose line holds nothing of the reply.
-// The input's first byte chooses the call, the rest is the reply's body.
+// An answered call has the one outcome that is in its reply, or stops with a line that holds nothing of the
+// reply. The input's first byte chooses the call, the rest is the reply's body.
 
 #include <array>
 #include <nlohmann/json.hpp>

@@ -1,5 +1,6 @@
-// The development service answers any sequence of requests with envelopes, and takes nothing for a secret but the secret.
-// The input is texts, each ended by a backslash and a blank: verb and path, an additional header field, body, and so on.
+// The development service answers any sequence of requests with envelopes, and accepts only the right
+// secrets. The input is texts, each ended by a backslash and a blank: verb and path, an additional header
+// field, body, and so on.
 
 #include "tools/devservice/Router.h"
 

@@ -1,5 +1,5 @@
-// curl goes nowhere else than where the library believes a URL to lead, and no redirect takes credentials elsewhere.
-// The input is two URLs, each on a line.
+// curl connects only to where the library believes a URL to lead, and no redirect takes credentials
+// elsewhere. The input is two URLs, each on a line.
 
 #include <algorithm>
 #include <curl/curl.h>

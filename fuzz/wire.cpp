@@ -1,6 +1,6 @@
-// Whatever URL, verb, header fields and body a request has, curl sends one request: a line for each field and none that
-// nobody asked for, then the body.
-// The input is texts, each ended by a backslash and a blank: verb, body, what follows "http://h", then names and values.
+// curl sends one request for any URL, verb, header fields and body: a line for each field, no line that was
+// not asked for, then the body. The input is texts, each ended by a backslash and a blank: verb, body, what
+// follows "http://h", then names and values.
 
 #include <algorithm>
 #include <clocale>

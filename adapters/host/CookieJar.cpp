@@ -6,8 +6,8 @@
 namespace orvane {
 namespace {
 
-/// Limits on the lines that may come before the jar is looked into, and on the cookies that may then be in it. So a
-/// server that renews the same few cookies does not lose them, and the jar is rarely looked into.
+/// Limits on the lines that may come before the jar is looked into, and on the cookies that may then be in
+/// it. So a server that renews the same few cookies does not lose them, and the jar is rarely looked into.
 constexpr std::size_t maximumLines = 150;
 constexpr std::size_t maximumSize = 128U << 10;  // In bytes.
 

@@ -6,8 +6,8 @@
 
 namespace orvane {
 
-/// A session's cookies, in memory. Emptied after a transfer if it holds more than 300 cookies, or more than 256 KiB
-/// of them. Not thread-safe.
+/// A session's cookies, in memory. Emptied after a transfer if it holds more than 300 cookies, or more than
+/// 256 KiB of them. Not thread-safe.
 class CookieJar {
  public:
   /// Throws std::bad_alloc.

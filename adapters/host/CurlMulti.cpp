@@ -97,8 +97,8 @@ bool CurlMulti::wait(Clock::time_point end) {
   long curls = -1;
   curl_multi_timeout(multi_.get(), &curls);
   const auto limit = curls < 0 ? own : std::min<milliseconds::rep>(own, curls);
-  // Nothing can wake this thread if there is no descriptor for the pipe, or poll() fails. Then it looks now and
-  // then.
+  // Nothing can wake this thread if there is no descriptor for the pipe, or poll() fails. Then it looks now
+  // and then.
   constexpr milliseconds::rep aWhile = 20;
   const milliseconds::rep longest = wakeReader_ < 0 ? aWhile : INT_MAX;
   const auto timeout = std::clamp<milliseconds::rep>(limit, 0, longest);

@@ -13,13 +13,15 @@ namespace orvane {
 
 using Clock = std::chrono::steady_clock;
 
-/// curl's multi interface, which waits for its sockets here. curl names the sockets and is told what happened to
-/// them. So the system is asked once about all of them, where curl_multi_perform asks again for each transfer.
+/// curl's multi interface, which waits for its sockets here. curl names the sockets and is told what happened
+/// to them. So the system is asked once about all of them, where curl_multi_perform asks again for each
+/// transfer.
 ///
 /// Not thread-safe, except wake().
 class CurlMulti {
  public:
-  /// Opens and keeps alive at most `maximumConnections`. Takes nothing from the system before the first add().
+  /// Opens and keeps alive at most `maximumConnections`. Takes nothing from the system before the first
+  /// add().
   explicit CurlMulti(std::size_t maximumConnections) : maximumConnections_(maximumConnections) {}
   CurlMulti(const CurlMulti&) = delete;
   CurlMulti& operator=(const CurlMulti&) = delete;

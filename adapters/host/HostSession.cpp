@@ -24,8 +24,8 @@ HostSessionConfiguration withinBounds(HostSessionConfiguration configuration) {
   return configuration;
 }
 
-/// Once for the process. The gates are armed after curl's libraries have registered their clean-up, and so close
-/// before it.
+/// Once for the process. The gates are armed after curl's libraries have registered their clean-up, and so
+/// close before it.
 void prepareProcess() {
   static const CURLcode result = [] {
     const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);

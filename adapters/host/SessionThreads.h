@@ -12,8 +12,9 @@
 
 namespace orvane {
 
-/// A session's two threads, and their two duties: to carry out the transfers, and to call the handlers, one after
-/// another in the order they come. One thread at a time has a duty; either thread takes the one that is free.
+/// A session's two threads, and their two duties: to carry out the transfers, and to call the handlers, one
+/// after another in the order they come. One thread at a time has a duty; either thread takes the one that is
+/// free.
 ///
 /// | A thread          | while             | holds `mutex_`          | is woken by               |
 /// |-------------------|-------------------|-------------------------|---------------------------|
@@ -22,13 +23,13 @@ namespace orvane {
 /// | handles           | `isHandling_`     | not inside a handler    |                           |
 /// | waits for a duty  |                   | no                      | `changed_`                |
 ///
-/// So a thread that has carried out the last transfer calls its handler itself, which saves waking the other. If
-/// the handler takes its time, the other thread carries out a task that comes meanwhile. Where transfers go on,
-/// the other thread calls the handlers.
+/// So a thread that has carried out the last transfer calls its handler itself, which saves waking the other.
+/// If the handler takes its time, the other thread carries out a task that comes meanwhile. Where transfers
+/// go on, the other thread calls the handlers.
 ///
-/// Both threads start with the first task, keep this object alive, and end once it is closed and nothing is left
-/// to do. Where the system gives only one, that one has both duties, and calls handlers between its looks at the
-/// transfers.
+/// Both threads start with the first task, keep this object alive, and end once it is closed and nothing is
+/// left to do. Where the system gives only one, that one has both duties, and calls handlers between its
+/// looks at the transfers.
 class SessionThreads : public std::enable_shared_from_this<SessionThreads> {
  public:
   explicit SessionThreads(HostSessionConfiguration configuration);

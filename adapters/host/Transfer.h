@@ -33,8 +33,8 @@ struct TransferContext {
   Clock::time_point now = {};  ///< By which activity is dated.
 };
 
-/// One HTTP exchange on an easy handle of curl's. The handle and its buffers serve one task after another. Not
-/// thread-safe.
+/// One HTTP exchange on an easy handle of curl's. The handle and its buffers serve one task after another.
+/// Not thread-safe.
 class Transfer {
  public:
   /// `context` outlives the transfer.
@@ -45,11 +45,12 @@ class Transfer {
   CURL* handle() const noexcept { return handle_.get(); }
   DataTask takeTask() noexcept { return std::move(task_); }
 
-  /// Prepares the handle for `task`. Returns the first failure to set an option, here or in the constructor; after
-  /// one the transfer cannot be used again.
+  /// Prepares the handle for `task`. Returns the first failure to set an option, here or in the constructor;
+  /// after one the transfer cannot be used again.
   CURLcode prepare(DataTask&& task);
 
-  /// Returns when the transfer times out, unless a byte of a body or a whole header line is transferred before.
+  /// Returns when the transfer times out, unless a byte of a body or a whole header line is transferred
+  /// before.
   Clock::time_point end() const noexcept;
 
   /// Returns the outcome of the exchange that curl ended with `result`. Moves the body out.

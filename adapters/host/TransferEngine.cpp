@@ -89,7 +89,8 @@ void TransferEngine::accept(DataTask&& task) {
     const auto place = destinations_.try_emplace(destinationKey(parts)).first;
     auto& waiting = place->second.waiting;
     nextDeadline_ = std::min(nextDeadline_, task.deadline);
-    // The end is right, except for a task that was redirected, which is older than those that have come since.
+    // The end is right, except for a task that was redirected, which is older than those that have come
+    // since.
     waiting.insert(waiting.end(), std::move(task));
     ++waiting_;
     queueUp(place);

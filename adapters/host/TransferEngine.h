@@ -27,8 +27,8 @@ struct HandlerCall {
 /// Carries out a session's tasks. Not thread-safe, except wake().
 ///
 /// Gives curl only the transfers that have a connection to use, since curl slows down with the number of its
-/// transfers, and each takes much memory. The other tasks wait here as plain records. Destinations take turns at
-/// the connections.
+/// transfers, and each takes much memory. The other tasks wait here as plain records. Destinations take turns
+/// at the connections.
 class TransferEngine {
  public:
   explicit TransferEngine(HostSessionConfiguration configuration);
@@ -37,8 +37,8 @@ class TransferEngine {
 
   void accept(DataTask&& task);
 
-  /// Does what can be done now, and appends the calls of finished tasks to `due`. Returns true if there is more to
-  /// do at once.
+  /// Does what can be done now, and appends the calls of finished tasks to `due`. Returns true if there is
+  /// more to do at once.
   bool advance(std::vector<HandlerCall>& due);
 
   /// Returns true if a socket is ready.
@@ -50,8 +50,8 @@ class TransferEngine {
 
   bool isIdle() const noexcept { return running_.empty() && waiting_ == 0; }
 
-  /// Releases all that is curl's, when there are no tasks any more. Separate from the destructor, which may run on
-  /// a thread that must not block.
+  /// Releases all that is curl's, when there are no tasks any more. Separate from the destructor, which may
+  /// run on a thread that must not block.
   void close();
 
  private:
