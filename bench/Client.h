@@ -17,7 +17,7 @@ class Client {
   Client& operator=(const Client&) = delete;
   virtual ~Client();
 
-  /// Answers the reply's body, valid until the next call. Stops the process where there is none.
+  /// Returns the reply's body, valid until the next call. Throws std::runtime_error if there is no reply.
   virtual const std::string& post(std::string_view path, const std::string& body) = 0;
 };
 

@@ -14,8 +14,8 @@
 namespace orvane::bench {
 namespace {
 
-/// The integers of `elements` as bytes; nothing where one is none. `asInteger` answers an element's integer,
-/// negative where it is no integer.
+/// Returns the integers of `elements` as bytes, or nothing if one is not a byte. `asInteger` returns an
+/// element's integer, or a negative number if it is not an integer.
 template <class Elements>
 std::optional<Bytes> bytesOf(const Elements& elements, std::size_t size, auto asInteger) {
   Bytes bytes;

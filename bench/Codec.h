@@ -13,8 +13,8 @@ namespace orvane::bench {
 /// The members of a call's body, all texts.
 using Fields = std::vector<std::pair<std::string, std::string>>;
 
-/// One JSON library at the service's bodies and replies, used as well as its documentation teaches. Whatever
-/// it keeps between uses it keeps for itself; one thread at a time.
+/// One JSON library with the service's bodies and replies, used as its documentation advises. Not
+/// thread-safe, since it keeps its buffers between uses.
 struct Codec {
   std::string name;
   std::function<std::string(const Fields& fields)> body;  ///< Empty where the library only reads.

@@ -18,8 +18,8 @@ class CurlPosts {
  public:
   CurlPosts(std::uint16_t port, std::size_t connections);
 
-  /// Posts `count` times; `body` makes the next body, `replied` is called with the reply. Stops the process
-  /// where there is none.
+  /// Posts `count` times; `body` makes the next body, `replied` is called with the reply. Throws
+  /// std::runtime_error if there is none.
   void post(std::size_t count, std::string_view path, const std::function<std::string()>& body,
             const std::function<void(const std::string& reply)>& replied);
 

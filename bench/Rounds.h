@@ -12,7 +12,7 @@ namespace orvane::bench {
 /// One of several ways to do the same.
 struct Contestant {
   std::string name;
-  std::function<double()> round;  ///< Does it once or many times; answers what one took, or what it measured.
+  std::function<double()> round;  ///< Does it once or many times. Returns one figure.
 };
 
 /// What a contestant measured, one figure for each round.

@@ -21,7 +21,7 @@ inline constexpr std::size_t pictureCount = 64;
 /// The picture of that number: bytes as evenly spread as those of a compressed picture.
 Bytes makePicture(std::size_t size, std::size_t number);
 
-/// Whether it is one of the pictures up to `pictureCount`.
+/// Returns true if it is one of the pictures up to `pictureCount`.
 bool isPicture(const Bytes& picture);
 
 /// The service's reply to an accepted picture call.

@@ -33,8 +33,8 @@ HostSessionConfiguration rerouted(std::uint16_t port) {
   return configuration;
 }
 
-/// An ordinary machine's session that stops the main queue when the device's facts have arrived, of which
-/// nobody else is told.
+/// An ordinary machine's session. It stops the main queue when the report about the device has arrived, since
+/// that report has no callback.
 class WatchedSession final : public URLSession {
  public:
   explicit WatchedSession(std::uint16_t port) : session_(rerouted(port)) {}

@@ -9,11 +9,11 @@
 
 namespace orvane::bench {
 
-/// Installs a platform whose session talks to that port on loopback. Before the library's first use.
+/// Installs a platform whose session talks to that port on loopback. Call it before the library is used.
 void installBenchPlatform(std::uint16_t port);
 
 /// A whole sign-in through the public interface, with callbacks on the main queue: picture, code, login, and
-/// the device's facts, until those have arrived. Answers the picture.
+/// the device's facts, until those have arrived. Returns the picture.
 Bytes signIn();
 
 /// The same by hand, one call after another.

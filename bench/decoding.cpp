@@ -42,7 +42,7 @@ Contestant contestant(const std::string& name, Call call) {
 /// Results go here, so that no call can be left out as useless.
 volatile std::size_t sink = 0;
 
-/// Adds a reply with the room behind it that simdjson wants to see, else it makes a copy.
+/// Adds a reply with the room after it that simdjson needs. Without it simdjson makes a copy.
 void add(std::string reply, std::vector<std::string>& replies) {
   replies.push_back(std::move(reply));
   replies.back().reserve(replies.back().size() + 256);

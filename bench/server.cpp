@@ -104,7 +104,7 @@ void Server::accept() {
   watch(socket, EPOLLIN, EPOLL_CTL_ADD);
 }
 
-/// Whether the connection lives on.
+/// Returns true if the connection stays open.
 bool Server::serve(int socket, Connection& connection) {
   if (!connection.toSend.empty()) return flush(socket, connection);
   const ssize_t count = recv(socket, chunk_.data(), chunk_.size(), 0);
@@ -123,7 +123,7 @@ bool Server::flush(int socket, Connection& connection) const {
   return count > 0;
 }
 
-/// Takes a request off `received` and answers the reply to it; nothing while it is not there whole. A client
+/// Takes a request off `received` and returns the reply, or nothing while the request is incomplete. A client
 /// sends no request before it has the reply to the last.
 std::string_view Server::takeRequest(std::string& received) {
   constexpr std::string_view lengthField = "\r\nContent-Length: ";

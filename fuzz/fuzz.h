@@ -6,20 +6,20 @@
 #include <string>
 #include <string_view>
 
-/// What makes a fuzzer: called with one input after another.
+/// Called with one input after another.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace orvane {
 
-/// Ends the fuzzer, which then keeps the input, where it does not hold what has to hold.
+/// Ends the fuzzer, which then keeps the input, if `holds` is false.
 void require(bool holds, const char* what);
 
-/// Thrown in the fuzzers where the library would stop the process.
+/// Thrown in the fuzzers instead of stopping the process.
 struct Stop {
   std::string what;
 };
 
-/// What a well-kept library makes of a JSON text under the rules that ours adds; discarded where it refuses.
+/// Returns the value that nlohmann::json reads under the rules that ours adds, or a discarded one.
 nlohmann::json readByOther(std::string_view text);
 
 }  // namespace orvane

@@ -1,5 +1,5 @@
-// An answered call has the one outcome that is in its reply, or stops with a line that holds nothing of the
-// reply. The input's first byte chooses the call, the rest is the reply's body.
+// A call that gets a reply has one outcome, the one in the reply, or stops. The line of a stop contains
+// nothing of the reply. The input's first byte chooses the call, the rest is the reply's body.
 
 #include <array>
 #include <nlohmann/json.hpp>
@@ -60,7 +60,7 @@ void judge(Call call, const std::string& body) {
   const auto check = [&](const ErrorPtr& error) {
     ++outcomes;
     const bool isUndecoded = error && error->domain == "com.brovent.error";
-    if (reply.is_discarded()) return require(isUndecoded, "what is no JSON is the transport's error");
+    if (reply.is_discarded()) return require(isUndecoded, "a text that is not JSON is the transport's error");
     const nlohmann::json& number = reply.at("code");
     const std::int64_t code = number.is_number_integer() ? number.get<std::int64_t>()
                                                          : Value(number.get<double>()).asInteger().value();

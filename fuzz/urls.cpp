@@ -1,5 +1,6 @@
-// curl connects only to where the library believes a URL to lead, and no redirect takes credentials
-// elsewhere. The input is two URLs, each on a line.
+// curl connects only to where the library believes a URL to lead. No redirect takes credentials to another
+// origin.
+// The input is two URLs, each on a line.
 
 #include <algorithm>
 #include <curl/curl.h>
@@ -36,7 +37,7 @@ std::string byCurl(const std::string& url) {
   return destination;
 }
 
-/// Whether the session carries out requests to that URL, which a server may have chosen.
+/// Returns true if the session carries out requests to that URL, which a server may have chosen.
 bool isTried(const URLParts& parts) {
   return isSupportedScheme(parts.scheme) && !parts.host.empty();
 }

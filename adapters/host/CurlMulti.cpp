@@ -13,7 +13,7 @@
 namespace orvane {
 namespace {
 
-/// What happened to a socket, as curl itself would see it.
+/// Returns what happened to a socket, as curl itself would see it.
 int curlEvents(const pollfd& socket) {
   constexpr short broken = POLLERR | POLLHUP | POLLNVAL;
   const auto had = [&](short event) { return (socket.revents & event) != 0; };
@@ -69,7 +69,7 @@ void CurlMulti::openWakePipe() noexcept {
   wakeWriter_ = ends[1];
 }
 
-/// Called from curl's own frames, which no exception may pass.
+/// Throws nothing, since curl calls it.
 int CurlMulti::watch(curl_socket_t socket, int what) try {
   const auto place = std::find_if(watched_.begin() + 1, watched_.end(),
                                   [socket](const pollfd& watched) { return watched.fd == socket; });

@@ -7,7 +7,7 @@
 namespace orvane {
 namespace {
 
-/// The gate whose pass the calling thread holds. None is passed inside another.
+/// The gate whose pass the calling thread holds.
 thread_local const ExitGate* passedHere = nullptr;
 
 }  // namespace
@@ -57,7 +57,7 @@ void closeGatesAtExit() {
     handlerGate().keepOnlyThisThread();
   });
   std::atexit([] {
-    // A handler may wait for the very thread that ends the process. No thread stays in curl for long.
+    // A handler may wait for the very thread that ends the process, so its limit is short. curl returns soon.
     handlerGate().close(std::chrono::milliseconds(500));
     curlGate().close(std::chrono::seconds(3));
   });

@@ -5,8 +5,9 @@
 
 namespace orvane {
 
-/// Keeps background threads out of what goes away while the process ends. They pass it on their way in; once
-/// it is closed they sleep before it until the process is gone.
+/// Keeps background threads out of code that uses what is destroyed while the process ends. A thread holds a
+/// Pass while it is inside. Once the gate is closed, a thread that wants in sleeps until the process is gone.
+/// Gates do not nest.
 class ExitGate {
  public:
   class Pass {
@@ -24,10 +25,10 @@ class ExitGate {
   ExitGate(const ExitGate&) = delete;
   ExitGate& operator=(const ExitGate&) = delete;
 
-  /// Returns when no other thread is inside, or after `limit`.
+  /// Closes the gate. Returns when no other thread is inside, or after `limit`.
   void close(std::chrono::milliseconds limit);
 
-  /// Forgets those inside who are not in a child made by fork().
+  /// Forgets the threads that a child made by fork() does not have.
   void keepOnlyThisThread();
 
  private:
@@ -39,14 +40,14 @@ class ExitGate {
   std::atomic<bool> closed_ = false;
 };
 
-/// A thread passes it before it enters curl, which uses libraries that clean up when the process ends.
+/// The gate before curl, whose libraries clean up when the process ends.
 ExitGate& curlGate();
 
-/// A thread passes it before it calls a handler, which may use the application's statics.
+/// The gate before handlers, which may use the application's statics.
 ExitGate& handlerGate();
 
-/// Closes both when the process ends: before the statics go that are there already, and before the clean-up
-/// of whatever has registered its own by now.
+/// Has both gates close when the process ends: before the statics are destroyed that exist now, and before
+/// the clean-up that libraries have registered by now.
 void closeGatesAtExit();
 
 }  // namespace orvane

@@ -6,7 +6,7 @@
 namespace orvane {
 namespace {
 
-/// Zeros, and so empty texts, where the system call fails.
+/// Returns zeros, and so empty texts, if the system call fails.
 utsname systemNames() {
   utsname names{};
   uname(&names);

@@ -11,7 +11,7 @@
 namespace orvane {
 namespace {
 
-/// Concurrent: a thread for each task.
+/// Runs each task on a thread of its own.
 class GlobalQueue final : public DispatchQueue {
  public:
   void async(Task task) override {

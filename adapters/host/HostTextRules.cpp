@@ -35,7 +35,7 @@ bool hasWholeEscapes(std::string_view text) {
   return true;
 }
 
-/// Brackets stand in a host alone, around the whole of it.
+/// Allows brackets only around the whole host.
 bool isHost(std::string_view host) {
   if (host.starts_with('[')) return host.ends_with(']') && host.find_first_of("[]", 1) == host.size() - 1;
   return host.find_first_of("[]") == host.npos;

@@ -13,11 +13,11 @@ inline constexpr int maximumRedirects = 20;
 /// Returns true if a session carries out requests to URLs of this scheme.
 bool isSupportedScheme(std::string_view scheme) noexcept;
 
-/// Returns true if a reply with that status asks for another request, provided that it says where.
+/// Returns true if a reply with that status redirects, provided that it has a location.
 bool isRedirect(int statusCode) noexcept;
 
-/// The request that a redirect asks for, `location` being the absolute URL it names; or why it is not
-/// followed.
+/// Returns the request to make next, or the reason not to follow the redirect. `location` is the absolute URL
+/// in the reply to `request`.
 std::variant<URLRequest, SessionErrorCode> redirect(const URLRequest& request, int statusCode,
                                                     std::string_view location);
 

@@ -36,8 +36,7 @@ constexpr Sentence sentences[] = {
     {SessionErrorCode::clientCertificateRequired, "The server requires a client certificate."},
 };
 
-/// `verification` is by OpenSSL's numbers; with other TLS libraries every refusal is of an untrusted
-/// certificate.
+/// Takes OpenSSL's numbers. With another TLS library each refusal says that the certificate is not trusted.
 SessionErrorCode certificateError(long verification) noexcept {
   switch (verification) {
     case 9:  // X509_V_ERR_CERT_NOT_YET_VALID
@@ -73,12 +72,12 @@ SessionErrorCode sessionErrorCode(CURLcode result, long verification) noexcept {
     case CURLE_PARTIAL_FILE:
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
-    case CURLE_ABORTED_BY_CALLBACK:  // Keeps a lost request from being sent twice.
+    case CURLE_ABORTED_BY_CALLBACK:  // The transfer refused to send a lost request again.
       return SessionErrorCode::connectionLost;
     case CURLE_BAD_CONTENT_ENCODING:
-    case CURLE_WRITE_ERROR:  // Bytes after a compressed stream. What a transfer refuses has its code.
+    case CURLE_WRITE_ERROR:  // Bytes after a compressed stream.
       return SessionErrorCode::undecodableContent;
-    case CURLE_UNSUPPORTED_PROTOCOL:  // HTTP/0.9: other schemes do not get this far.
+    case CURLE_UNSUPPORTED_PROTOCOL:  // HTTP/0.9. Other schemes do not get this far.
     case CURLE_WEIRD_SERVER_REPLY:
     case CURLE_HTTP2:
     case CURLE_HTTP2_STREAM:

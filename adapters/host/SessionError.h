@@ -28,7 +28,7 @@ enum class SessionErrorCode {
   clientCertificateRequired = -1206,
 };
 
-/// Returns the code for what curl says. `verification` is its CURLINFO_SSL_VERIFYRESULT.
+/// Returns the code for a result of curl's. `verification` is its CURLINFO_SSL_VERIFYRESULT.
 SessionErrorCode sessionErrorCode(CURLcode result, long verification = 0) noexcept;
 
 /// Returns the error of that code, with its sentence for people under "NSLocalizedDescription", the URL under

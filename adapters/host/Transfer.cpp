@@ -20,13 +20,13 @@ namespace {
 
 constexpr const char* userAgent = "Orvane/" ORVANE_VERSION;
 
-/// Limits on all header lines of an exchange: interim replies, the reply, trailers. Below those of every
-/// curl, which keeps each line and counts with some versions.
+/// Limits on all header lines of an exchange: interim replies, the reply, trailers. Below the limits that
+/// some versions of curl have.
 constexpr std::size_t maximumHeaderSize = 256U << 10;  // In bytes.
 constexpr std::size_t maximumHeaderLines = 4000;
 
-/// Sends bytes beyond ASCII percent-encoded, but in the host, whose name curl encodes as the name system
-/// wants it.
+/// Returns the URL with bytes beyond ASCII percent-encoded, except in the host, which curl encodes for the
+/// name system.
 std::string wireURL(const std::string& url) {
   const auto isPlain = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
   if (std::all_of(url.begin(), url.end(), isPlain)) return url;
@@ -42,7 +42,7 @@ std::string wireURL(const std::string& url) {
   return encoded;
 }
 
-/// The field as curl wants it: an empty value after a semicolon, since a colon alone would remove the field.
+/// Returns the line for curl. An empty value has a semicolon, since a colon alone would remove the field.
 std::string headerLine(const HeaderField& field) {
   const bool isBlank = field.value.find_first_not_of(" \t\v\f") == field.value.npos;
   return isBlank ? field.name + ";" : field.name + ": " + field.value;
@@ -84,7 +84,7 @@ Transfer::Transfer(TransferContext& context) : context_(context), handle_(curl_e
     set(CURLOPT_CAINFO, configuration.certificateAuthorities.c_str());
     set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
   }
-  // Time-outs are the engine's, across redirects. By this one curl divides the time among a host's addresses.
+  // The engine sees to time-outs, across redirects. curl divides this one among the addresses of a host.
   set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(std::min<std::chrono::milliseconds::rep>(
                                      configuration.idleTimeout.count(), std::numeric_limits<int>::max())));
   set(CURLOPT_OPENSOCKETFUNCTION, &openSocket);
@@ -109,8 +109,8 @@ Transfer::Transfer(TransferContext& context) : context_(context), handle_(curl_e
       +[](void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) {
         return static_cast<Self*>(self)->noteProgress(received, sent) ? 0 : 1;
       });
-  // Called before each sending: curl sends again by itself what a kept-alive connection lost. What is no mere
-  // question must not be asked twice.
+  // Called each time before curl sends the request. curl sends it again if a kept-alive connection was lost.
+  // Only a request that changes nothing may be sent twice.
   set(CURLOPT_PREREQDATA, this);
   set(
       CURLOPT_PREREQFUNCTION, +[](void* self, char*, char*, int, int) {
@@ -135,7 +135,7 @@ void Transfer::setMethodAndBody() {
   const std::string& method = task_.request.method();
   const std::optional<Bytes>& body = task_.request.body();
   const bool isHead = method == "HEAD";
-  // A body announced larger than allowed need not come. Behind HEAD none does.
+  // A body that is announced larger than allowed is refused at once. After HEAD none comes.
   constexpr std::uint64_t unlimited = 0;
   constexpr std::uint64_t greatest = std::numeric_limits<curl_off_t>::max();
   const auto limit =
@@ -158,14 +158,14 @@ void Transfer::setMethodAndBody() {
 void Transfer::setHeaders() {
   const URLRequest& request = task_.request;
   const bool hasBody = request.body() && !request.body()->empty();
-  // Often those of the task before.
+  // The task before often had the same.
   if (headers_.get() && hasBody == bodyInHeaders_ && request.headers() == fieldsInHeaders_) return;
   fieldsInHeaders_ = std::vector(request.headers());
   bodyInHeaders_ = hasBody;
   headers_.clear();
   headers_.append("Expect:");  // No pause before a large body.
   if (!hasBody && !request.value("Content-Type")) headers_.append("Content-Type:");
-  const char* cookie = nullptr;  // Apart: curl puts it into one line with those of the jar.
+  const char* cookie = nullptr;  // Separate, so that curl puts it into one line with the jar's.
   for (const HeaderField& field : fieldsInHeaders_) {
     if (equalIgnoringCase(field.name, "Cookie")) {
       cookie = field.value.c_str();
@@ -177,7 +177,7 @@ void Transfer::setHeaders() {
   set(CURLOPT_HTTPHEADER, headers_.get());
 }
 
-/// Called from curl's own frames, which no exception may pass.
+/// Throws nothing, since curl calls it.
 std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {
   exchange_.lastActivity = context_.now;
   if (size > context_.configuration.maximumBodySize - exchange_.body.size()) {
@@ -185,7 +185,7 @@ std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {
     return CURL_WRITEFUNC_ERROR;
   }
   if (exchange_.body.empty()) {
-    // A hint, and only so far to be trusted.
+    // The server's announcement is only a hint.
     constexpr curl_off_t greatestReservation = 1 << 20;
     curl_off_t announced = 0;
     curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
@@ -212,7 +212,7 @@ std::size_t Transfer::takeHeaderLine(std::string_view line) noexcept {
   return exchange_.isTooLarge ? 0 : line.size();
 }
 
-/// Returns false if the body is too large as it came, compressed: curl counts it so only since 8.4.
+/// Returns false if the body is too large before decompression. curl itself checks that only since 8.4.
 bool Transfer::noteProgress(curl_off_t received, curl_off_t sent) noexcept {
   if (received + sent != exchange_.bytes) exchange_.lastActivity = context_.now;
   exchange_.bytes = received + sent;
@@ -228,7 +228,7 @@ Clock::time_point Transfer::end() const noexcept {
 DataTaskResult Transfer::finish(CURLcode result) {
   Bytes body =
       std::exchange(exchange_.body, {});  // Also on failure: an idle transfer keeps no memory for it.
-  // curl takes a header that is cut within a line for a reply without a body.
+  // curl takes a header that is cut short for a reply without a body.
   if (result == CURLE_OK && !exchange_.isHeaderWhole) result = CURLE_PARTIAL_FILE;
   if (result == CURLE_OK) return {std::move(body), HTTPResponse{statusCode()}, nullptr};
   long verification = 0;

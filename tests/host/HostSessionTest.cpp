@@ -171,7 +171,7 @@ TEST(HostSession, HandsOverWholeBodiesUpToTheirLimit) {
   EXPECT_EQ(perform(session, head), "");
 }
 
-TEST(HostSession, KeepsNoBodyThatWasNotWhole) {
+TEST(HostSession, KeepsNoPartOfABody) {
   const auto allocated = [] {
     const struct mallinfo2 memory = mallinfo2();  // Zeros, and so nothing to see, under a sanitizer.
     return memory.uordblks + memory.hblkhd;
@@ -237,7 +237,7 @@ TEST(HostSession, GivesUpFirstWhatCameFirst) {
                        .connectionsPerHost = 1,
                        .reroutes = {{"from.example", 80, "127.0.0.1", server.port()},
                                     {"to.example", 80, "127.0.0.1", server.port()}}});
-  // The first has the connection; the third and the fourth come behind the second by a redirect.
+  // The first has the connection; a redirect brings the third and the fourth after the second.
   std::string order;
   std::promise<void> all;
   for (const auto& [name, host] : {std::pair('1', "to"), {'2', "to"}, {'3', "from"}, {'4', "from"}}) {
@@ -269,7 +269,7 @@ TEST(HostSession, IsPatientWhileBytesCome) {
   EXPECT_EQ(outcome.get().text(), "xxxxxx");
 }
 
-TEST(HostSession, LeavesNoThreadBehind) {
+TEST(HostSession, EndsItsThreads) {
   const auto threads = [] {
     const std::filesystem::directory_iterator tasks("/proc/self/task");
     return std::distance(begin(tasks), end(tasks));
@@ -405,7 +405,7 @@ TEST(HostSession, UsesSixConnectionsAtATimeAndKeepsThem) {
   LoopbackServer* self = nullptr;
   int waiting = 0;
   LoopbackServer server([&](const Request&) {
-    // Answers only once six have come: fewer connections would never get an answer.
+    // Replies only once six requests have come. Fewer connections would never get a reply.
     if (++waiting % 6 == 0) self->release(reply("ok"));
     return Answer{"", Then::hold};
   });

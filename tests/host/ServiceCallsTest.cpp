@@ -25,7 +25,7 @@ class ServiceCalls : public testing::Test {
  protected:
   static void SetUpTestSuite() { test::installAdapter(service().port()); }
 
-  /// Runs the main queue until the call is over. Whether `finished` came on it.
+  /// Runs the main queue until the call ends. Returns true if `finished` was called on it.
   static bool finish(const std::function<void(std::function<void()> over)>& call) {
     std::thread::id thread;
     call([&thread] {

@@ -1,4 +1,4 @@
-// What every URL session has to keep to; each is one row at the end.
+// The contract of every URL session. Each session is one row at the end.
 
 #include <atomic>
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ using test::makeSession;
 using test::start;
 using test::TaskOutcome;
 
-/// A session, and a way to let `count` replies come for the requests that were started.
+/// A session, and a way to have `count` replies come for the requests that were started.
 struct SessionUnderTest {
   virtual ~SessionUnderTest() = default;
   virtual void letCome(std::size_t count) = 0;

@@ -69,16 +69,16 @@ constexpr Kind kinds[] = {
     {Kind::loginRefused, "login refused", "Busy (1)", 200},
     {Kind::chunks, "reply in chunks", "done", 300},
     {Kind::redirect, "redirected", "done", 200},
-    {Kind::notJSON, "reply that is no JSON", "com.brovent.error (-1)", 200},
+    {Kind::notJSON, "reply that is not JSON", "com.brovent.error (-1)", 200},
     {Kind::reset, "reset before the reply", "NSURLErrorDomain (-1005)", 100},
     {Kind::resetWithin, "reset within the reply", "NSURLErrorDomain (-1005)", 100},
     {Kind::closedWithin, "closed within the reply", "NSURLErrorDomain (-1005)", 50},
-    {Kind::notHTTP, "reply that is no HTTP", "NSURLErrorDomain (-1017)", 50},
+    {Kind::notHTTP, "reply that is not HTTP", "NSURLErrorDomain (-1017)", 50},
     {Kind::notCompressed, "compression that is none", "NSURLErrorDomain (-1015)", 100},
     {Kind::tooLarge, "reply too large", "NSURLErrorDomain (-1103)", 20},
     {Kind::redirects, "redirected without end", "NSURLErrorDomain (-1007)", 20},
     {Kind::idle, "no reply", "NSURLErrorDomain (-1001)", 10},
-    {Kind::noConnection, "nobody listens", "NSURLErrorDomain (-1004)", 20},
+    {Kind::noConnection, "no server listens", "NSURLErrorDomain (-1004)", 20},
     {Kind::noScheme, "no such scheme", "NSURLErrorDomain (-1002)", 50},
     {Kind::noRequest, "no request can be built", "com.brovent.error (-1)", 50},
     {Kind::sessionGone, "session destroyed at once", "done", 20},
@@ -134,7 +134,7 @@ Answer answer(const Request& request) {
   }
 }
 
-/// The service in a process of its own, which ends with this one. Its port.
+/// Starts the service in a child process, which ends with this one. Returns its port.
 std::uint16_t startService() {
   int lifeline[2];
   int port[2];
@@ -331,7 +331,7 @@ int main(int count, char** arguments) {
   const Footprint after = footprint();
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
 
-  std::printf("| what is to come of it | calls | outcome of each |\n|---|---|---|\n");
+  std::printf("| kind of call | calls | outcome of each |\n|---|---|---|\n");
   int ended = 0;
   for (const Kind& kind : kinds) {
     ended += soak.ended(kind);

@@ -1,4 +1,4 @@
-// What becomes of calls, signals and descriptors when the process, or a child of it, is not there for long.
+// Calls, signals and descriptors at the end of the process, and in its children.
 
 #include <algorithm>
 #include <chrono>
@@ -89,7 +89,7 @@ TEST(ChildProcess, InheritsNoDescriptor) {
   session.startDataTask(URLRequest(server.url("/hold")), nullptr);
   session.startDataTask(URLRequest("https" + server.url("/").substr(4)), nullptr);
   for (int i = 0; i < 20; ++i) EXPECT_EQ(perform(session, URLRequest(server.url())), "");
-  // Before 8.8 curl has two for a wake-up of its own, which it does not close in children.
+  // curl before 8.8 has two, by which its own threads wake it, and does not close them in children.
   int inherited = curl_version_info(CURLVERSION_NOW)->version_num < 0x080800 ? 2 : 0;
   int own = 0;
   for (const int descriptor : descriptors()) {
@@ -123,7 +123,7 @@ TEST(ChildProcess, InheritsTheSignalMaskOfTheApplication) {
     EXPECT_EQ(sigismember(&inHandler, signal) == 1, signal == SIGUSR1 || signal == SIGPIPE) << signal;
 }
 
-TEST(BrokenPipe, ReachesNobody) {
+TEST(BrokenPipe, RaisesNoSignal) {
   std::signal(SIGPIPE, SIG_DFL);
   HostSession session;
   // Its threads are there before the signal is blocked.

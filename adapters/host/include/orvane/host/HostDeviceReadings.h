@@ -5,19 +5,24 @@
 
 namespace orvane {
 
-/// What an ordinary machine does not know about itself, and the application may.
+/// What an ordinary machine cannot tell about itself, and the application may know. Set a member if a call or
+/// the device tool shall report it. Every value is passed on as it is; none is clamped.
 struct HostDeviceFacts {
-  std::optional<std::string> identifierForVendor = {};  ///< Of the device, in the application vendor's scope.
-  std::optional<std::string> carrierName = {};          ///< Of the mobile carrier.
-  ScreenBounds screenBounds = {};                       ///< Of the main screen.
-  double screenScale = 1;                               ///< Pixels a point.
+  /// The identifier of the device in the scope of the application's vendor. Default: none.
+  std::optional<std::string> identifierForVendor = {};
+  /// The name of the mobile carrier. Default: none.
+  std::optional<std::string> carrierName = {};
+  /// The size of the main screen in points. Default: 0 by 0.
+  ScreenBounds screenBounds = {};
+  /// The pixels per point of the main screen. Default: 1.
+  double screenScale = 1;
 };
 
-/// The readings that `uname` gives: the machine, the kernel's release as system version, the system's name as
-/// model word. All else is as the application says.
+/// Reads from `uname`: the machine, the kernel's release as the system version, and the system's name as the
+/// model word. Returns the application's facts for all other readings.
 class ORVANE_API HostDeviceReadings final : public DeviceReadings {
  public:
-  /// Readings that answer with `facts` what `uname` does not tell.
+  /// Keeps `facts` for what `uname` does not tell.
   explicit HostDeviceReadings(HostDeviceFacts facts = {}) : facts_(std::move(facts)) {}
 
   std::string machine() const override;

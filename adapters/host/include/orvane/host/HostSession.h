@@ -14,10 +14,14 @@ namespace orvane {
 
 /// Sends requests for one address to another. The request itself stays the same, including its Host field.
 struct Reroute {
-  std::string host;           ///< The host name in the URL.
-  std::uint16_t port = 80;    ///< The port in the URL, or its scheme's.
-  std::string toHost;         ///< A name, an IPv4 address, or an IPv6 address without brackets.
-  std::uint16_t toPort = 80;  ///< The port there.
+  /// The host name in the URL. Upper and lower case are equal. Empty: any host.
+  std::string host;
+  /// The port in the URL, or the default port of its scheme. Default: 80. Set it to 443 for `https`.
+  std::uint16_t port = 80;
+  /// The host to connect to: a name, an IPv4 address, or an IPv6 address. Empty: the host in the URL.
+  std::string toHost;
+  /// The port to connect to. Default: 80.
+  std::uint16_t toPort = 80;
 };
 
 /// The settings of a session. A time-out is clamped to the range from 1 ms to 10 years, and a number of
@@ -53,38 +57,42 @@ struct HostSessionConfiguration {
 
 class SessionThreads;
 
-/// HTTP on ordinary machines, by libcurl. Carries out requests with the schemes http and https on two threads
-/// of its own, which start with the first task, and calls handlers on either, one at a time.
+/// HTTP on ordinary machines, by libcurl. Carries out requests with the schemes http and https. Two threads
+/// start with the first task. They transfer, and call the handlers one at a time, on either thread.
 ///
-/// Cookies and kept-alive connections live as long as the session; nothing is stored. After a transfer there
-/// are at most 300 cookies, 256 KiB together: beyond that all are dropped. A request's own Cookie field and
-/// they share one line.
+/// **Cookies** and kept-alive connections live as long as the session. Nothing is stored. All cookies are
+/// dropped when a transfer leaves more than 300 of them, or more than 256 KiB. The Cookie field of a request
+/// and the session's cookies are sent in one line. libcurl limits that line to 8 KiB: it leaves out the
+/// request's own field if the session's cookies for the host fill the line.
 ///
-/// A compressed body is handed over as far as its stream goes: a stream without its end is not noticed. Host
-/// names beyond ASCII need a UTF-8 locale. Where the system gives one thread alone, a slow handler delays
-/// transfers; where it gives none, starting a task throws std::system_error. Where it gives no descriptor,
+/// **Looking up names.** A task that looks up a host name already counts as a connection. If a name server is
+/// silent, many tasks for different hosts wait for each other. With the default `maximumConnections`, 1,000
+/// names took 110 seconds to fail, and 10 seconds without a limit.
+///
+/// **Limits.** A compressed body ends where its stream ends. A stream that is cut short is not an error. Host
+/// names beyond ASCII need a UTF-8 locale. If the system has only one thread to give, a slow handler delays
+/// transfers. If it has none, starting a task throws std::system_error. If it has no descriptor to give,
 /// tasks fail with -1004.
 ///
 /// **The end of the process** waits for threads inside libcurl, for at most three seconds, and up to half a
 /// second for a running handler. No handler begins after that. Statics made before the process's first
-/// session still exist until then, others may not. The shared library is never unloaded; do not unload a
-/// library that contains the static one once a session has had a task.
+/// session still exist until then; others may not. The shared library is never unloaded. A library that
+/// contains the static one must not be unloaded once a session has had a task.
 ///
-/// **Child processes.** A handler runs with the signal mask of the thread that started the session's threads,
-/// that of the first task, with SIGPIPE blocked in addition; a child that it starts inherits that mask. At
-/// all other times these threads take no signals. A started program inherits no descriptor, except that with
-/// libcurl before 8.8 it may inherit two for each session, and two for each host name being looked up, which
-/// carry no data. A child made by fork() must not use a session, and must end by _exit().
+/// **Child processes.** A handler runs with the signal mask of the thread that started the first task, with
+/// SIGPIPE blocked in addition. A child that the handler starts inherits that mask. At all other times the
+/// session's threads take no signals. A program that is started inherits no descriptor, with one exception:
+/// with libcurl before 8.8 it may inherit two for each session, and two for each host name that is being
+/// looked up. These carry no data. A child made by fork() must not use a session, and must end by _exit().
 ///
-/// A status is never an error. Errors have the domain "NSURLErrorDomain" and the codes known from there;
-/// their user information has a sentence for people under "NSLocalizedDescription", the same for each error
-/// of that code, the URL under "NSErrorFailingURLStringKey", and where libcurl said more, its words under
-/// "NSDebugDescription".
+/// **Errors.** A status is never an error. Errors have the domain "NSURLErrorDomain" and its codes. Their
+/// user information has one sentence for people for each code under "NSLocalizedDescription", the URL under
+/// "NSErrorFailingURLStringKey", and libcurl's own words, if it has any, under "NSDebugDescription".
 class ORVANE_API HostSession final : public URLSession {
  public:
-  /// A session that has not started anything yet.
+  /// Starts nothing yet.
   explicit HostSession(HostSessionConfiguration configuration = {});
-  /// Returns at once. Tasks under way go on and call their handlers.
+  /// Returns at once. Tasks that were started go on and call their handlers.
   ~HostSession() override;
 
   void startDataTask(URLRequest request, DataTaskHandler handler) override;
