@@ -22,7 +22,7 @@ TEST(WriteJSON, WritesRealsLikeTheStandardLibrary) {
   };
   std::mt19937_64 random(11);
   for (std::uint64_t round = 0; round < 40'000; ++round) {
-    // Any bits, the neighbourhood of powers of two, integers of any size, and few digits before or after the point.
+    // Random bits, numbers near powers of two, integers of any size, few digits before or after the point.
     const std::uint64_t bits = random();
     for (const double real :
          {std::bit_cast<double>(bits), std::bit_cast<double>((round << 52) + bits % 5 - 2),
