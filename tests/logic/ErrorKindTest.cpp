@@ -33,28 +33,26 @@ TEST(ErrorKind, IsWhatThePageSays) {
 }
 
 TEST(ErrorKind, OfARefusalIsNotToldByItsText) {
-  const std::tuple<Error, ErrorKind, std::string> cases[] = {
-      {{"NSURLErrorDomain", -1004, {}}, ErrorKind::refused, "NSURLErrorDomain"},
-      {{"com.brovent.error", -1, {}}, ErrorKind::refused, "com.brovent.error"},
-      {{"", 7, {}}, ErrorKind::refused, "The service refused the request."},
-      {{"NSURLErrorDomain", -1001, {}, std::make_shared<int>()},
-       ErrorKind::timedOut,
-       "The service took too long to answer."},
-      {{"NSURLErrorDomain", -1001, {{"NSLocalizedDescription", "Too late."}}},
-       ErrorKind::timedOut,
-       "Too late."},
-      {{"NSURLErrorDomain", -1001, {{"NSLocalizedDescription", 7}}},
-       ErrorKind::timedOut,
-       "The service took too long to answer."},
-      {{"Another", -1001, {{"a", "b"}}}, ErrorKind::other, "The request failed."},
-      {{"com.brovent.error", -1, {{"error", "反序列化失败"}}},
-       ErrorKind::notReadable,
-       "The service's reply could not be read."},
-      {{"com.brovent.error", -1, {{"error", "请求建立失败"}}},
-       ErrorKind::notSent,
-       "The request could not be sent."},
+  using enum ErrorKind;
+  struct Row {
+    Error error;
+    ErrorKind kind;
+    const char* sentence;
   };
-  for (const auto& [error, expected, sentence] : cases) {
+  const char* const domain = "com.brovent.error";
+  const char* const late = "The service took too long to answer.";
+  const Row rows[] = {
+      {{"NSURLErrorDomain", -1004, {}}, refused, "NSURLErrorDomain"},
+      {{domain, -1, {}}, refused, domain},
+      {{"", 7, {}}, refused, "The service refused the request."},
+      {{"NSURLErrorDomain", -1001, {}, std::make_shared<int>()}, timedOut, late},
+      {{"NSURLErrorDomain", -1001, {{"NSLocalizedDescription", "Too late."}}}, timedOut, "Too late."},
+      {{"NSURLErrorDomain", -1001, {{"NSLocalizedDescription", 7}}}, timedOut, late},
+      {{"Another", -1001, {{"a", "b"}}}, other, "The request failed."},
+      {{domain, -1, {{"error", "反序列化失败"}}}, notReadable, "The service's reply could not be read."},
+      {{domain, -1, {{"error", "请求建立失败"}}}, notSent, "The request could not be sent."},
+  };
+  for (const auto& [error, expected, sentence] : rows) {
     EXPECT_EQ(kind(error), expected) << description(error);
     EXPECT_EQ(message(error), sentence) << description(error);
   }

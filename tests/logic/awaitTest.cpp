@@ -2,16 +2,17 @@
 #include <stdexcept>
 
 #include "orvane/await.h"
+#include "orvane/client/ErrorKind.h"
+#include "orvane/network/NetworkTool.h"
 #include "tests/support/TestPlatform.h"
 
 namespace orvane::test {
 namespace {
 
-/// Passes `finished` to the test before requestCode returns.
-struct ActingManager : OrvaneManager {
-  explicit ActingManager(std::function<void(CodeFinished)> act) : act(std::move(act)) {}
-  void requestCode(std::string, std::string, CodeFinished finished) override { act(std::move(finished)); }
-  std::function<void(CodeFinished)> act;
+/// Keeps `finished` for the test.
+struct KeepingManager : OrvaneManager {
+  void requestCode(std::string, std::string, CodeFinished finished) override { kept = std::move(finished); }
+  CodeFinished kept;
 };
 
 /// A coroutine that its owner destroys.
@@ -86,10 +87,12 @@ TEST_F(AwaitTest, GoesOnOnTheMainQueueWithEachOutcome) {
 }
 
 TEST_F(AwaitTest, GoesOnLaterWhereTheCallFailsAtOnce) {
+  struct : OrvaneManager {
+    void requestCode(std::string, std::string, CodeFinished finished) override {
+      finished(std::make_shared<const Error>(Error{"at once", 1, {}}));
+    }
+  } failing;
   Record record;
-  ActingManager failing([](const auto& finished) {
-    finished(std::make_shared<const Error>(Error{"at once", 1, {}}));
-  });
   sendCode<Detached>(&failing, record, record.alive);
   EXPECT_EQ(record.said, "");
   fakeMainQueue().run();
@@ -99,14 +102,15 @@ TEST_F(AwaitTest, GoesOnLaterWhereTheCallFailsAtOnce) {
 
 TEST_F(AwaitTest, DestroysADetachedCoroutineWhoseCallIsDropped) {
   Record record;
-  OrvaneManager::CodeFinished kept;
-  ActingManager keeping([&](auto finished) { kept = std::move(finished); });
-  sendCode<Detached>(&keeping, record, record.alive);
+  KeepingManager manager;
+  sendCode<Detached>(&manager, record, record.alive);
   EXPECT_FALSE(record.hasEnded());
-  kept = nullptr;
+  manager.kept = nullptr;
   EXPECT_TRUE(record.hasEnded());
 
-  ActingManager dropping([](const auto&) {});  // While the coroutine is being suspended.
+  struct : OrvaneManager {  // Drops it while the coroutine is being suspended.
+    void requestCode(std::string, std::string, CodeFinished) override {}
+  } dropping;
   sendCode<Detached>(&dropping, record, record.alive);
   EXPECT_TRUE(record.hasEnded());
   EXPECT_EQ(record.said, "");
@@ -114,18 +118,17 @@ TEST_F(AwaitTest, DestroysADetachedCoroutineWhoseCallIsDropped) {
 
 TEST_F(AwaitTest, LeavesAForeignCoroutineToItsOwner) {
   Record record;
-  OrvaneManager::CodeFinished kept;
-  ActingManager keeping([&](auto finished) { kept = std::move(finished); });
+  KeepingManager manager;
   const auto finishAfter = [&](auto act) {
-    Owned coroutine = sendCode<Owned>(&keeping, record, record.alive);
+    Owned coroutine = sendCode<Owned>(&manager, record, record.alive);
     act(coroutine);
-    if (kept) kept(nullptr);
+    if (manager.kept) manager.kept(nullptr);
     fakeMainQueue().run();
     return std::exchange(record.said, "");
   };
   EXPECT_EQ(finishAfter([](Owned&) {}), "ok;");
   EXPECT_EQ(finishAfter([](Owned& coroutine) { coroutine.handle.reset(); }), "");
-  EXPECT_EQ(finishAfter([&](Owned&) { kept = nullptr; }), "");
+  EXPECT_EQ(finishAfter([&](Owned&) { manager.kept = nullptr; }), "");
   EXPECT_TRUE(record.hasEnded());
 }
 
@@ -141,6 +144,17 @@ TEST_F(AwaitDeathTest, AnExceptionOutOfADetachedCoroutineEndsTheProcess) {
     while (fakeMainQueue().run() > 0) continue;
   };
   EXPECT_DEATH(fail(), "out of the coroutine");
+}
+
+TEST_F(AwaitTest, OnMainQueueDefersACallbackWithCapturesThatOnlyMove) {
+  std::string said;
+  auto say = [&said, word = std::make_unique<std::string>("failed: ")](const auto&, const ErrorPtr& error) {
+    said = *word + message(*error);
+  };
+  NetworkTool().requestJSON(HTTPMethod::GET, "", std::nullopt, onMainQueue(std::move(say)));
+  EXPECT_EQ(said, "");
+  fakeMainQueue().run();
+  EXPECT_EQ(said, "failed: The request could not be sent.");
 }
 
 }  // namespace

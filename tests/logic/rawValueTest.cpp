@@ -7,24 +7,17 @@
 namespace orvane::test {
 namespace {
 
-/// The case's raw value and position; "none" where the text is not a raw value.
-template <class E>
-std::string found(std::string_view text) {
-  const std::optional<E> value = fromRawValue<E>(text);
-  return value ? std::string(rawValue(*value)) + " " + std::to_string(hashValue(*value)) : "none";
-}
-
-TEST(RawValue, IsTheCasesName) {
+TEST(RawValue, IsTheNameOfTheCase) {
   EXPECT_EQ(rawValue(HTTPMethod::GET), "GET");
-  EXPECT_EQ(rawValue(HTTPMethod::POST), "POST");
-  EXPECT_EQ(found<HTTPMethod>("JSON_POST"), "JSON_POST 2");
-  EXPECT_EQ(found<DeviceName>("iPadMini"), "iPadMini 11");
-  EXPECT_EQ(found<DeviceName>("iPadMini2"), "iPadMini2 15");
-  EXPECT_EQ(found<DeviceName>("Unknown"), "Unknown 27");
+  EXPECT_EQ(rawValue(HTTPMethod::JSON_POST), "JSON_POST");
   EXPECT_EQ(rawValue(DeviceName::Unknown), "Unknown");
+  EXPECT_EQ(fromRawValue<HTTPMethod>("POST"), HTTPMethod::POST);
+  EXPECT_EQ(fromRawValue<HTTPMethod>("GET "), std::nullopt);
+  EXPECT_EQ(fromRawValue<DeviceName>("ipadmini2"), std::nullopt);
+  EXPECT_EQ(hashValue(HTTPMethod::JSON_POST), 2U);
+  EXPECT_EQ(hashValue(DeviceName::iPadMini2), 15U);
+  EXPECT_EQ(hashValue(DeviceName::Unknown), 27U);
   EXPECT_EQ(hashValue(ScreenSize::Screen5_5Inch), 4U);
-  for (const char* other : {"post", "PUT", "", "GET ", "ipadmini2", "iPhone"})
-    EXPECT_EQ(found<HTTPMethod>(other) + found<DeviceName>(other), "nonenone");
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 #include <random>
 
 #include "orvane/json/readJSON.h"
@@ -108,48 +107,18 @@ TEST(ReadJSON, KeepsIntegerRealAndBooleanApart) {
   EXPECT_TRUE(array[4].real());
 }
 
-/// What a well-kept library makes of a text; discarded where it is not JSON, or neither a map nor an array.
-nlohmann::json readByOther(const std::string& text) {
-  const nlohmann::json value = nlohmann::json::parse(text, nullptr, false);
-  return value.is_structured() ? value : nlohmann::json(nlohmann::json::value_t::discarded);
-}
-
-TEST(ReadJSON, AgreesWithAnotherReaderOnMutatedDocuments) {
-  const std::string originals[] = {
-      R"({"code":0,"msg":"ok","data":[137,80,78,71,13,10,26,10,0,255]})",
-      R"({"alpha":[1,-2.5,3e4,true,false,null,"x\u00e9\n"],"bravo":{"c":{}},"delta":"中文 😀"})",
-      R"([[],[[]],{"k":[{"l":0.125}]},123456789012,"\ud83d\ude00"])"};
-  const std::string alphabet = "{}[]:,\"\\/ \n<;?0123456789+-.eEutrfalsn\x01\x7F\x80\xC3\xA9\xFF";
-  std::mt19937 random(20240229);
-  const auto below = [&random](std::size_t bound) {
-    return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random);
-  };
-  int accepted = 0;
-  for (int round = 0; round < 60'000; ++round) {
-    std::string text = originals[below(std::size(originals))];
-    for (std::size_t changes = 1 + below(3); changes > 0; --changes)
-      text.replace(below(text.size()), below(3), below(2), alphabet[below(alphabet.size())]);
-    const std::string ours = reread(text);
-    const nlohmann::json expected = readByOther(text);
-    ASSERT_EQ(ours == "error", expected.is_discarded()) << text;
-    if (ours == "error") continue;
-    ++accepted;
-    ASSERT_EQ(readByOther(ours), expected) << text;
-  }
-  EXPECT_GT(accepted, 1000);
-}
-
 TEST(ReadJSON, ReadsByteArraysTheFastWayLikeThePlainWay) {
   std::mt19937 random(7);
-  for (int round = 0; round < 1000; ++round) {
+  for (std::uint64_t round = 0; round < 1000; ++round) {
     std::string text = "[";
     Array expected;
-    // Few or many spaces, and numbers that are not bytes.
-    const auto spaces = 2 + random() % 200;
-    const auto greatest = 255 + random() % 3;
-    for (auto i = random() % 1500; i > 0; --i) {
-      const bool isLong = random() % 3000 == 0;
-      const std::int64_t number = isLong ? 256'000'000'000'000 : static_cast<int>(random() % (greatest + 1));
+    // The same byte again and again, or any numbers up to 255 or a little more; few or many spaces.
+    const bool isUniform = round % 2 == 0;
+    const std::uint64_t bound = 256 + random() % 3;
+    const std::uint64_t spaces = 2 + random() % 200;
+    for (auto i = 100 + random() % 1000; i > 0; --i) {
+      const std::uint64_t any = random() % 3000 == 0 ? 256'000'000'000'000 : random() % bound;
+      const std::uint64_t number = isUniform ? round / 2 % 256 : any;
       expected.push_back(number);
       if (text.size() > 1) text += random() % spaces == 0 ? ", " : ",";
       text += std::to_string(number);
@@ -158,22 +127,11 @@ TEST(ReadJSON, ReadsByteArraysTheFastWayLikeThePlainWay) {
     const Value value = *readJSON(text);
     ASSERT_EQ(asText(writeJSON(value)), asText(writeJSON(expected)));
     ASSERT_EQ(value.array()->bytes() != nullptr, expected.bytes() != nullptr);
-  }
-}
-
-TEST(ReadJSON, TellsEachByteValueFromOthersTheFastWay) {
-  for (int byte = 0; byte < 256; ++byte) {
-    const std::string value = std::to_string(byte);
-    std::string text = "[" + value;
-    for (int i = 0; i < 100; ++i) text += "," + value;
-    text += "]";
-    EXPECT_EQ(reread(text), text);
-    // The characters have the low half of a digit in common with it.
-    const std::size_t last = 1 + (value.size() + 1) * static_cast<std::size_t>(byte % 50);
-    for (const int high : {0x10, 0x40, 0x80, 0xB0}) {
-      std::string changed = text;
-      changed[last] = static_cast<char>(high | (text[last] & 15));
-      EXPECT_EQ(reread(changed), "error") << changed;
+    // Characters that have the low half of a digit in common with it.
+    char& digit = text[text.find_first_of("0123456789", random() % 190)];
+    for (const int high : {0x10, 0x50, 0x80, 0xB0}) {
+      digit = static_cast<char>(high | (digit & 15));
+      ASSERT_EQ(reread(text), "error") << text;
     }
   }
 }

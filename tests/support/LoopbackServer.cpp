@@ -12,7 +12,7 @@
 namespace orvane::test {
 namespace {
 
-/// Whether the client was there to the end.
+/// Returns false if the client has gone.
 bool sendAll(int descriptor, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t now = ::send(descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL);
@@ -30,19 +30,8 @@ std::size_t contentLength(const std::string& head) {
 }  // namespace
 
 LoopbackServer::LoopbackServer(Script script, Requests requests)
-    : script_(std::move(script)),
-      handling_(requests),
-      listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  auto* const generic = reinterpret_cast<sockaddr*>(&address);
-  socklen_t size = sizeof(address);
-  if (::bind(listener_, generic, size) != 0 || ::listen(listener_, 512) != 0 ||
-      ::getsockname(listener_, generic, &size) != 0 || ::pipe2(stopPipe_, O_CLOEXEC) != 0) {
-    throw std::runtime_error("no loopback server");
-  }
-  port_ = ntohs(address.sin_port);
+    : script_(std::move(script)), handling_(requests), listener_(listenOnLoopback(port_)) {
+  if (::pipe2(stopPipe_, O_CLOEXEC) != 0) throw std::runtime_error("no loopback server");
   thread_ = std::thread([this] { run(); });
 }
 
@@ -88,7 +77,7 @@ void LoopbackServer::run() {
   }
 }
 
-/// Whether the client was there to the end, and the server is not to stop.
+/// Returns false if the client has gone or the server is to stop.
 bool LoopbackServer::sendPaced(int descriptor, const std::string& bytes,
                                std::chrono::milliseconds pace) const {
   if (pace.count() == 0) return sendAll(descriptor, bytes);
@@ -100,7 +89,7 @@ bool LoopbackServer::sendPaced(int descriptor, const std::string& bytes,
   return true;
 }
 
-/// Whether the connection stays.
+/// Returns true if the connection stays open.
 bool LoopbackServer::serve(int descriptor, Connection& connection) {
   char buffer[65536];
   const ssize_t size = ::recv(descriptor, buffer, sizeof(buffer), 0);
@@ -129,6 +118,21 @@ bool LoopbackServer::serve(int descriptor, Connection& connection) {
   const linger abort = {1, 0};
   if (answer.then == Then::reset) ::setsockopt(descriptor, SOL_SOCKET, SO_LINGER, &abort, sizeof(abort));
   return answer.then == Then::keep;
+}
+
+int listenOnLoopback(std::uint16_t& port) {
+  const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  auto* const generic = reinterpret_cast<sockaddr*>(&address);
+  socklen_t size = sizeof(address);
+  if (::bind(listener, generic, size) != 0 || ::listen(listener, 512) != 0 ||
+      ::getsockname(listener, generic, &size) != 0) {
+    throw std::runtime_error("no loopback port");
+  }
+  port = ntohs(address.sin_port);
+  return listener;
 }
 
 std::string reply(const std::string& body, const std::string& headers, const std::string& status) {

@@ -11,11 +11,11 @@
 
 namespace orvane::test {
 
-/// An HTTP server on a free loopback port that answers as a test's script says, byte for byte.
+/// An HTTP server on a free loopback port. A test's script says what it answers, byte for byte.
 class LoopbackServer {
  public:
   struct Request {
-    std::string head;  ///< To the empty line, exclusive.
+    std::string head;  ///< Without the empty line at its end.
     std::string body;
     int connection;  ///< Counted from 1.
 
@@ -27,13 +27,13 @@ class LoopbackServer {
   struct Answer {
     std::string bytes;
     Then then = Then::keep;
-    std::string endless = {};           ///< Follows again and again, until the client goes.
-    std::chrono::milliseconds pace{0};  ///< If not zero: one byte at a time, so far apart.
+    std::string endless = {};           ///< Sent again and again after `bytes`, until the client goes.
+    std::chrono::milliseconds pace{0};  ///< The time between one byte and the next; 0 sends all at once.
   };
   /// Called on the server's thread.
   using Script = std::function<Answer(const Request&)>;
 
-  /// What has been asked is kept for requests() unless there is too much of it.
+  /// Says if requests() returns what was asked; a test with very many requests does without.
   enum class Requests { kept, forgotten };
 
   explicit LoopbackServer(Script script = {}, Requests requests = Requests::kept);
@@ -46,8 +46,7 @@ class LoopbackServer {
   std::vector<Request> requests() const;
   void setScript(Script script);
 
-  /// Sends `bytes` on all held connections, and keeps holding them unless it is the last. Only called from
-  /// the script.
+  /// Sends `bytes` on all held connections. Holds them no longer if `isLast`. Only the script may call it.
   void release(const std::string& bytes, bool isLast = true);
 
  private:
@@ -63,9 +62,9 @@ class LoopbackServer {
 
   Script script_;
   const Requests handling_;
+  std::uint16_t port_ = 0;
   int listener_;
   int stopPipe_[2];
-  std::uint16_t port_ = 0;
   int accepted_ = 0;
   std::map<int, Connection> connections_;
   mutable std::mutex mutex_;
@@ -73,7 +72,10 @@ class LoopbackServer {
   std::thread thread_;
 };
 
-/// A whole reply with its Content-Length.
+/// Returns a socket that listens on a free loopback port, and sets `port`.
+int listenOnLoopback(std::uint16_t& port);
+
+/// Returns a whole reply with its Content-Length.
 std::string reply(const std::string& body, const std::string& headers = "",
                   const std::string& status = "200 OK");
 

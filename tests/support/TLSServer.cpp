@@ -3,7 +3,6 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
-#include <netinet/in.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
@@ -11,6 +10,8 @@
 #include <string_view>
 #include <sys/socket.h>
 #include <unistd.h>
+
+#include "tests/support/LoopbackServer.h"
 
 namespace orvane::test {
 namespace {
@@ -47,23 +48,14 @@ void Certificate::write(const std::string& path) const {
 }
 
 TLSServer::TLSServer(const Certificate* certificate, std::string reply)
-    : reply_(std::move(reply)), listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    : reply_(std::move(reply)), listener_(listenOnLoopback(port_)) {
   if (certificate) {
     context_.reset(SSL_CTX_new(TLS_server_method()));
     SSL_CTX_use_certificate(context_.get(), certificate->x509.get());
     SSL_CTX_use_PrivateKey(context_.get(), certificate->key.get());
   }
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  auto* const generic = reinterpret_cast<sockaddr*>(&address);
-  socklen_t size = sizeof(address);
-  if (::bind(listener_, generic, size) != 0 || ::listen(listener_, 16) != 0 ||
-      ::getsockname(listener_, generic, &size) != 0)
-    throw std::runtime_error("no TLS server");
-  port_ = ntohs(address.sin_port);
   thread_ = std::thread([this] {
-    sigset_t brokenPipe;  // From a client that went.
+    sigset_t brokenPipe;  // Raised when a client has gone.
     sigemptyset(&brokenPipe);
     sigaddset(&brokenPipe, SIGPIPE);
     pthread_sigmask(SIG_BLOCK, &brokenPipe, nullptr);

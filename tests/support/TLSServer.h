@@ -18,9 +18,9 @@ struct OpenSSLDeleter {
 template <class T>
 using OpenSSLPtr = std::unique_ptr<T, OpenSSLDeleter>;
 
-/// A certificate with its key, good for one host name, or for being an authority that issues others.
+/// A certificate for one host name, with its key. Without an issuer it is an authority that may issue others.
 struct Certificate {
-  /// Without an `issuer` it is signed by itself. Good from and until so many days from now.
+  /// Makes a certificate signed by `issuer`, or by itself. It is valid from and until so many days from now.
   explicit Certificate(const std::string& name, const Certificate* issuer = nullptr, int from = -1,
                        int until = 1);
 
@@ -31,7 +31,7 @@ struct Certificate {
   OpenSSLPtr<X509> x509;
 };
 
-/// Gives each connection on a free loopback port one reply, over TLS or, without a certificate, in plain.
+/// Sends one reply on each connection to a free loopback port, over TLS, or without TLS if there is no certificate.
 class TLSServer {
  public:
   TLSServer(const Certificate* certificate, std::string reply);
@@ -44,8 +44,8 @@ class TLSServer {
 
   const std::string reply_;
   OpenSSLPtr<SSL_CTX> context_;
-  int listener_;
   std::uint16_t port_ = 0;
+  int listener_;
   std::atomic<bool> isStopping_ = false;
   std::thread thread_;
 };
