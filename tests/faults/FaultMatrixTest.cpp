@@ -4,6 +4,7 @@
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
@@ -63,14 +64,8 @@ std::string promise(const Row& row, const std::string& call) {
 std::vector<std::string> takeLines(std::FILE* file) {
   std::rewind(file);
   std::vector<std::string> lines;
-  std::string line;
-  for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) {
-    if (c != '\n') {
-      line.push_back(static_cast<char>(c));
-    } else {
-      lines.push_back(std::exchange(line, {}));
-    }
-  }
+  char line[4096];
+  while (std::fgets(line, sizeof line, file)) lines.emplace_back(line, std::strcspn(line, "\n"));
   std::fclose(file);
   return lines;
 }

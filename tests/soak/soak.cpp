@@ -9,7 +9,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <future>
 #include <malloc.h>
@@ -21,117 +20,81 @@
 #include "orvane/host/hostMainQueue.h"
 #include "orvane/orvane.h"
 #include "tests/support/LoopbackServer.h"
+#include "tests/support/entries.h"
 
 namespace orvane {
 namespace {
 
+using test::entries;
 using test::LoopbackServer;
 using test::reply;
 using Then = LoopbackServer::Then;
 using Answer = LoopbackServer::Answer;
 using Request = LoopbackServer::Request;
 
-/// What is to become of a call.
+const std::string good = R"({"code":0,"msg":"ok","data":[1,2,3]})";
+const std::string begun = "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n{";
+const std::string chunks =
+    "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\n{\"\r\n8\r\ncode\":0}\r\n0\r\n\r\n";
+const std::string busy = reply(R"({"code":7,"msg":"Busy"})", "", "503 Busy");
+
+/// How a call is made, what the service replies, and how the call has to end.
 struct Kind {
-  enum Name {
-    code,
-    picture,
-    login,
-    refused,
-    loginRefused,
-    chunks,
-    redirect,
-    notJSON,
-    reset,
-    resetWithin,
-    closedWithin,
-    notHTTP,
-    notCompressed,
-    tooLarge,
-    redirects,
-    idle,
-    noConnection,
-    noScheme,
-    noRequest,
-    sessionGone,
-    cancelled
-  } name;
   const char* description;
   const char* outcome;
   int perTenThousand;
+  Answer answer = {reply(good)};
+  enum { code, picture, login, idle, noConnection, noScheme, noRequest, sessionGone, cancelled } call = code;
 };
 
-constexpr Kind kinds[] = {
-    {Kind::code, "SMS code", "done", 0},  // What the others leave.
-    {Kind::picture, "picture", "done", 1500},
-    {Kind::login, "login with its submission", "done", 800},
-    {Kind::refused, "refused", "Busy (7)", 500},
-    {Kind::loginRefused, "login refused", "Busy (1)", 200},
-    {Kind::chunks, "reply in chunks", "done", 300},
-    {Kind::redirect, "redirected", "done", 200},
-    {Kind::notJSON, "reply that is not JSON", "com.brovent.error (-1)", 200},
-    {Kind::reset, "reset before the reply", "NSURLErrorDomain (-1005)", 100},
-    {Kind::resetWithin, "reset within the reply", "NSURLErrorDomain (-1005)", 100},
-    {Kind::closedWithin, "closed within the reply", "NSURLErrorDomain (-1005)", 50},
-    {Kind::notHTTP, "reply that is not HTTP", "NSURLErrorDomain (-1017)", 50},
-    {Kind::notCompressed, "compression that is none", "NSURLErrorDomain (-1015)", 100},
-    {Kind::tooLarge, "reply too large", "NSURLErrorDomain (-1103)", 20},
-    {Kind::redirects, "redirected without end", "NSURLErrorDomain (-1007)", 20},
-    {Kind::idle, "no reply", "NSURLErrorDomain (-1001)", 10},
-    {Kind::noConnection, "no server listens", "NSURLErrorDomain (-1004)", 20},
-    {Kind::noScheme, "no such scheme", "NSURLErrorDomain (-1002)", 50},
-    {Kind::noRequest, "no request can be built", "com.brovent.error (-1)", 50},
-    {Kind::sessionGone, "session destroyed at once", "done", 20},
-    // The outcome where it was not dropped in time.
-    {Kind::cancelled, "cancelled at once", "NSURLErrorDomain (-1002)", 20},
+const Kind kinds[] = {
+    {"SMS code", "done", 0},  // All that is not of another kind.
+    {"picture", "done", 1500, {reply(good)}, Kind::picture},
+    {"login with its submission", "done", 800, {reply(good)}, Kind::login},
+    {"refused", "Busy (7)", 500, {busy}},
+    {"login refused", "Busy (1)", 200, {busy}, Kind::login},
+    {"reply in chunks", "done", 300, {chunks}},
+    {"redirected", "done", 200, {reply("", "Location: /once\r\n", "307 Elsewhere")}},
+    {"reply that is not JSON", "com.brovent.error (-1)", 200, {reply("<html>")}},
+    {"reset before the reply", "NSURLErrorDomain (-1005)", 100, {"", Then::reset}},
+    {"reset within the reply", "NSURLErrorDomain (-1005)", 100, {begun, Then::reset}},
+    {"closed within the reply", "NSURLErrorDomain (-1005)", 50, {begun, Then::close}},
+    {"reply that is not HTTP", "NSURLErrorDomain (-1017)", 50, {"garbage\r\n\r\n", Then::close}},
+    {"compression that is none",
+     "NSURLErrorDomain (-1015)",
+     100,
+     {reply(good, "Content-Encoding: gzip\r\n")}},
+    {"reply too large", "NSURLErrorDomain (-1103)", 20, {reply(std::string(200'000, ' ') + good)}},
+    {"redirected without end",
+     "NSURLErrorDomain (-1007)",
+     20,
+     {reply("", "Location: /again\r\n", "307 Elsewhere")}},
+    {"no reply", "NSURLErrorDomain (-1001)", 10, {"", Then::hold}, Kind::idle},
+    {"no server listens", "NSURLErrorDomain (-1004)", 20, {}, Kind::noConnection},
+    {"no such scheme", "NSURLErrorDomain (-1002)", 50, {}, Kind::noScheme},
+    {"no request can be built", "com.brovent.error (-1)", 50, {}, Kind::noRequest},
+    {"session destroyed at once", "done", 20, {reply(good)}, Kind::sessionGone},
+    // The outcome if it was not dropped in time.
+    {"cancelled at once", "NSURLErrorDomain (-1002)", 20, {}, Kind::cancelled},
 };
 
-/// The kinds take turns in the order of no pattern.
+/// Returns the kind of the call of that number. The kinds alternate without a pattern.
 const Kind& kindOf(int call) {
   int place = static_cast<int>(call * 7919LL % 10'000);
   for (const Kind& kind : kinds) {
     place -= kind.perTenThousand;
     if (place < 0) return kind;
   }
-  return kinds[Kind::code];
+  return kinds[0];
 }
 
-/// The service knows a call by the number that is asked about, or by the path.
+/// The service. It knows a call by the mobile number in the body, or by the path.
 Answer answer(const Request& request) {
+  if (request.head.find(" /once ") != request.head.npos) return {reply(good)};
   const std::size_t inBody = request.body.find(R"("mobile":")");
   const std::string number = inBody == std::string::npos ? request.head.substr(request.head.find('/') + 1)
                                                          : request.body.substr(inBody + 10);
-  const std::string good = R"({"code":0,"msg":"ok","data":[1,2,3]})";
-  switch (kindOf(std::atoi(number.c_str())).name) {
-    case Kind::refused:
-    case Kind::loginRefused:
-      return {reply(R"({"code":7,"msg":"Busy"})", "", "503 Busy")};
-    case Kind::chunks:
-      return {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\n{\"\r\n8\r\ncode\":0}\r\n0\r\n\r\n"};
-    case Kind::redirect:
-      if (request.head.find("/again ") != request.head.npos) return {reply(good)};
-      [[fallthrough]];
-    case Kind::redirects:
-      return {reply("", "Location: /again\r\n", "307 Elsewhere")};
-    case Kind::notJSON:
-      return {reply("<html>")};
-    case Kind::reset:
-      return {"", Then::reset};
-    case Kind::resetWithin:
-      return {"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n{", Then::reset};
-    case Kind::closedWithin:
-      return {"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n{", Then::close};
-    case Kind::notHTTP:
-      return {"garbage\r\n\r\n", Then::close};
-    case Kind::notCompressed:
-      return {reply(good, "Content-Encoding: gzip\r\n")};
-    case Kind::tooLarge:
-      return {reply(std::string(200'000, ' ') + good)};
-    case Kind::idle:
-      return {"", Then::hold};
-    default:
-      return {reply(good)};
-  }
+  return kindOf(std::atoi(number.c_str())).answer;
 }
 
 /// Starts the service in a child process, which ends with this one. Returns its port.
@@ -160,13 +123,14 @@ class Soak {
   /// Makes calls up to that number, and returns when all of them are over.
   void runTo(int call);
 
-  int ended(const Kind& kind) const { return ended_[kind.name]; }
+  int ended(const Kind& kind) const { return ended_[indexOf(kind)]; }
   int wrong() const { return wrong_; }
   int dropped() const { return dropped_; }
 
  private:
   class Ticket;
 
+  static std::size_t indexOf(const Kind& kind) { return static_cast<std::size_t>(&kind - kinds); }
   void startNext();
   void start(const Kind& kind, const std::string& number, const std::shared_ptr<Ticket>& ticket);
   void startAndCancel(NetworkTool::Completion finished);
@@ -186,7 +150,7 @@ class Soak {
   std::atomic<int> dropped_ = 0;
 };
 
-/// Captured by a call's completion; what has become of it when it is released is what has become of the call.
+/// Captured by a call's completion. Its state when it is released is the outcome of the call.
 class Soak::Ticket {
  public:
   Ticket(Soak& soak, const Kind& kind) : soak_(soak), kind_(kind) {}
@@ -233,11 +197,10 @@ void Soak::start(const Kind& kind, const std::string& number, const std::shared_
     ticket->complete(result.has_value(), error);
   };
   OrvaneManager& manager = OrvaneManager::shareManager();
-  switch (kind.name) {
+  switch (kind.call) {
     case Kind::picture:
       return manager.requestPictureCode(number, finished);
     case Kind::login:
-    case Kind::loginRefused:
       return manager.requestLogin(number, "123456", finished);
     case Kind::idle:
       return impatient_.requestJSON(HTTPMethod::JSON_POST, server_ + number, {}, finished);
@@ -254,7 +217,7 @@ void Soak::start(const Kind& kind, const std::string& number, const std::shared_
     }
     case Kind::cancelled:
       return hostMainQueue().async([this, finished] { startAndCancel(finished); });
-    default:
+    case Kind::code:
       return manager.requestCode(number, "aB3d",
                                  [ticket](const ErrorPtr& error) { ticket->complete(true, error); });
   }
@@ -278,8 +241,8 @@ void Soak::startAndCancel(NetworkTool::Completion finished) {
 }
 
 void Soak::end(const Kind& kind, const std::string& outcome) {
-  ++ended_[kind.name];
-  if (kind.name == Kind::cancelled && outcome == "dropped") {
+  ++ended_[indexOf(kind)];
+  if (kind.call == Kind::cancelled && outcome == "dropped") {
     ++dropped_;
   } else if (outcome != kind.outcome && ++wrong_ <= 20) {
     std::fprintf(stderr, "%s: %s\n", kind.description, outcome.c_str());
@@ -295,12 +258,7 @@ struct Footprint {
   long resident;   ///< Bytes.
 };
 
-std::ptrdiff_t entries(const char* folder) {
-  const std::filesystem::directory_iterator list(folder);
-  return std::distance(begin(list), end(list));
-}
-
-/// What the process holds once the threads are gone whose sessions are.
+/// Returns what the process holds, once the threads of destroyed sessions have ended.
 Footprint footprint() {
   constexpr std::ptrdiff_t lasting = 1 + 3 * 2;
   while (entries("/proc/self/task") > lasting) std::this_thread::yield();

@@ -1,7 +1,6 @@
 // All that threads may do to the library at the same time.
 
 #include <atomic>
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -9,10 +8,12 @@
 #include "orvane/host/hostMainQueue.h"
 #include "orvane/orvane.h"
 #include "tests/support/LoopbackServer.h"
+#include "tests/support/entries.h"
 
 namespace orvane {
 namespace {
 
+using test::entries;
 using test::LoopbackServer;
 using test::reply;
 using Then = LoopbackServer::Then;
@@ -145,11 +146,6 @@ class Actor : public std::enable_shared_from_this<Actor> {
   const bool cancels_;
 };
 
-std::ptrdiff_t threads() {
-  const std::filesystem::directory_iterator tasks("/proc/self/task");
-  return std::distance(begin(tasks), end(tasks));
-}
-
 class Torture : public testing::TestWithParam<bool> {
  protected:
   static void SetUpTestSuite() {
@@ -162,7 +158,7 @@ class Torture : public testing::TestWithParam<bool> {
 TEST_P(Torture, EveryCallCompletesOnceOrWasCancelled) {
   constexpr int threadCount = 8;
   constexpr int actions = 400;
-  const auto threadsBefore = threads();
+  const auto threadsBefore = entries("/proc/self/task");
   Calls counts;
   const auto stopMainQueue = [](Calls*) { hostMainQueue().stop(); };
   std::vector<std::thread> drivers;
@@ -184,7 +180,7 @@ TEST_P(Torture, EveryCallCompletesOnceOrWasCancelled) {
     EXPECT_EQ(counts.dropped, 0);
   }
   std::printf("%d calls, %d of them dropped\n", counts.begun.load(), counts.dropped.load());
-  while (threads() > threadsBefore) std::this_thread::yield();
+  while (entries("/proc/self/task") > threadsBefore) std::this_thread::yield();
 }
 
 INSTANTIATE_TEST_SUITE_P(Rounds, Torture, testing::Bool(), [](const auto& round) {
