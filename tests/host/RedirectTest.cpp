@@ -13,8 +13,8 @@ const std::vector<std::string> credentials = {"Authorization", "cookie", "Proxy-
 const std::vector<std::string> aboutTheBody = {"Content-Type", "content-encoding", "Content-Language",
                                                "Content-Location"};
 
-/// Returns "METHOD URL" of the request that follows one with a body and all kinds of header fields, and what it keeps
-/// of these. Or the error's code.
+/// Returns "METHOD URL" of the request that follows one with a body and all kinds of header fields, and which
+/// of them it keeps. Returns the error's code if no request follows.
 std::string redirected(const char* method, const char* from, int status, const char* location) {
   URLRequest request(from);
   request.setMethod(method);

@@ -1,4 +1,4 @@
-// What the library prints by itself, the line of a stop and the picture call's trace, holds nothing of what it was given.
+// The library prints only the line of a stop and the picture call's trace. Neither holds what it was given.
 
 #include <cstdlib>
 #include <gtest/gtest.h>

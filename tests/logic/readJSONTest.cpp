@@ -10,8 +10,8 @@ namespace {
 
 using namespace std::string_literals;
 
-/// Reads from memory of exactly the text's size, so that a sanitizer sees a read beyond it. Returns what was read as it
-/// is written.
+/// Reads from memory of exactly the text's size, so that a sanitizer sees a read beyond it. Returns the value
+/// as writeJSON writes it.
 std::string reread(std::string_view text) {
   const std::optional<Value> value = readJSON(Bytes(text.begin(), text.end()));
   return value ? asText(writeJSON(*value)) : "error";

@@ -31,7 +31,7 @@ struct Certificate {
   OpenSSLPtr<X509> x509;
 };
 
-/// Sends one reply on each connection to a free loopback port, over TLS, or without TLS if there is no certificate.
+/// Sends one reply on each connection to a free loopback port. Uses TLS if there is a certificate.
 class TLSServer {
  public:
   TLSServer(const Certificate* certificate, std::string reply);
