@@ -76,7 +76,9 @@ class IdentityService {
   /// Returns the last maxMessages text messages, the oldest first.
   std::vector<TextMessage> messages() const;
 
+  /// Replaces the chosen fault.
   void chooseFault(const FaultChoice& choice);
+  /// Returns the chosen fault, none after it has hit the next call.
   FaultChoice chosenFault() const;
 
   /// Forgets everything but the number of messages, so that their identifiers go on.

@@ -124,7 +124,7 @@ function showNumbers(numbers, count) {
   say(byId("shown"), count === 0 ? "No number has made a call" : `${numbers.length} of ${count} shown`);
 }
 
-/** Returns if a reply is good, and a short text of it. */
+/** Returns true for a good reply, else false, and a short text of the reply. */
 function outcome({ body, fault }) {
   let good = /^\d+ bytes$/.test(body);
   let text = good ? body : body || "no body";
