@@ -129,7 +129,7 @@ test("a fault is chosen by keyboard and used up by the next call", async () => {
   await page.getByRole("button", { name: "late", exact: true }).click();
   await page.getByLabel("Late by").fill("10");
   await page.getByLabel("Late by").press("Enter");
-  await shows("Every call: the reply comes late: after 1.5 s, or after the delay that was chosen.");
+  await shows("Every call: the reply is delayed by 1.5 s, or by the delay that was chosen.");
   for (let count = 0; count < 2; ++count) await sendMessage(mobile);
   await page.getByText("delayed · code sent").nth(1).waitFor();
   await button("late", true);

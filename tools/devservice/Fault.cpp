@@ -11,7 +11,7 @@ namespace devservice {
 namespace {
 
 constexpr Fault table[] = {
-    {lateFault, "network", "late", "the reply comes late: after 1.5 s, or after the delay that was chosen",
+    {lateFault, "network", "late", "the reply is delayed by 1.5 s, or by the delay that was chosen",
      [](ReplyDraft& draft) { draft.transport = TransportFault::delay; }},
     {2, "network", "dropped", "the connection is closed without a reply",
      [](ReplyDraft& draft) { draft.transport = TransportFault::drop; }},
