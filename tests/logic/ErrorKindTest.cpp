@@ -34,14 +34,9 @@ TEST(ErrorKind, IsWhatThePageSays) {
 
 TEST(ErrorKind, OfARefusalIsNotToldByItsText) {
   using enum ErrorKind;
-  struct Row {
-    Error error;
-    ErrorKind kind;
-    const char* sentence;
-  };
   const char* const domain = "com.brovent.error";
   const char* const late = "The service took too long to answer.";
-  const Row rows[] = {
+  const std::tuple<Error, ErrorKind, std::string> rows[] = {
       {{"NSURLErrorDomain", -1004, {}}, refused, "NSURLErrorDomain"},
       {{domain, -1, {}}, refused, domain},
       {{"", 7, {}}, refused, "The service refused the request."},

@@ -43,14 +43,8 @@ class NetworkToolTest : public OnFakes {
 using NetworkToolDeathTest = NetworkToolTest;
 
 TEST_F(NetworkToolTest, BuildsRequestsByKind) {
-  struct Row {
-    HTTPMethod method;
-    const char* url;
-    std::optional<Parameters> parameters;
-    const char* request;
-  };
   using enum HTTPMethod;
-  const Row rows[] = {
+  const std::tuple<HTTPMethod, const char*, std::optional<Parameters>, const char*> rows[] = {
       {GET, "http://h/p", std::nullopt, "GET http://h/p"},
       {GET, "http://h/p", Parameters{}, "GET http://h/p?"},
       {GET, "http://h/p?a=b", Parameters{{"k", "v"}, {"l", "w"}}, "GET http://h/p?a=b?k=v&l=w"},
@@ -155,38 +149,38 @@ TEST_F(NetworkToolTest, UsesThePlatformsSessionUntilItHasAnother) {
   EXPECT_EQ(fakeSession().cancellations, 1);
 }
 
-TEST_F(NetworkToolTest, TheSharedManagerForwardsToOneTool) {
-  NetworkManager& manager = NetworkManager::sharedManager();
-  manager.addHeaders({{"A", "1"}});
-  manager.requestJSON(HTTPMethod::GET, "http://h/", std::nullopt,
-                      [this](const auto&...) { received = "once"; });
-  EXPECT_EQ(text(fakeSession().requests.back()), "GET http://h/ A=1");
-  fakeSession().answer("");
-  EXPECT_EQ(received, "once");
-  manager.cancleAllNetwork();
+TEST_F(NetworkToolTest, TheSharedManagerCancelsByItsTool) {
+  NetworkManager::sharedManager().cancleAllNetwork();
   EXPECT_EQ(fakeSession().cancellations, 1);
 }
 
-TEST_F(NetworkToolDeathTest, StopsOnProgrammingErrors) {
+TEST_F(NetworkToolDeathTest, StopsOnProgrammingErrorsAndNamesNoArgument) {
   using enum HTTPMethod;
   const Parameters noText = {{"k", 7}};
   const Parameters noUTF8 = {{"k", "\xFF"}};
   const Parameters noNumber = {{"k", std::numeric_limits<double>::infinity()}};
-  EXPECT_DEATH(tool.request(GET, "not a url", std::nullopt),
-               "^orvane: request: the text given as URL is not a URL\n$");
-  EXPECT_DEATH(tool.request(JSON_POST, "not a url", std::nullopt), "is not a URL");
-  EXPECT_DEATH(tool.request(POST, "not a url", Parameters{}), "is not a URL");
-  EXPECT_DEATH(tool.request(GET, "http://h/", Parameters{{"a key", "v"}}), "is not a URL");
-  EXPECT_DEATH(tool.request(JSON_POST, "http://h/", noUTF8), "cannot be represented in JSON");
-  EXPECT_DEATH(tool.request(JSON_POST, "http://h/", noNumber), "cannot be represented in JSON");
-  EXPECT_DEATH(tool.request(GET, "http://h/", noText), "value is not a text");
-  EXPECT_DEATH(tool.queryString(noUTF8), "value is not UTF-8");
-  start();
-  EXPECT_DEATH(session->answer(DataTaskResult{}), "reported neither a body nor an error\n");
-  tool.addHeader({{"A", "1"}});
-  EXPECT_DEATH(tool.request(POST, "http://h/", std::nullopt), "POST without parameters");
-  tool.setSession(nullptr);
-  EXPECT_DEATH(start(), "orvane: requestJSON: the tool has no session\n");
+  const std::pair<std::function<void()>, std::string> rows[] = {
+      {[&] { tool.request(GET, "not a url", std::nullopt); }, "request: the text given as URL is not a URL"},
+      {[&] { tool.request(JSON_POST, "a b", std::nullopt); }, "request: the text given as URL is not a URL"},
+      {[&] { tool.request(POST, "a b", Parameters{}); }, "request: the text given as URL is not a URL"},
+      {[&] {
+         tool.request(GET, "u", {{{"a b", "v"}}});
+       },
+       "request: the text given as URL is not a URL"},
+      {[&] { tool.request(JSON_POST, "u", noUTF8); },
+       "request: the parameters cannot be represented in JSON"},
+      {[&] { tool.request(JSON_POST, "u", noNumber); },
+       "request: the parameters cannot be represented in JSON"},
+      {[&] { tool.request(GET, "u", noText); }, "queryString: a parameter's value is not a text"},
+      {[&] { tool.queryString(noUTF8); }, "queryString: a parameter's value is not UTF-8"},
+      {[&] { start(), session->answer(DataTaskResult{}); },
+       "requestJSON: the session reported neither a body nor an error"},
+      {[&] {
+         tool.addHeader({{"A", "1"}}), tool.request(POST, "u", std::nullopt);
+       },
+       "request: a POST without parameters has no request to put the headers into"},
+      {[&] { tool.setSession(nullptr), start(); }, "requestJSON: the tool has no session"}};
+  for (const auto& [stop, line] : rows) EXPECT_DEATH(stop(), "^orvane: " + line + "\n$");
 }
 
 }  // namespace

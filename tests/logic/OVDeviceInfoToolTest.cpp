@@ -16,26 +16,21 @@ class OVDeviceInfoToolTest : public OnFakes {
 
 TEST_F(OVDeviceInfoToolTest, MachineIdentifiersNameModels) {
   // The identifiers of a model are a prefix and each number from `first` to `last`.
-  struct Row {
-    const char* prefix;
-    int first;
-    int last;
-    const char* name;
-  };
-  const Row rows[] = {{"iPhone3,", 1, 3, "iPhone4"},      {"iPhone4,", 1, 3, "iPhone4S"},
-                      {"iPhone5,", 1, 2, "iPhone5"},      {"iPhone5,", 3, 4, "iPhone5C"},
-                      {"iPhone6,", 1, 2, "iPhone5S"},     {"iPhone7,", 2, 2, "iPhone6"},
-                      {"iPhone7,", 1, 1, "iPhone6Plus"},  {"iPhone8,", 1, 1, "iPhone6S"},
-                      {"iPhone8,", 2, 2, "iPhone6SPlus"}, {"iPad1,", 1, 1, "iPad1"},
-                      {"iPad2,", 1, 4, "iPad2"},          {"iPad2,", 5, 7, "iPadMini"},
-                      {"iPad3,", 1, 3, "iPad3"},          {"iPad3,", 4, 6, "iPad4"},
-                      {"iPad4,", 1, 3, "iPadAir"},        {"iPad4,", 4, 6, "iPadMini2"},
-                      {"iPad4,", 7, 9, "iPadMini3"},      {"iPad5,", 3, 4, "iPadAir2"},
-                      {"iPad5,", 1, 2, "iPadMini4"},      {"iPad6,", 8, 8, "iPadPro"},
-                      {"iPod1,", 1, 1, "iPodTouch1Gen"},  {"iPod2,", 1, 1, "iPodTouch2Gen"},
-                      {"iPod3,", 1, 1, "iPodTouch3Gen"},  {"iPod4,", 1, 1, "iPodTouch4Gen"},
-                      {"iPod5,", 1, 1, "iPodTouch5Gen"},  {"iPod7,", 1, 1, "iPodTouch6Gen"},
-                      {"i38", 6, 6, "Simulator"},         {"x86_6", 4, 4, "Simulator"}};
+  const std::tuple<const char*, int, int, const char*> rows[] = {
+      {"iPhone3,", 1, 3, "iPhone4"},      {"iPhone4,", 1, 3, "iPhone4S"},
+      {"iPhone5,", 1, 2, "iPhone5"},      {"iPhone5,", 3, 4, "iPhone5C"},
+      {"iPhone6,", 1, 2, "iPhone5S"},     {"iPhone7,", 2, 2, "iPhone6"},
+      {"iPhone7,", 1, 1, "iPhone6Plus"},  {"iPhone8,", 1, 1, "iPhone6S"},
+      {"iPhone8,", 2, 2, "iPhone6SPlus"}, {"iPad1,", 1, 1, "iPad1"},
+      {"iPad2,", 1, 4, "iPad2"},          {"iPad2,", 5, 7, "iPadMini"},
+      {"iPad3,", 1, 3, "iPad3"},          {"iPad3,", 4, 6, "iPad4"},
+      {"iPad4,", 1, 3, "iPadAir"},        {"iPad4,", 4, 6, "iPadMini2"},
+      {"iPad4,", 7, 9, "iPadMini3"},      {"iPad5,", 3, 4, "iPadAir2"},
+      {"iPad5,", 1, 2, "iPadMini4"},      {"iPad6,", 8, 8, "iPadPro"},
+      {"iPod1,", 1, 1, "iPodTouch1Gen"},  {"iPod2,", 1, 1, "iPodTouch2Gen"},
+      {"iPod3,", 1, 1, "iPodTouch3Gen"},  {"iPod4,", 1, 1, "iPodTouch4Gen"},
+      {"iPod5,", 1, 1, "iPodTouch5Gen"},  {"iPod7,", 1, 1, "iPodTouch6Gen"},
+      {"i38", 6, 6, "Simulator"},         {"x86_6", 4, 4, "Simulator"}};
   int identifiers = 0;
   for (const auto& [prefix, first, last, name] : rows) {
     EXPECT_EQ(rawValue(*fromRawValue<DeviceName>(name)), name);
@@ -63,7 +58,7 @@ TEST_F(OVDeviceInfoToolTest, ReadsTheMachineFieldUpToItsPadding) {
   for (const std::string& foreign : {"iPad6,8\0\xFF"s, "\x80"s}) {
     facts.machine = foreign;
     EXPECT_DEATH(OVDeviceInfoTool::getDeviceName(),
-                 "orvane: getDeviceName: the machine identifier is not ASCII\n");
+                 "^orvane: getDeviceName: the machine identifier is not ASCII\n$");
   }
 }
 
@@ -72,7 +67,7 @@ TEST_F(OVDeviceInfoToolTest, FactsAsTexts) {
   EXPECT_EQ(OVDeviceInfoTool::getSystemVersion(), "iOS 9.3.1");
   EXPECT_EQ(OVDeviceInfoTool::getcarrierName(), "nil");
   EXPECT_DEATH(OVDeviceInfoTool::getMEIDCode(),
-               "orvane: getMEIDCode: the device gives no vendor identifier\n");
+               "^orvane: getMEIDCode: the device gives no vendor identifier\n$");
   facts.version = "";
   facts.carrier = "";
   facts.vendor = "AB-1";
@@ -83,14 +78,8 @@ TEST_F(OVDeviceInfoToolTest, FactsAsTexts) {
 
 TEST_F(OVDeviceInfoToolTest, ClassifiesScreens) {
   using enum ScreenSize;
-  struct Row {
-    double width;
-    double height;
-    double scale;
-    ScreenSize size;
-  };
   const double nan = std::nan("");
-  const Row rows[] = {
+  const std::tuple<double, double, double, ScreenSize> rows[] = {
       {320, 480, 2, Screen3_5Inch},    {480, 320, 1, Screen3_5Inch},   {480, 480, 2, Screen3_5Inch},
       {320, 568, 2, Screen3_5Inch},    {375, 667, 2, Screen4_7Inch},   {375, 667, 3, Screen5_5Inch},
       {667, 375, 2.9, Screen4_7Inch},  {375, 667, nan, Screen4_7Inch}, {414, 736, 3, Screen5_5Inch},

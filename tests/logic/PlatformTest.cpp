@@ -16,7 +16,7 @@ TEST_F(PlatformDeathTest, IsInstalledBeforeItsFirstUse) {
   };
   EXPECT_EXIT(install(), testing::ExitedWithCode(0), "");
   const auto installLate = [] { platform(), installPlatform({}); };
-  EXPECT_DEATH(installLate(), "installPlatform: the platform is in use already\n");
+  EXPECT_DEATH(installLate(), "^orvane: installPlatform: the platform is in use already\n$");
 }
 
 }  // namespace

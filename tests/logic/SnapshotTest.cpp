@@ -9,14 +9,12 @@ namespace {
 
 TEST(Snapshot, ReadersSeeWholeValuesAndNothingLeaks) {
   using Pair = std::pair<int, int>;
-  const auto first = std::make_shared<const Pair>(0, 0);
-  std::weak_ptr<const Pair> replaced;
   Snapshot<std::shared_ptr<const Pair>> snapshot;
   EXPECT_FALSE(snapshot.load());
+  const auto first = std::make_shared<const Pair>(0, 0);
   snapshot.storeIfEmpty(first);
   snapshot.storeIfEmpty(nullptr);
   EXPECT_EQ(snapshot.load(), first);
-
   std::vector<std::thread> threads;
   for (int writer = 1; writer <= 2; ++writer) {
     threads.emplace_back([&, writer] {
@@ -30,7 +28,7 @@ TEST(Snapshot, ReadersSeeWholeValuesAndNothingLeaks) {
     });
   }
   for (std::thread& thread : threads) thread.join();
-  replaced = *snapshot.load();
+  const std::weak_ptr<const Pair> replaced = *snapshot.load();
   snapshot.store(first);
   EXPECT_TRUE(replaced.expired());
 }

@@ -6,11 +6,7 @@ namespace orvane::test {
 namespace {
 
 TEST(URLParts, AreViewsOfTheText) {
-  struct Row {
-    const char* url;
-    const char* parts;
-  };
-  const Row rows[] = {
+  const std::pair<const char*, const char*> rows[] = {
       {"http://h.example/p", "http h.example 80"},
       {"HTTPS://h", "HTTPS h 443"},
       {"http://u:1@v@h:8080?a@b:9/", "http h 8080"},

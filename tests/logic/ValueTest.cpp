@@ -11,29 +11,25 @@ constexpr auto least = std::numeric_limits<std::int64_t>::min();
 constexpr auto greatest = std::numeric_limits<std::int64_t>::max();
 
 TEST(Value, ReadsNumbersAsIntegersAndAsText) {
-  struct Row {
-    Value value;
-    std::optional<std::int64_t> integer;
-    std::optional<std::string> text;
-  };
-  const std::vector<Row> rows = {{137, 137, "137"},
-                                 {greatest, greatest, "9223372036854775807"},
-                                 {137.0, 137, "137"},
-                                 {12.5, 12, "12.5"},
-                                 {-12.5, -12, "-12.5"},
-                                 {-0.0, 0, "-0"},
-                                 {0.1, 0, "0.1"},
-                                 {1e300, greatest, "1e+300"},
-                                 {-1e300, least, "-1e+300"},
-                                 {9223372036854775808.0, greatest, "9.223372036854776e+18"},
-                                 {-9223372036854775808.0, least, "-9.223372036854776e+18"},
-                                 {UINT64_MAX, greatest, "1.844674407370955e+19"},
-                                 {infinity, greatest, "inf"},
-                                 {std::nan(""), 0, "nan"},
-                                 {true, std::nullopt, std::nullopt},
-                                 {"7", std::nullopt, std::nullopt},
-                                 {nullptr, std::nullopt, std::nullopt},
-                                 {Array{7}, std::nullopt, std::nullopt}};
+  const std::tuple<Value, std::optional<std::int64_t>, std::optional<std::string>> rows[] = {
+      {137, 137, "137"},
+      {greatest, greatest, "9223372036854775807"},
+      {137.0, 137, "137"},
+      {12.5, 12, "12.5"},
+      {-12.5, -12, "-12.5"},
+      {-0.0, 0, "-0"},
+      {0.1, 0, "0.1"},
+      {1e300, greatest, "1e+300"},
+      {-1e300, least, "-1e+300"},
+      {9223372036854775808.0, greatest, "9.223372036854776e+18"},
+      {-9223372036854775808.0, least, "-9.223372036854776e+18"},
+      {UINT64_MAX, greatest, "1.844674407370955e+19"},
+      {infinity, greatest, "inf"},
+      {std::nan(""), 0, "nan"},
+      {true, std::nullopt, std::nullopt},
+      {"7", std::nullopt, std::nullopt},
+      {nullptr, std::nullopt, std::nullopt},
+      {Array{7}, std::nullopt, std::nullopt}};
   for (const auto& [value, integer, text] : rows) {
     EXPECT_EQ(value.asInteger(), integer);
     EXPECT_EQ(value.decimalText(), text);

@@ -18,19 +18,13 @@ struct KeepingManager : OrvaneManager {
 /// A coroutine that its owner destroys.
 struct Owned {
   struct promise_type {
-    Owned get_return_object() {
-      return {Handle(std::coroutine_handle<promise_type>::from_promise(*this).address())};
-    }
+    Owned get_return_object() { return {std::coroutine_handle<promise_type>::from_promise(*this)}; }
     std::suspend_never initial_suspend() { return {}; }
     std::suspend_always final_suspend() noexcept { return {}; }
     void return_void() {}
     void unhandled_exception() { throw; }
   };
-  struct Destroy {
-    void operator()(void* address) const { std::coroutine_handle<>::from_address(address).destroy(); }
-  };
-  using Handle = std::unique_ptr<void, Destroy>;
-  Handle handle;
+  std::coroutine_handle<> handle;
 };
 
 /// Records what a coroutine gets, where, and that it has ended.
@@ -124,10 +118,11 @@ TEST_F(AwaitTest, LeavesAForeignCoroutineToItsOwner) {
     act(coroutine);
     if (manager.kept) manager.kept(nullptr);
     fakeMainQueue().run();
+    if (coroutine.handle) coroutine.handle.destroy();
     return std::exchange(record.said, "");
   };
   EXPECT_EQ(finishAfter([](Owned&) {}), "ok;");
-  EXPECT_EQ(finishAfter([](Owned& coroutine) { coroutine.handle.reset(); }), "");
+  EXPECT_EQ(finishAfter([](Owned& coroutine) { std::exchange(coroutine.handle, nullptr).destroy(); }), "");
   EXPECT_EQ(finishAfter([&](Owned&) { manager.kept = nullptr; }), "");
   EXPECT_TRUE(record.hasEnded());
 }
