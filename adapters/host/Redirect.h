@@ -8,6 +8,7 @@
 
 namespace orvane {
 
+/// A task that is redirected more often than this fails.
 inline constexpr int maximumRedirects = 20;
 
 /// Returns true if a session carries out requests to URLs of this scheme.
@@ -16,8 +17,11 @@ bool isSupportedScheme(std::string_view scheme) noexcept;
 /// Returns true if a reply with that status redirects, provided that it has a location.
 bool isRedirect(int statusCode) noexcept;
 
-/// Returns the request to make next, or the reason not to follow the redirect. `location` is the absolute URL
-/// in the reply to `request`.
+/// Returns the request to make next, or the reason not to follow the redirect: from https to http, or to any
+/// other scheme. `location` is the absolute URL in the reply to `request`.
+///
+/// Drops credentials on the way to another origin. A POST after 301 or 302, and any method but HEAD after
+/// 303, becomes a GET without a body.
 std::variant<URLRequest, SessionErrorCode> redirect(const URLRequest& request, int statusCode,
                                                     std::string_view location);
 
