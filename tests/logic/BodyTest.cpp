@@ -15,7 +15,7 @@ TEST(Body, KeepsItsBytesOrTheirOwner) {
     const std::uint8_t* const place = body->data();
     Body moved = std::move(*body);
     EXPECT_EQ(moved.data(), place);
-    EXPECT_TRUE(body->empty() && body->begin() == body->end());
+    EXPECT_TRUE(!moved.empty() && body->empty() && body->begin() == body->end());
     moved = Body();
     EXPECT_EQ(Bytes(copy.begin(), copy.end()), bytes);
     EXPECT_EQ(copy.data() == place, body == &lent);
