@@ -103,7 +103,7 @@ TEST_F(NetworkToolTest, HandsOverTheDecodedReplyOnTheMainQueue) {
     reply.response->statusCode = 500;
     session->answer(reply);
     EXPECT_EQ(received, "");
-    EXPECT_EQ(fakeMainQueue().run(), 1U);
+    EXPECT_EQ(fakeMainQueue().runPending(), 1U);
     EXPECT_EQ(std::exchange(received, ""), std::string(body) + " here");
   }
 }
@@ -118,7 +118,7 @@ TEST_F(NetworkToolTest, KeepsTheCompletionAndNothingOfTheTool) {
   }
   session->answer("{}");
   EXPECT_EQ(capture.use_count(), 2);
-  fakeMainQueue().run();
+  fakeMainQueue().runPending();
   EXPECT_EQ(*capture, 1);
   EXPECT_EQ(capture.use_count(), 1);
 }

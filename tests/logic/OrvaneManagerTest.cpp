@@ -28,7 +28,7 @@ std::string lastRequest() {
 /// Answers the request under way and runs what that puts on the main queue.
 void answer(std::string_view reply) {
   fakeSession().answer(reply);
-  fakeMainQueue().run();
+  fakeMainQueue().runPending();
 }
 
 // Each of these makes a call with fixed arguments, and returns what `finished` receives, as text.
@@ -131,7 +131,7 @@ TEST_F(OrvaneManagerTest, ReportsAnAcceptedLoginBeforeItFinishes) {
             R"("deviceModel":"iOS 9.3.1","deviceName":"iPhone6S","mobile":"139"})"
             " Content-Type=application/json XRAPI-CLIENT-ID=app XRAPI-DEVICE-TYPE=1 XRAPI-VERSION=1.0");
   fakeSession().answer(failed({}));
-  EXPECT_EQ(fakeMainQueue().run(), 0U);
+  EXPECT_EQ(fakeMainQueue().runPending(), 0U);
 }
 
 TEST_F(OrvaneManagerTest, LoginReadsTheReplyBeforeTheError) {

@@ -10,7 +10,7 @@ using PlatformDeathTest = OnFakes;
 
 TEST_F(PlatformDeathTest, IsInstalledBeforeItsFirstUse) {
   const auto install = [] {
-    const auto queue = std::make_shared<ManualQueue>();
+    const auto queue = std::make_shared<MainQueue>();
     installPlatform({.mainQueue = queue});
     std::exit(platform().mainQueue == queue && platform().globalQueue != queue ? 0 : 1);
   };

@@ -73,7 +73,7 @@ TEST_F(AwaitTest, GoesOnOnTheMainQueueWithEachOutcome) {
     if (said.starts_with("no")) manager.reset();  // The call in flight does not need it.
     fakeSession().answer(result);
     EXPECT_EQ(record.said, "");
-    while (fakeMainQueue().run() > 0) continue;
+    while (fakeMainQueue().runPending() > 0) continue;
     EXPECT_EQ(std::exchange(record.said, ""), said);
     EXPECT_EQ(record.thread, std::this_thread::get_id());
   }
@@ -89,7 +89,7 @@ TEST_F(AwaitTest, GoesOnLaterWhereTheCallFailsAtOnce) {
   Record record;
   sendCode<Detached>(&failing, record, record.alive);
   EXPECT_EQ(record.said, "");
-  fakeMainQueue().run();
+  fakeMainQueue().runPending();
   EXPECT_EQ(record.said, "at once (1);");
   EXPECT_TRUE(record.hasEnded());
 }
@@ -117,7 +117,7 @@ TEST_F(AwaitTest, LeavesAForeignCoroutineToItsOwner) {
     Owned coroutine = sendCode<Owned>(&manager, record, record.alive);
     act(coroutine);
     if (manager.kept) manager.kept(nullptr);
-    fakeMainQueue().run();
+    fakeMainQueue().runPending();
     if (coroutine.handle) coroutine.handle.destroy();
     return std::exchange(record.said, "");
   };
@@ -136,7 +136,7 @@ TEST_F(AwaitDeathTest, AnExceptionOutOfADetachedCoroutineEndsTheProcess) {
   const auto fail = [] {
     failing();
     fakeSession().answer(R"({"code":0})");
-    while (fakeMainQueue().run() > 0) continue;
+    while (fakeMainQueue().runPending() > 0) continue;
   };
   EXPECT_DEATH(fail(), "out of the coroutine");
 }
@@ -148,7 +148,7 @@ TEST_F(AwaitTest, OnMainQueueDefersACallbackWithCapturesThatOnlyMove) {
   };
   NetworkTool().requestJSON(HTTPMethod::GET, "", std::nullopt, onMainQueue(std::move(say)));
   EXPECT_EQ(said, "");
-  fakeMainQueue().run();
+  fakeMainQueue().runPending();
   EXPECT_EQ(said, "failed: The request could not be sent.");
 }
 

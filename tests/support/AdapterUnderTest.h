@@ -8,10 +8,10 @@
 /// The adapter that a test program is linked with. It drains hostMainQueue().
 namespace orvane::test {
 
-/// A session of its own.
+/// Makes a session.
 std::shared_ptr<URLSession> makeSession();
 
-/// The adapter's session with `transport` doing the work, as far as the adapter has not.
+/// Makes a session that does the adapter's part and leaves the rest to `transport`.
 std::shared_ptr<URLSession> makeSession(std::shared_ptr<URLSession> transport);
 
 /// Installs the adapter, on a device with the carrier "Carrier". Requests for the service go to this

@@ -12,7 +12,7 @@
 
 namespace orvane::test {
 
-/// How a process ended: its exit status, or the signal as a negative number.
+/// Returns the exit status of a process, or the signal that ended it as a negative number.
 inline int endOf(int status) {
   return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
 }
@@ -30,7 +30,7 @@ class Conversation {
   Conversation(const Conversation&) = delete;
   ~Conversation() { close(terminal_); }
 
-  /// Reads until the text comes; what came before it. Fails when the program ends without it.
+  /// Reads until `text` comes, and returns what came before it. Fails if the program ends first.
   std::string hear(std::string_view text) {
     char buffer[4096];
     ssize_t count = 0;
@@ -44,10 +44,12 @@ class Conversation {
     return before;
   }
 
+  /// Types `text`.
   void say(const std::string& text) {
     EXPECT_EQ(write(terminal_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
   }
 
+  /// Waits until the program ends; see endOf().
   int status() {
     int status = 0;
     waitpid(child_, &status, 0);

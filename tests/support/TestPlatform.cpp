@@ -32,8 +32,8 @@ const std::shared_ptr<T>& immortal() {
 FakeSession& fakeSession() {
   return *immortal<SessionOfTest>()->current;
 }
-ManualQueue& fakeMainQueue() {
-  return *immortal<ManualQueue>();
+MainQueue& fakeMainQueue() {
+  return *immortal<MainQueue>();
 }
 TestReadings::Facts& fakeFacts() {
   return immortal<TestReadings>()->facts;
@@ -42,7 +42,7 @@ TestReadings::Facts& fakeFacts() {
 OnFakes::OnFakes() {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
   immortal<SessionOfTest>()->current = std::make_unique<FakeSession>();
-  fakeMainQueue().clear();
+  EXPECT_EQ(fakeMainQueue().runPending(), 0U);
   fakeFacts() = {};
 }
 
@@ -51,8 +51,8 @@ OnFakes::OnFakes() {
 Platform makeDefaultPlatform() {
   using namespace test;
   return {.sharedSession = immortal<SessionOfTest>(),
-          .mainQueue = immortal<ManualQueue>(),
-          .globalQueue = immortal<ManualQueue>(),
+          .mainQueue = immortal<MainQueue>(),
+          .globalQueue = immortal<MainQueue>(),
           .textRules = immortal<TestTextRules>(),
           .deviceReadings = immortal<TestReadings>()};
 }

@@ -1,40 +1,12 @@
 #pragma once
 
-#include <deque>
 #include <gtest/gtest.h>
-#include <mutex>
 #include <string>
 
 #include "orvane/platform/Platform.h"
 #include "tests/support/FakeSession.h"
 
 namespace orvane::test {
-
-/// Runs its tasks when the test calls run().
-class ManualQueue final : public DispatchQueue {
- public:
-  void async(Task task) override {
-    const std::lock_guard lock(mutex_);
-    tasks_.push_back(std::move(task));
-  }
-
-  /// Runs the tasks that wait, and returns their number.
-  std::size_t run() {
-    std::deque<Task> tasks;
-    {
-      const std::lock_guard lock(mutex_);
-      tasks.swap(tasks_);
-    }
-    for (Task& task : tasks) task();
-    return tasks.size();
-  }
-
-  void clear() { tasks_.clear(); }
-
- private:
-  std::mutex mutex_;
-  std::deque<Task> tasks_;
-};
 
 /// Gives readings that a test may change.
 struct TestReadings final : DeviceReadings {
@@ -63,8 +35,9 @@ struct TestReadings final : DeviceReadings {
 };
 
 /// The fakes behind the platform of a program without adapter. Each test OnFakes has a session of its own.
+/// A test runs the main queue's tasks by runPending(), and leaves none.
 FakeSession& fakeSession();
-ManualQueue& fakeMainQueue();
+MainQueue& fakeMainQueue();
 TestReadings::Facts& fakeFacts();
 
 /// A test that finds the platform's fakes new.

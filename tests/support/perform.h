@@ -8,18 +8,19 @@
 
 namespace orvane::test {
 
+/// What a handler received, and on which thread.
 struct TaskOutcome {
   DataTaskResult result;
   std::thread::id thread;
 
-  /// The body, or "error CODE".
+  /// Returns the body, or "error CODE".
   std::string text() const {
     if (result.error) return "error " + std::to_string(result.error->code);
     return {result.body->begin(), result.body->end()};
   }
 };
 
-/// Starts a request whose outcome comes through the future.
+/// Starts a request. The future receives its outcome.
 inline std::future<TaskOutcome> start(URLSession& session, URLRequest request) {
   auto promise = std::make_shared<std::promise<TaskOutcome>>();
   std::future<TaskOutcome> outcome = promise->get_future();
@@ -29,6 +30,7 @@ inline std::future<TaskOutcome> start(URLSession& session, URLRequest request) {
   return outcome;
 }
 
+/// Returns the outcome of a request as text().
 inline std::string perform(URLSession& session, URLRequest request) {
   return start(session, std::move(request)).get().text();
 }
