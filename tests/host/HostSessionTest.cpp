@@ -251,24 +251,6 @@ TEST(HostSession, GivesUpFirstWhatCameFirst) {
   EXPECT_EQ(order, "1234");
 }
 
-TEST(HostSession, IsPatientWhileBytesCome) {
-  // Requests that time out after a quarter of the limit are the clock: at each the patient one gets a byte.
-  LoopbackServer* self = nullptr;
-  LoopbackServer server([&self](const Request& request) {
-    if (request.head.starts_with("GET /patient"))
-      return Answer{"HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\n", Then::hold};
-    self->release("x", false);
-    return Answer{"", Then::hold};
-  });
-  self = &server;
-  HostSession patient({.idleTimeout = milliseconds(400)});
-  HostSession ticking({.idleTimeout = milliseconds(100)});
-  std::future<TaskOutcome> outcome = start(patient, URLRequest(server.url("/patient")));
-  while (server.requests().empty()) std::this_thread::yield();
-  for (int tick = 0; tick < 6; ++tick) perform(ticking, URLRequest(server.url()));
-  EXPECT_EQ(outcome.get().text(), "xxxxxx");
-}
-
 TEST(HostSession, EndsItsThreads) {
   LoopbackServer server([](const Request&) { return Answer{"", Then::hold}; });
   const auto before = entries("/proc/self/task");

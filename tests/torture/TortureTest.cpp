@@ -78,17 +78,6 @@ class Actor : public std::enable_shared_from_this<Actor> {
       if (depth > 0) self->act(seed * 31 + 7, depth - 1);
     };
   }
-  OrvaneManager::CodeFinished codeFinished(std::uint32_t seed, int depth) {
-    return [either = finished(seed, depth)](const ErrorPtr& error) {
-      either(error ? std::nullopt : std::optional(true), error);
-    };
-  }
-  OrvaneManager::LoginFinished loginFinished(std::uint32_t seed, int depth) {
-    return
-        [either = finished(seed, depth)](const std::optional<std::string>& message, const ErrorPtr& error) {
-          either(error ? std::nullopt : message, error);
-        };
-  }
 
  public:
   Actor(CallsPtr calls, std::shared_ptr<NetworkTool> common, bool cancels)
@@ -99,20 +88,23 @@ class Actor : public std::enable_shared_from_this<Actor> {
     const char* const mood = moods[what / 16 % std::size(moods)];
     OrvaneManager own;
     own.setAppClientId(mood);
+    OrvaneManager& manager = what % 2 == 0 ? OrvaneManager::shareManager() : own;
     switch (what % 16) {
       case 0:
-        return OrvaneManager::shareManager().requestPictureCode(mood, finished(seed, depth));
       case 1:
-        return own.requestPictureCode(mood, finished(seed, depth));
+        return manager.requestPictureCode(mood, finished(seed, depth));
       case 2:
-        return OrvaneManager::shareManager().requestCode(mood, "c", codeFinished(seed, depth));
       case 3:
-        return own.requestCode(mood, "c", codeFinished(seed, depth));
-      case 4:  // A login that fails would stop the process.
-        return OrvaneManager::shareManager().requestLogin(what & 16 ? "ok" : "busy", "c",
-                                                          loginFinished(seed, depth));
-      case 5:
-        return own.requestLogin(what & 16 ? "ok" : "busy", "c", loginFinished(seed, depth));
+        return manager.requestCode(mood, "c", [either = finished(seed, depth)](const ErrorPtr& error) {
+          either(error ? std::nullopt : std::optional(true), error);
+        });
+      case 4:
+      case 5:  // A login that fails would stop the process.
+        return manager.requestLogin(
+            what & 16 ? "ok" : "busy", "c",
+            [either = finished(seed, depth)](const auto& message, const ErrorPtr& error) {
+              either(error ? std::nullopt : message, error);
+            });
       case 6:
         return common_->requestJSON(HTTPMethod::GET, "", {}, finished(seed, depth));
       case 7: {
