@@ -13,12 +13,8 @@ using namespace std::chrono;
 using namespace std::string_literals;
 
 TEST(Page, ChoosesAFault) {
-  struct Case {
-    std::string body;
-    int status;
-    std::vector<int> codes;  // Of the next calls.
-  };
-  const Case cases[] = {
+  const std::tuple<std::string, int, std::vector<int>> cases[] = {
+      // The codes of the next calls come last.
       {R"({"fault":8})", 200, {4321, 2001, 2001}},
       {R"({"fault":8,"every":1})", 200, {4321, 4321, 4321}},
       {R"({"fault":8,"every":3})", 200, {2001, 2001, 4321, 2001, 2001, 4321}},
@@ -47,19 +43,16 @@ TEST(Page, ChoosesAFault) {
 
 TEST(IsLocalCaller, KnowsTheDeveloperFromOtherSites) {
   using Fields = decltype(HTTPRequest::headers);
-  const std::string peer = "127.0.0.1", own = "127.0.0.1:8080";
+  const std::string peer = "127.0.0.1", own = "127.0.0.1:8080", site = "Sec-Fetch-Site";
   const std::tuple<std::string, std::string, Fields, bool> cases[] = {
       {"a script", peer, {{"host", own}}, true},
       {"the page", peer, {{"host", own}, {"Origin", "http://" + own}}, true},
       {"the page over IPv6", "::1", {{"host", "[::1]"}, {"Origin", "http://[::1]"}}, true},
       {"the page by name", peer, {{"host", "LocalHost:80"}, {"Origin", "http://localhost:80"}}, true},
-      {"a part of the page", peer, {{"host", own}, {"Sec-Fetch-Site", "same-origin"}}, true},
-      {"a link",
-       peer,
-       {{"host", own}, {"Sec-Fetch-Site", "cross-site"}, {"Sec-Fetch-Mode", "navigate"}},
-       true},
-      {"a part of another site", peer, {{"host", own}, {"Sec-Fetch-Site", "cross-site"}}, false},
-      {"another port's site", peer, {{"host", own}, {"Sec-Fetch-Site", "same-site"}}, false},
+      {"a part of the page", peer, {{"host", own}, {site, "same-origin"}}, true},
+      {"a link", peer, {{"host", own}, {site, "cross-site"}, {"Sec-Fetch-Mode", "navigate"}}, true},
+      {"a part of another site", peer, {{"host", own}, {site, "cross-site"}}, false},
+      {"another port's site", peer, {{"host", own}, {site, "same-site"}}, false},
       {"another machine", "192.0.2.1", {{"host", own}, {"Origin", "http://" + own}}, false},
       {"no host", peer, {}, false},
       {"a foreign name", peer, {{"host", "rebound.example:8080"}}, false},
@@ -76,15 +69,13 @@ TEST(IsLocalCaller, KnowsTheDeveloperFromOtherSites) {
 
 TEST(Router, KeepsAllButTheCallsForLocalCallers) {
   const std::string picture = "/page/picture/" + number;
-  const HTTPRequest requests[] = {
-      local("/"),
-      local("/page/state"),
-      local(picture),
-      local("/page/style.css"),
-      local("/inspect"),
-      local("/page/fault", "", "POST", R"({"fault":1})"),
-      local("/inspect", "", "DELETE"),
-  };
+  const HTTPRequest requests[] = {local("/"),
+                                  local("/page/state"),
+                                  local(picture),
+                                  local("/page/style.css"),
+                                  local("/inspect"),
+                                  local("/page/fault", "", "POST", R"({"fault":1})"),
+                                  local("/inspect", "", "DELETE")};
   for (const bool isLocal : {true, false}) {
     ServiceBench bench;
     bench.service.answer(askPicture(number));

@@ -16,13 +16,10 @@ namespace devservice {
 inline const std::string number = "+4915112345678";
 
 inline HTTPRequest post(std::string path, const nlohmann::json& body) {
-  return {.method = "POST",
-          .path = std::move(path),
-          .headers = {{"content-type", "application/json; charset=utf-8"},
-                      {"XRAPI-Version", "1.0"},
-                      {"XRAPI-DEVICE-TYPE", "1"}},
-          .body = body.dump(),
-          .peer = "127.0.0.1"};
+  const decltype(HTTPRequest::headers) headers = {{"content-type", "application/json; charset=utf-8"},
+                                                  {"XRAPI-Version", "1.0"},
+                                                  {"XRAPI-DEVICE-TYPE", "1"}};
+  return {"POST", std::move(path), headers, body.dump(), "127.0.0.1"};
 }
 
 inline HTTPRequest askPicture(const std::string& mobile) {
@@ -40,12 +37,8 @@ inline HTTPRequest logIn(const std::string& code) {
 /// Returns a request as the page on this machine sends it.
 inline HTTPRequest local(std::string path, std::string query = "", std::string method = "GET",
                          std::string body = "") {
-  return {.method = std::move(method),
-          .path = std::move(path),
-          .headers = {{"Host", "localhost"}, {"Origin", "http://localhost"}},
-          .body = std::move(body),
-          .peer = "127.0.0.1",
-          .query = std::move(query)};
+  const decltype(HTTPRequest::headers) headers = {{"Host", "localhost"}, {"Origin", "http://localhost"}};
+  return {std::move(method), std::move(path), headers, std::move(body), "127.0.0.1", std::move(query)};
 }
 
 /// A service with a clock and a random source that the test sets.

@@ -197,36 +197,30 @@ TEST(SignInProgram, ReportsHowItEnded) {
 
 TEST(SignInProgram, TellsWhatItWaitsForAndLeavesTheTerminalAsItWas) {
   using Then = LoopbackServer::Then;
-  struct Case {
-    std::string option;
-    LoopbackServer::Answer answer;
-    std::string typed;
-    std::string heard;
-    int status;
-  };
   const LoopbackServer::Answer refusal = answer(R"({"code":7,"msg":"no"})");
   const LoopbackServer::Answer silence{"", Then::hold};
-  const Case cases[] = {
+  using Answer = LoopbackServer::Answer;
+  const std::tuple<std::string, Answer, std::string, std::string, int> cases[] = {
+      // Option, answer, what is typed and heard then, status.
       {"--auto", refusal, "", "orvane-signin: picture: no (refused, 7)\r\n", 1},
       {"--trace", refusal, "", "# ", 1},
-      {"--auto", {"", Then::close}, "", "orvane: requestPictureCode: NSURLErrorDomain (-1005)\r\n", 3},
+      {"--auto", Answer{"", Then::close}, "", "orvane: requestPictureCode: NSURLErrorDomain (-1005)\r\n", 3},
       {"--auto", silence, "\x03", "\x1b[0m", -SIGINT},
       {"--json", silence, "\x03", "\x1b[0m{\"step\":\"picture\",\"outcome\":\"interrupted\"", -SIGINT},
   };
-  for (const Case& each : cases) {
+  for (const auto& [option, reply, typed, last, status] : cases) {
     std::promise<void> heard;
-    const LoopbackServer server([&](const auto&) {
+    const LoopbackServer server([&heard, reply = reply](const auto&) {
       heard.get_future().wait();
-      return each.answer;
+      return reply;
     });
-    Conversation talk(
-        {SIGNIN_PROGRAM, connectTo(server.port()), "--mobile=1", "--only=picture", each.option});
+    Conversation talk({SIGNIN_PROGRAM, connectTo(server.port()), "--mobile=1", "--only=picture", option});
     talk.hear("Waiting for the picture ...");
     heard.set_value();
-    talk.say(each.typed);
+    talk.say(typed);
     talk.hear("\r\x1b[K");
-    EXPECT_EQ(talk.hear(each.heard), "");
-    EXPECT_EQ(talk.status(), each.status);
+    EXPECT_EQ(talk.hear(last), "");
+    EXPECT_EQ(talk.status(), status);
   }
   Conversation asked({SIGNIN_PROGRAM});
   asked.hear("Mobile number: ");
