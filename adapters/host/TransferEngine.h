@@ -37,8 +37,8 @@ class TransferEngine {
 
   void accept(DataTask&& task);
 
-  /// Does what can be done now, and appends the calls of finished tasks to `due`. Returns true if there is
-  /// more to do at once.
+  /// Does what can be done now, and puts the calls of finished tasks into `due`, which is empty before.
+  /// Returns true if there is more to do at once.
   bool advance(std::vector<HandlerCall>& due);
 
   /// Returns true if a socket is ready.

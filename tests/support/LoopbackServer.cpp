@@ -53,10 +53,9 @@ void LoopbackServer::setScript(Script script) {
   script_ = std::move(script);
 }
 
-void LoopbackServer::release(const std::string& bytes, bool isLast) {
+void LoopbackServer::release(const std::string& bytes) {
   for (auto& [descriptor, connection] : connections_) {
-    if (connection.held) sendAll(descriptor, bytes);
-    if (isLast) connection.held = false;
+    if (std::exchange(connection.held, false)) sendAll(descriptor, bytes);
   }
 }
 

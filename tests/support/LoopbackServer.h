@@ -46,8 +46,8 @@ class LoopbackServer {
   std::vector<Request> requests() const;
   void setScript(Script script);
 
-  /// Sends `bytes` on all held connections. Holds them no longer if `isLast`. Only the script may call it.
-  void release(const std::string& bytes, bool isLast = true);
+  /// Sends `bytes` on all held connections, and holds them no longer. Only the script may call it.
+  void release(const std::string& bytes);
 
  private:
   struct Connection {
