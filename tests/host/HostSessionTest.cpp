@@ -19,7 +19,7 @@
 #include "tests/support/entries.h"
 #include "tests/support/perform.h"
 
-namespace orvane {
+namespace orvane::test {
 
 // The linker replaces the first function by the second, so that a test can limit the number of threads.
 void threadOfTheSystem(std::function<void()> body) __asm__("__real_" START_BACKGROUND_THREAD);
@@ -38,14 +38,6 @@ void threadOfTheTest(std::function<void()> body) {
 
 namespace {
 
-using test::Certificate;
-using test::entries;
-using test::LoopbackServer;
-using test::perform;
-using test::reply;
-using test::start;
-using test::TaskOutcome;
-using test::TLSServer;
 using Then = LoopbackServer::Then;
 using Answer = LoopbackServer::Answer;
 using Request = LoopbackServer::Request;
@@ -453,4 +445,4 @@ TEST(HostSession, ChecksCertificates) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

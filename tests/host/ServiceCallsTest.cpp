@@ -7,11 +7,9 @@
 #include "tests/support/AdapterUnderTest.h"
 #include "tests/support/LoopbackServer.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
-using test::LoopbackServer;
-using test::reply;
 using Answer = LoopbackServer::Answer;
 using Request = LoopbackServer::Request;
 
@@ -23,7 +21,7 @@ LoopbackServer& service() {
 
 class ServiceCalls : public testing::Test {
  protected:
-  static void SetUpTestSuite() { test::installAdapter(service().port()); }
+  static void SetUpTestSuite() { installAdapter(service().port()); }
 
   /// Runs the main queue until the call ends. Returns true if `finished` was called on it.
   static bool finish(const std::function<void(std::function<void()> over)>& call) {
@@ -141,4 +139,4 @@ TEST_F(ServiceCalls, ManyThreadsAtOnceAreAllAnswered) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -8,13 +8,8 @@
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/perform.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::LoopbackServer;
-using test::makeSession;
-using test::start;
-using test::TaskOutcome;
 
 /// A session, and a way to have `count` replies come for the requests that were started.
 struct SessionUnderTest {
@@ -41,7 +36,7 @@ struct FakeUnderTest final : SessionUnderTest {
     }
     if (!session) fake.reset();
   }
-  std::shared_ptr<test::FakeSession> fake = std::make_shared<test::FakeSession>();
+  std::shared_ptr<FakeSession> fake = std::make_shared<FakeSession>();
   std::size_t answered = 0;
 };
 
@@ -55,7 +50,7 @@ struct SocketsUnderTest final : SessionUnderTest {
   void awaitMost(std::size_t count) override {
     while (server.requests().size() < count) std::this_thread::yield();
   }
-  LoopbackServer server{[](const auto&) { return LoopbackServer::Answer{test::reply("")}; }};
+  LoopbackServer server{[](const auto&) { return LoopbackServer::Answer{reply("")}; }};
 };
 
 template <class T>
@@ -140,4 +135,4 @@ INSTANTIATE_TEST_SUITE_P(Fake, SessionContract, testing::Values(&make<FakeUnderT
 INSTANTIATE_TEST_SUITE_P(Adapter, SessionContract, testing::Values(&make<SocketsUnderTest>));
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -19,12 +19,9 @@
 #include "tests/support/perform.h"
 #include "tests/support/spawn.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
-using test::LoopbackServer;
-using test::perform;
-using test::reply;
 using Then = LoopbackServer::Then;
 using Answer = LoopbackServer::Answer;
 using Request = LoopbackServer::Request;
@@ -33,7 +30,7 @@ using Request = LoopbackServer::Request;
 int statusOf(std::vector<std::string> words, std::chrono::duration<double, std::milli>& took) {
   int ends[2];
   EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-  const pid_t process = test::spawn(std::move(words), ends[1]);
+  const pid_t process = spawn(std::move(words), ends[1]);
   EXPECT_GT(process, 0);
   ::close(ends[1]);
   char announcement = 0;
@@ -155,4 +152,4 @@ TEST(BrokenPipe, RaisesNoSignal) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

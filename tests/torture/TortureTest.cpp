@@ -10,12 +10,9 @@
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/entries.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
-using test::entries;
-using test::LoopbackServer;
-using test::reply;
 using Then = LoopbackServer::Then;
 using Answer = LoopbackServer::Answer;
 using Request = LoopbackServer::Request;
@@ -180,4 +177,4 @@ INSTANTIATE_TEST_SUITE_P(Rounds, Torture, testing::Bool(), [](const auto& round)
 });
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test
