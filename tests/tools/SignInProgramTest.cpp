@@ -196,6 +196,7 @@ TEST(SignInProgram, ReportsHowItEnded) {
 }
 
 TEST(SignInProgram, TellsWhatItWaitsForAndLeavesTheTerminalAsItWas) {
+  std::signal(SIGINT, SIG_DFL);  // A shell may have started these tests to ignore it.
   using Then = LoopbackServer::Then;
   const LoopbackServer::Answer refusal = answer(R"({"code":7,"msg":"no"})");
   const LoopbackServer::Answer silence{"", Then::hold};
