@@ -26,6 +26,7 @@ TEST(MainQueue, RunsInOrderUntilStopped) {
   EXPECT_EQ(ran, (std::vector<int>{1, 2, 3}));
   queue.stop();
   EXPECT_TRUE(queue.run(std::chrono::milliseconds::max()));
+  EXPECT_FALSE(MainQueue().run(std::chrono::milliseconds(0)));
   const std::function<void()> again = [&] { queue.async(again); };
   again();
   EXPECT_FALSE(queue.run(std::chrono::milliseconds(1)));
