@@ -43,6 +43,8 @@ TEST(ErrorKind, OfARefusalIsNotToldByItsText) {
       {{"NSURLErrorDomain", -1001, {}, std::make_shared<int>()}, timedOut, late},
       {{"NSURLErrorDomain", -1001, {{"NSLocalizedDescription", "Too late."}}}, timedOut, "Too late."},
       {{"NSURLErrorDomain", -1001, {{"NSLocalizedDescription", 7}}}, timedOut, late},
+      {{"NSURLErrorDomain", -1199, {{"a", "b"}}}, other, "The request failed."},
+      {{"NSURLErrorDomain", -1207, {{"a", "b"}}}, other, "The request failed."},
       {{"Another", -1001, {{"a", "b"}}}, other, "The request failed."},
       {{domain, -1, {{"error", "反序列化失败"}}}, notReadable, "The service's reply could not be read."},
       {{domain, -1, {{"error", "请求建立失败"}}}, notSent, "The request could not be sent."},

@@ -1,14 +1,21 @@
 #include <gtest/gtest.h>
 
 #include "orvane/client/GuardedSession.h"
+#include "orvane/client/serviceBaseURL.h"
 #include "tests/support/FakeSession.h"
 
 namespace orvane::test {
 namespace {
 
-TEST(GuardedSession, CancelsWhatItsSessionDoes) {
+TEST(GuardedSession, PutsARefusalInThePlaceOfAFailedLogin) {
   const auto session = std::make_shared<FakeSession>();
-  GuardedSession(session, "").cancelAllOperations();
+  GuardedSession guarded(session, "no");
+  std::optional<HTTPResponse> response;
+  guarded.startDataTask(URLRequest(std::string(serviceBaseURL()) + "/tenant/submitVerifyCode"),
+                        [&](const auto& result) { response = result.response; });
+  session->answer(failed({}));
+  EXPECT_EQ(response.value().statusCode, 200);
+  guarded.cancelAllOperations();
   EXPECT_EQ(session->cancellations, 1);
 }
 
