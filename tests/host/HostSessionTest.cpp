@@ -1,6 +1,7 @@
 #include <atomic>
 #include <climits>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <malloc.h>
@@ -221,9 +222,13 @@ TEST(HostSession, GivesUpInTime) {
 }
 
 TEST(HostSession, GivesUpFirstWhatCameFirst) {
-  LoopbackServer server([](const Request& request) {
-    if (request.head.find("Host: from.example") == request.head.npos) return Answer{"", Then::hold};
-    return Answer{reply("", "Location: http://to.example/\r\n", "302 Elsewhere")};
+  std::atomic<bool> isHeld = false;
+  std::promise<void> held;
+  LoopbackServer server([&](const Request& request) {
+    if (request.head.find("Host: from.example") != request.head.npos)
+      return Answer{reply("", "Location: http://to.example/\r\n", "302 Elsewhere")};
+    if (!isHeld.exchange(true)) held.set_value();
+    return Answer{"", Then::hold};
   });
   HostSession session({.totalTimeout = milliseconds(400),
                        .connectionsPerHost = 1,
@@ -232,6 +237,7 @@ TEST(HostSession, GivesUpFirstWhatCameFirst) {
   // The first has the connection; a redirect brings the third and the fourth after the second.
   std::string order;
   std::promise<void> all;
+  const std::clock_t begun = std::clock();
   for (const auto& [name, host] : {std::pair('1', "to"), {'2', "to"}, {'3', "from"}, {'4', "from"}}) {
     session.startDataTask(URLRequest("http://" + std::string(host) + ".example/"),
                           [&, name = name](const auto&) {
@@ -239,8 +245,11 @@ TEST(HostSession, GivesUpFirstWhatCameFirst) {
                             if (order.size() == 4) all.set_value();
                           });
   }
+  held.get_future().wait();
+  for (int i = 0; i < 20; ++i) perform(session, URLRequest("nowhere"));  // Each wakes the session.
   all.get_future().wait();
   EXPECT_EQ(order, "1234");
+  EXPECT_LT(std::clock() - begun, CLOCKS_PER_SEC / 5) << "The session spins where it should sleep.";
 }
 
 TEST(HostSession, EndsItsThreads) {
