@@ -19,8 +19,8 @@ function(orvane_compile_options target)
   set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
 
-# Most of the library and of the tools waits for the network, so it is compiled for size. The files that work on
-# text or pictures override this.
+# Most of the library and of the tools waits for the network, so it is compiled for size. The files that
+# work on text or pictures override this.
 set(ORVANE_SIZE_OPTIONS $<$<CONFIG:Release>:-Os>)
 
 # The shared library is a tenth smaller when the compiler sees it as a whole.
