@@ -13,16 +13,9 @@
 namespace orvane {
 namespace {
 
-/// Returns what happened to a socket, as curl itself would see it.
-int curlEvents(const pollfd& socket) {
-  constexpr short broken = POLLERR | POLLHUP | POLLNVAL;
-  const auto had = [&](short event) { return (socket.revents & event) != 0; };
-  const auto wanted = [&](short event) { return (socket.events & event) != 0; };
-  int events = 0;
-  if (had(POLLIN) || (wanted(POLLIN) && had(broken))) events |= CURL_CSELECT_IN;
-  if (had(POLLOUT)) events |= CURL_CSELECT_OUT;
-  if (wanted(POLLOUT) && had(broken)) events |= CURL_CSELECT_ERR;
-  return events;
+/// Returns what happened to a socket. Nothing if it is only broken: then curl looks for itself.
+int curlEvents(short events) {
+  return ((events & POLLIN) != 0 ? CURL_CSELECT_IN : 0) | ((events & POLLOUT) != 0 ? CURL_CSELECT_OUT : 0);
 }
 
 }  // namespace
@@ -71,20 +64,9 @@ void CurlMulti::openWakePipe() noexcept {
 
 /// Throws nothing, since curl calls it.
 int CurlMulti::watch(curl_socket_t socket, int what) try {
-  const auto place = std::find_if(watched_.begin() + 1, watched_.end(),
-                                  [socket](const pollfd& watched) { return watched.fd == socket; });
-  if (what == CURL_POLL_REMOVE) {
-    if (place != watched_.end()) watched_.erase(place);
-    return 0;
-  }
-  const bool in = what == CURL_POLL_IN || what == CURL_POLL_INOUT;
-  const bool out = what == CURL_POLL_OUT || what == CURL_POLL_INOUT;
-  const auto events = static_cast<short>((in ? POLLIN : 0) | (out ? POLLOUT : 0));
-  if (place != watched_.end()) {
-    place->events = events;
-  } else {
-    watched_.push_back({socket, events, 0});
-  }
+  std::erase_if(watched_, [socket](const pollfd& watched) { return watched.fd == socket; });
+  const int events = (what != CURL_POLL_OUT ? POLLIN : 0) | (what != CURL_POLL_IN ? POLLOUT : 0);
+  if (what != CURL_POLL_REMOVE) watched_.push_back({socket, static_cast<short>(events), 0});
   return 0;
 } catch (const std::bad_alloc&) {
   return -1;
@@ -128,7 +110,7 @@ void CurlMulti::perform() noexcept {
   if (ready_.empty()) curl_multi_socket_action(multi_.get(), CURL_SOCKET_TIMEOUT, 0, &running);
   // With a socket curl also does all else that is due.
   for (const pollfd& socket : ready_)
-    curl_multi_socket_action(multi_.get(), socket.fd, curlEvents(socket), &running);
+    curl_multi_socket_action(multi_.get(), socket.fd, curlEvents(socket.revents), &running);
   ready_.clear();
 }
 
