@@ -85,7 +85,7 @@ bool CurlMulti::wait(Clock::time_point end) {
   const milliseconds::rep longest = wakeReader_ < 0 ? aWhile : INT_MAX;
   const auto timeout = std::clamp<milliseconds::rep>(limit, 0, longest);
   const int changed = poll(watched_.data(), static_cast<nfds_t>(watched_.size()), static_cast<int>(timeout));
-  if (changed == 0 || (changed < 0 && errno == EINTR)) return false;
+  if (changed < 0 && errno == EINTR) return false;
   if (changed < 0) {
     std::this_thread::sleep_for(milliseconds(std::min(timeout, aWhile)));
     for (pollfd& watched : watched_) watched.revents = watched.events;

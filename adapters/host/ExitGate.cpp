@@ -1,8 +1,10 @@
 #include "adapters/host/ExitGate.h"
 
 #include <cstdlib>
+#include <optional>
 #include <pthread.h>
 #include <thread>
+#include <utility>
 
 namespace orvane {
 namespace {
@@ -23,6 +25,22 @@ void ExitGate::enter() {
 void ExitGate::leave() {
   --inside_;
   passedHere = nullptr;
+}
+
+void ExitGate::enterUntilThreadEnds() {
+  // The system calls the destructors of a thread's values in rounds, as long as there are values. What
+  // libraries have set goes in the first round, so that the gate's pass, set again then, goes in the second.
+  static thread_local bool isFirstRound = true;
+  static const std::optional<pthread_key_t> key = [] {
+    pthread_key_t made{};
+    const auto release = +[](void* gate) {
+      if (!std::exchange(isFirstRound, false) || pthread_setspecific(*key, gate) != 0)
+        static_cast<ExitGate*>(gate)->leave();
+    };
+    return pthread_key_create(&made, release) == 0 ? std::optional(made) : std::nullopt;
+  }();
+  enter();
+  if (!key || pthread_setspecific(*key, this) != 0) leave();
 }
 
 int ExitGate::heldHere() const {

@@ -75,6 +75,7 @@ void SessionThreads::serve() {
   mutex_.unlock();
   changed_.notify_one();  // Wakes the other thread, which nothing else does.
   if (isLast) engine_.close();
+  curlGate().enterUntilThreadEnds();
 }
 
 /// Returns when there are none, or a lone thread has handlers to call.

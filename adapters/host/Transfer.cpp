@@ -13,7 +13,6 @@
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
 #include "orvane/base/appendPercentEncoded.h"
-#include "orvane/platform/URLParts.h"
 
 namespace orvane {
 namespace {
@@ -25,15 +24,11 @@ constexpr const char* userAgent = "Orvane/" ORVANE_VERSION;
 constexpr std::size_t maximumHeaderSize = 256U << 10;  // In bytes.
 constexpr std::size_t maximumHeaderLines = 4000;
 
-/// Returns the URL with bytes beyond ASCII percent-encoded, except in the host, which curl encodes for the
-/// name system.
+/// Returns the URL with bytes beyond ASCII percent-encoded. curl decodes those of the host for the name system.
 std::string wireURL(const std::string& url) {
-  const auto isPlain = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
-  if (std::all_of(url.begin(), url.end(), isPlain)) return url;
-  const std::string_view host = splitURL(url).host;
   std::string encoded;
-  for (const char& c : url) {
-    if (isPlain(c) || (&c >= host.data() && &c < host.data() + host.size())) {
+  for (const char c : url) {
+    if (static_cast<unsigned char>(c) < 0x80) {
       encoded.push_back(c);
     } else {
       appendPercentEncoded(encoded, c);

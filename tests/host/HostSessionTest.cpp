@@ -208,7 +208,9 @@ TEST(HostSession, FollowsRedirects) {
 }
 
 TEST(HostSession, GivesUpInTime) {
-  LoopbackServer server([](const Request&) { return Answer{"", Then::hold}; });
+  LoopbackServer server([](const Request& request) {
+    return request.head.starts_with("GET /good") ? Answer{reply("ok")} : Answer{"", Then::hold};
+  });
   HostSessionConfiguration idle, total;
   idle.idleTimeout = total.totalTimeout = milliseconds(30);
   for (HostSessionConfiguration configuration : {idle, total}) {
@@ -219,6 +221,8 @@ TEST(HostSession, GivesUpInTime) {
     EXPECT_EQ(transferring.get().text(), "error -1001");
     EXPECT_EQ(waiting.get().text(), "error -1001");
   }
+  HostSession patient({.idleTimeout = milliseconds::max(), .totalTimeout = milliseconds::max()});
+  EXPECT_EQ(perform(patient, URLRequest(server.url("/good"))), "ok");
 }
 
 TEST(HostSession, GivesUpFirstWhatCameFirst) {
@@ -308,9 +312,11 @@ TEST(HostSession, GoesOnWherePollFails) {
     return Answer{reply("ok"), Then::keep, "", milliseconds(10)};
   });
   HostSession session({.idleTimeout = std::chrono::seconds(5)});
+  const std::clock_t begun = std::clock();
   const std::string outcome = perform(session, URLRequest(server.url()));
   limit.reset();
   EXPECT_EQ(outcome, "ok");
+  EXPECT_LT(std::clock() - begun, CLOCKS_PER_SEC / 5) << "The session spins where it should sleep.";
 }
 
 TEST(HostSession, WorksOnUpToTwoThreads) {
@@ -338,7 +344,7 @@ TEST(HostSession, SharesItsConnectionsAmongHosts) {
   constexpr std::size_t hosts = 100;
   constexpr std::size_t limit = 8;
   LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
-  HostSessionConfiguration configuration{.maximumConnections = limit};
+  HostSessionConfiguration configuration{.connectionsPerHost = 1, .maximumConnections = limit};
   for (std::size_t i = 0; i < hosts; ++i)
     configuration.reroutes.push_back({"host" + std::to_string(i), 80, "127.0.0.1", server.port()});
   HostSession session(configuration);
@@ -403,7 +409,10 @@ TEST(HostSession, KeepsCookiesToItselfAndWithinBounds) {
     std::string cookies = "Set-Cookie: a=b\r\n";
     for (int i = 0; i < 45 && request.head.starts_with("GET /many"); ++i)
       cookies += "Set-Cookie: c" + std::to_string(++fresh) + "=d\r\n";
-    return Answer{reply("", cookies)};
+    for (int i = 0; i < 33 && request.head.starts_with("GET /large"); ++i)
+      cookies += "Set-Cookie: l" + std::to_string(i) + "=" + std::string(4000, 'd') + "\r\n";
+    const bool isHeld = request.head.starts_with("GET /hold");
+    return isHeld ? Answer{"", Then::hold} : Answer{reply("", cookies)};
   });
   HostSession session;
   HostSession other;
@@ -417,10 +426,14 @@ TEST(HostSession, KeepsCookiesToItselfAndWithinBounds) {
     return head.substr(0, head.find("\r\n"));
   };
   EXPECT_EQ(cookieLine(session, "/"), "Cookie: own=1");
+  session.startDataTask(URLRequest(server.url("/hold")), nullptr);  // Later requests use another connection.
+  while (server.requests().size() < 2) std::this_thread::yield();
   for (int i = 0; i < 400; ++i) EXPECT_EQ(cookieLine(session, "/"), "Cookie: a=b; own=1");
   int emptied = 0;
   for (int i = 0; i < 8; ++i) emptied += cookieLine(session, "/many") == "Cookie: own=1" ? 1 : 0;
   EXPECT_EQ(emptied, 1);
+  cookieLine(session, "/large");
+  EXPECT_EQ(cookieLine(session, "/"), "Cookie: own=1");
   EXPECT_EQ(cookieLine(other, "/"), "Cookie: own=1");
 }
 

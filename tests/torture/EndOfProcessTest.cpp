@@ -140,8 +140,7 @@ TEST(BrokenPipe, RaisesNoSignal) {
     const bool isTunnel = request.head.starts_with("CONNECT");
     return isTunnel ? Answer{"HTTP/1.1 200 OK\r\n\r\nno TLS", Then::close} : Answer{"", Then::reset};
   });
-  // Lives for ever: a thread that has used TLS must not end while the process does and OpenSSL cleans up.
-  static HostSession& proxied = *new HostSession({.proxy = server.url("")});
+  HostSession proxied({.proxy = server.url("")});
   for (int i = 0; i < 10; ++i) {
     for (const char* url : {"https://name.example/", "http://name.example/"}) {
       URLRequest request(url);

@@ -1,0 +1,42 @@
+#include <atomic>
+#include <chrono>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <thread>
+
+#include "adapters/host/ExitGate.h"
+
+namespace orvane::test {
+namespace {
+
+/// What a library keeps for a thread, and cleans up once the gate is about to close.
+struct Kept {
+  ~Kept() {
+    while (!isClosing) std::this_thread::yield();
+    for (int times = 0; times < 1000; ++times) std::this_thread::yield();
+    isClean = true;
+  }
+  std::atomic<bool>& isClosing;
+  std::atomic<bool>& isClean;
+};
+
+TEST(ExitGate, WaitsForWhatLibrariesCleanUpAtTheEndOfAThread) {
+  pthread_key_t key{};
+  pthread_key_create(&key, [](void* kept) { delete static_cast<Kept*>(kept); });
+  ExitGate gate;
+  std::atomic<bool> isEntered = false, isClosing = false, isClean = false;
+  std::thread thread([&] {
+    pthread_setspecific(key, new Kept{isClosing, isClean});
+    gate.enterUntilThreadEnds();
+    isEntered = true;
+  });
+  while (!isEntered) std::this_thread::yield();
+  isClosing = true;
+  gate.close(std::chrono::seconds(10));
+  EXPECT_TRUE(isClean);
+  thread.join();
+  pthread_key_delete(key);
+}
+
+}  // namespace
+}  // namespace orvane::test
