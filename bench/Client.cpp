@@ -10,10 +10,12 @@
 #include <netinet/tcp.h>
 #include <stdexcept>
 #include <sys/socket.h>
+#include <thread>
 #include <unistd.h>
 
 #include "bench/CurlPost.h"
 #include "orvane/client/serviceBaseURL.h"
+#include "orvane/platform/MainQueue.h"
 
 namespace orvane::bench {
 namespace {
@@ -154,6 +156,32 @@ class SocketClient final : public Client {
   std::array<char, 65536> chunk_;
 };
 
+/// Has a client post on a thread of its own, and waits on a main queue for the reply.
+class HandingClient final : public Client {
+ public:
+  explicit HandingClient(std::unique_ptr<Client> client) : client_(std::move(client)) {}
+  ~HandingClient() override {
+    jobs_.stop();
+    thread_.join();
+  }
+
+  const std::string& post(std::string_view path, const std::string& body) override {
+    jobs_.async([this, path = std::string(path), body] {
+      reply_ = &client_->post(path, body);
+      replies_.async([this] { replies_.stop(); });
+    });
+    replies_.run();
+    return *reply_;
+  }
+
+ private:
+  const std::unique_ptr<Client> client_;
+  MainQueue jobs_;
+  MainQueue replies_;
+  const std::string* reply_ = nullptr;
+  std::thread thread_{[this] { jobs_.run(); }};
+};
+
 }  // namespace
 
 Client::~Client() = default;
@@ -169,6 +197,10 @@ std::unique_ptr<Client> makeBeastClient(std::uint16_t port) {
 }
 std::unique_ptr<Client> makeSocketClient(std::uint16_t port) {
   return std::make_unique<SocketClient>(port);
+}
+
+std::unique_ptr<Client> makeHandingClient(std::unique_ptr<Client> client) {
+  return std::make_unique<HandingClient>(std::move(client));
 }
 
 }  // namespace orvane::bench

@@ -26,5 +26,8 @@ std::unique_ptr<Client> makeHttplibClient(std::uint16_t port);
 std::unique_ptr<Client> makeBeastClient(std::uint16_t port);
 /// A blocking socket that reads nothing of the reply's head but its length: the floor.
 std::unique_ptr<Client> makeSocketClient(std::uint16_t port);
+/// Posts by `client` on a thread of its own, which hands each reply to a main queue: what an application does
+/// whose main thread must not wait, and what the library does for it.
+std::unique_ptr<Client> makeHandingClient(std::unique_ptr<Client> client);
 
 }  // namespace orvane::bench

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "bench/CurlPosts.h"
+#include "bench/HandingPosts.h"
 #include "bench/Rounds.h"
 #include "bench/ServerProcess.h"
 #include "bench/ServiceReplies.h"
@@ -35,11 +36,13 @@ void compareProcessorTimes(const std::string& how, std::uint16_t port, bool isPi
   constexpr std::size_t calls = 1500;
   constexpr std::size_t signIns = 2 * pictureCount;
   const auto client = makeCurlEasyClient(port);
+  const auto handing = makeHandingClient(makeCurlEasyClient(port));
   const Codec own = ownCodec();
   const Codec nlohmann = nlohmannCodec();
   const std::vector<Figures> figures = takeTurns({
       {"call", [] { return processorTimeEach(calls, [] { requestCode(); }); }},
       {"call by hand", [&] { return processorTimeEach(calls, [&] { requestCode(*client, own); }); }},
+      {"call handed over", [&] { return processorTimeEach(calls, [&] { requestCode(*handing, own); }); }},
       {"sign-in", [] { return processorTimeEach(signIns, [] { signIn(); }); }},
       {"sign-in by hand", [&] { return processorTimeEach(signIns, [&] { signIn(*client, nlohmann); }); }},
       {"sign-in, own reader", [&] { return processorTimeEach(signIns, [&] { signIn(*client, own); }); }},
@@ -48,9 +51,11 @@ void compareProcessorTimes(const std::string& how, std::uint16_t port, bool isPi
   const std::string time = "processor time, ";
   compare({"8", time + "tiny call" + how}, figures[0], "curl easy, own reader", figures[1],
           {share, pinnedGoal(1.10)});
-  compare({"8", time + "whole sign-in" + how}, figures[2], "curl easy, nlohmann", figures[3],
+  compare({"8", time + "tiny call" + how}, figures[0], "curl easy, handed over", figures[2],
+          {share, pinnedGoal(1.10)});
+  compare({"8", time + "whole sign-in" + how}, figures[3], "curl easy, nlohmann", figures[4],
           {share, pinnedGoal(0.35)});
-  compare({"8", time + "whole sign-in" + how}, figures[2], "curl easy, own reader", figures[4], {share, {}});
+  compare({"8", time + "whole sign-in" + how}, figures[3], "curl easy, own reader", figures[5], {share, {}});
 }
 
 void compareSignIns(const std::string& how, std::uint16_t port, bool isPinned) {
@@ -127,15 +132,15 @@ void compareBursts(const std::string& how, std::uint16_t port, bool isPinned) {
   const Codec codec = ownCodec();
   const std::string body = codec.body(codeFields());
   CurlPosts multi(port, connections);
+  HandingPosts handing(port, connections);
+  const auto newBody = [&] { return codec.body(codeFields()); };
+  const auto readReply = [&](const std::string& reply) { codec.message(reply).value(); };
   const auto bare = [&](std::size_t count) {
-    const auto written = [&] { return std::string(body); };
-    multi.post(count, codeCall.path, written, [](const auto&) {});
-  };
-  const auto whole = [&](std::size_t count) {
     multi.post(
-        count, codeCall.path, [&] { return codec.body(codeFields()); },
-        [&](const std::string& reply) { codec.message(reply).value(); });
+        count, codeCall.path, [&] { return std::string(body); }, [](const auto&) {});
   };
+  const auto whole = [&](std::size_t count) { multi.post(count, codeCall.path, newBody, readReply); };
+  const auto handed = [&](std::size_t count) { handing.post(count, codeCall.path, newBody, readReply); };
 
   constexpr std::array<std::size_t, 3> counts = {64, 1'000, 10'000};
   std::vector<Contestant> contestants;
@@ -144,17 +149,19 @@ void compareBursts(const std::string& how, std::uint16_t port, bool isPinned) {
     contestants.push_back({name, [count] { return burst(count, requestCodes); }});
     contestants.push_back({name + " bare", [count, &bare] { return burst(count, bare); }});
     contestants.push_back({name + " whole", [count, &whole] { return burst(count, whole); }});
+    contestants.push_back({name + " handed", [count, &handed] { return burst(count, handed); }});
   }
   const std::vector<Figures> figures = takeTurns(contestants);
   for (std::size_t i = 0; i < counts.size(); ++i) {
     const Topic topic = {"5", std::to_string(counts[i]) + " calls at once" + how};
-    const Figures& ours = figures[3 * i];
-    const bool hasGoal = isPinned && counts[i] > counts[0];
-    compare(topic, ours, "curl multi, nothing read", figures[3 * i + 1],
-            {Goal::Form::multiple, hasGoal ? std::optional(0.85) : std::nullopt});
-    compare(topic, ours, "curl multi, own reader", figures[3 * i + 2], {Goal::Form::multiple, {}});
+    const Figures& ours = figures[4 * i];
+    const Goal goal = {Goal::Form::multiple,
+                       isPinned && counts[i] > counts[0] ? std::optional(0.85) : std::nullopt};
+    compare(topic, ours, "curl multi, nothing read", figures[4 * i + 1], goal);
+    compare(topic, ours, "curl multi, own reader", figures[4 * i + 2], {Goal::Form::multiple, {}});
+    compare(topic, ours, "curl multi, handed over", figures[4 * i + 3], goal);
   }
-  compare({"5", "10000 calls at once" + how}, figures[6], "the library, 64 at once", figures[0],
+  compare({"5", "10000 calls at once" + how}, figures[8], "the library, 64 at once", figures[0],
           {share, 1.25});
 }
 

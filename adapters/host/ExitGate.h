@@ -28,8 +28,8 @@ class ExitGate {
   /// Closes the gate. Returns when no other thread is inside, or after `limit`.
   void close(std::chrono::milliseconds limit);
 
-  /// Enters for the rest of the calling thread. The thread leaves when the libraries that it used have cleaned
-  /// up what they kept for it. Call it last: the thread must not wait for anything afterwards.
+  /// Enters for the rest of the calling thread's life. The thread leaves once the libraries that it used have
+  /// cleaned up what they kept for it. Call it last, since the end of the process waits for the thread.
   void enterUntilThreadEnds();
 
   /// Forgets the threads that a child made by fork() does not have.

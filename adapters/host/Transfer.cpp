@@ -24,11 +24,15 @@ constexpr const char* userAgent = "Orvane/" ORVANE_VERSION;
 constexpr std::size_t maximumHeaderSize = 256U << 10;  // In bytes.
 constexpr std::size_t maximumHeaderLines = 4000;
 
-/// Returns the URL with bytes beyond ASCII percent-encoded. curl decodes those of the host for the name system.
-std::string wireURL(const std::string& url) {
+bool isASCII(char c) {
+  return static_cast<unsigned char>(c) < 0x80;
+}
+
+/// Returns the URL with bytes beyond ASCII percent-encoded. curl decodes those of the host again.
+std::string percentEncoded(const std::string& url) {
   std::string encoded;
   for (const char c : url) {
-    if (static_cast<unsigned char>(c) < 0x80) {
+    if (isASCII(c)) {
       encoded.push_back(c);
     } else {
       appendPercentEncoded(encoded, c);
@@ -120,7 +124,8 @@ CURLcode Transfer::prepare(DataTask&& task) {
   task_ = std::move(task);
   exchange_ = {.lastActivity = context_.now};
   errorText_[0] = '\0';
-  set(CURLOPT_URL, wireURL(task_.request.url()).c_str());
+  const std::string& url = task_.request.url();
+  set(CURLOPT_URL, std::all_of(url.begin(), url.end(), isASCII) ? url.c_str() : percentEncoded(url).c_str());
   setMethodAndBody();
   setHeaders();
   return setUp_;
