@@ -43,20 +43,13 @@ void ExitGate::enterUntilThreadEnds() {
   if (!key || pthread_setspecific(*key, this) != 0) leave();
 }
 
-int ExitGate::heldHere() const {
-  return passedHere == this ? 1 : 0;
-}
-
 void ExitGate::close(std::chrono::milliseconds limit) {
   using Clock = std::chrono::steady_clock;
   closed_ = true;
+  const int heldHere = passedHere == this ? 1 : 0;
   const auto end = Clock::now() + limit;
-  while (inside_ > heldHere() && Clock::now() < end)
+  while (inside_ > heldHere && Clock::now() < end)
     std::this_thread::sleep_for(std::chrono::microseconds(100));
-}
-
-void ExitGate::keepOnlyThisThread() {
-  inside_ = heldHere();
 }
 
 ExitGate& curlGate() {
@@ -70,10 +63,6 @@ ExitGate& handlerGate() {
 }
 
 void closeGatesAtExit() {
-  pthread_atfork(nullptr, nullptr, [] {
-    curlGate().keepOnlyThisThread();
-    handlerGate().keepOnlyThisThread();
-  });
   std::atexit([] {
     // A handler may wait for the very thread that ends the process, so its limit is short. curl returns soon.
     handlerGate().close(std::chrono::milliseconds(500));

@@ -32,13 +32,9 @@ class ExitGate {
   /// cleaned up what they kept for it. Call it last, since the end of the process waits for the thread.
   void enterUntilThreadEnds();
 
-  /// Forgets the threads that a child made by fork() does not have.
-  void keepOnlyThisThread();
-
  private:
   void enter();
   void leave();
-  int heldHere() const;
 
   std::atomic<int> inside_ = 0;
   std::atomic<bool> closed_ = false;

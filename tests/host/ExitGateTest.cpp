@@ -21,9 +21,13 @@ struct Kept {
 };
 
 TEST(ExitGate, WaitsForWhatLibrariesCleanUpAtTheEndOfAThread) {
+  ExitGate gate;
+  { const ExitGate::Pass pass(gate); }  // Leaves nothing of this thread inside.
+  std::thread([&] {
+    gate.enterUntilThreadEnds();
+  }).join();  // Its values may be cleaned up before the library's.
   pthread_key_t key{};
   pthread_key_create(&key, [](void* kept) { delete static_cast<Kept*>(kept); });
-  ExitGate gate;
   std::atomic<bool> isEntered = false, isClosing = false, isClean = false;
   std::thread thread([&] {
     pthread_setspecific(key, new Kept{isClosing, isClean});
@@ -36,6 +40,14 @@ TEST(ExitGate, WaitsForWhatLibrariesCleanUpAtTheEndOfAThread) {
   EXPECT_TRUE(isClean);
   thread.join();
   pthread_key_delete(key);
+}
+
+TEST(ExitGate, DoesNotWaitForTheThreadThatClosesIt) {
+  ExitGate gate;
+  const ExitGate::Pass pass(gate);
+  const auto begun = std::chrono::steady_clock::now();
+  gate.close(std::chrono::seconds(10));
+  EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(5));
 }
 
 }  // namespace
