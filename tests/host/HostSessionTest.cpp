@@ -114,7 +114,9 @@ TEST(HostSession, PutsTheRequestOnTheWireAsItShould) {
 }
 
 TEST(HostSession, RefusesURLsBeforeAnythingIsSent) {
+  LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
   HostSession session;
+  EXPECT_EQ(perform(session, URLRequest(server.url())), "ok");  // To a URL that is not sent again.
   const std::tuple<const char*, int, std::vector<std::string>> groups[] = {
       {"unsupported scheme",
        -1002,
@@ -131,12 +133,19 @@ TEST(HostSession, RefusesURLsBeforeAnythingIsSent) {
       EXPECT_EQ(*result.error->userInfo.at("NSErrorFailingURLStringKey").text(), url);
     }
   }
+  EXPECT_EQ(server.requests().size(), 1U);
 }
 
 TEST(HostSession, HandsOverWholeBodiesUpToTheirLimit) {
   const std::string chunked =
       "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nab\r\n1\r\nc\r\n0\r\n";
   const Answer fatHeader = {reply("ok", "X: " + std::string(99 << 10, 'x') + "\r\n")};
+  const auto header = [](std::size_t size) {
+    std::string lines;
+    for (const char* name : {"X: ", "Y: "}) lines.append(name).append(99 << 10, 'x').append("\r\n");
+    lines.append("Z: ").append(size - lines.size() - reply("", "\r\n").size(), 'x').append("\r\n");
+    return Answer{reply("", lines)};
+  };
   const std::string packed = deflated(std::string(4096, 'x'));
   const std::vector<std::pair<Answer, std::string>> rows = {
       {{reply("ok")}, "ok"},
@@ -148,8 +157,8 @@ TEST(HostSession, HandsOverWholeBodiesUpToTheirLimit) {
       {{reply(std::string(4096, 'x'))}, std::string(4096, 'x')},
       {{reply(std::string(4097, 'x'))}, "error -1103"},
       {fatHeader, "ok"},
-      {fatHeader, "ok"},
-      {fatHeader, "ok"},
+      {header(256 << 10), ""},
+      {header((256 << 10) + 1), "error -1103"},
       {{"HTTP/9.9 200\r\n\r\n", Then::close}, "error -1017"}};
   std::atomic<std::size_t> row = 0;
   LoopbackServer server([&](const Request&) { return rows[row].first; });
