@@ -2,7 +2,7 @@
 
 #import "adapters/apple/platformText.h"
 #import "adapters/apple/retained.h"
-#import "orvane/apple/AppleError.h"
+#import "orvane/apple/platformError.h"
 #include "orvane/base/fatal.h"
 
 namespace orvane {

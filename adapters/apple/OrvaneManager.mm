@@ -4,7 +4,7 @@
 #import "adapters/apple/Orvane/Orvane.h"
 #import "adapters/apple/platformText.h"
 #import "adapters/apple/registerQualifiedName.h"
-#import "orvane/apple/AppleError.h"
+#import "orvane/apple/platformError.h"
 #include "orvane/client/sharedManagerMaker.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include "adapters/apple/AppleTextRules.h"
 #import "adapters/apple/platformText.h"
-#import "orvane/apple/AppleError.h"
+#import "orvane/apple/platformError.h"
 #include "orvane/orvane.h"
 #include "tests/apple/send.h"
 #include "tests/apple/standins/standins.h"
@@ -149,7 +149,7 @@ TEST(PlatformText, IsConvertedWithoutLoss) {
   }
 }
 
-TEST(AppleError, KeepsItsIdentityAndItsWords) {
+TEST(PlatformError, KeepsItsIdentityAndItsWords) {
   @autoreleasepool {
     NSDictionary* const words = @{@"reason" : @"why", @"object" : [NSNull null], @1 : @"what"};
     orvane::ErrorPtr carried;

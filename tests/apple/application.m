@@ -2,7 +2,7 @@
 // counting.
 
 #ifdef __cplusplus
-#import "orvane/apple/AppleError.h"
+#import "orvane/apple/platformError.h"
 #import "orvane/apple/AppleSession.h"
 #include "orvane/orvane.h"
 #endif

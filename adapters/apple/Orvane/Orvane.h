@@ -116,6 +116,7 @@ __attribute__((visibility("default")))
 /// Returns the mobile carrier's name, or "nil" if there is none.
 + (NSString*)getcarrierName;
 
+/// Makes an object that has no use, since all methods are the class's.
 - (instancetype)init;
 
 @end
@@ -144,6 +145,7 @@ __attribute__((visibility("default")))
     failureMessage:(nullable NSString*)failureMessage
          encrypted:(BOOL)encrypted ORVANE_NAME(use(_:failureMessage:encrypted:));
 
+/// Makes an object that has no use, since all methods are the class's.
 - (instancetype)init;
 
 @end

@@ -1,4 +1,4 @@
-#import "orvane/apple/AppleError.h"
+#import "orvane/apple/platformError.h"
 
 #import "adapters/apple/platformText.h"
 #import "adapters/apple/retained.h"
