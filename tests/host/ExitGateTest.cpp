@@ -30,9 +30,9 @@ bool closesInTime(ExitGate& gate) {
 TEST(ExitGate, WaitsForWhatLibrariesCleanUpAtTheEndOfAThread) {
   ExitGate gate;
   { const ExitGate::Pass pass(gate); }  // Leaves nothing of this thread inside.
-  std::thread([&] {
-    gate.enterUntilThreadEnds();
-  }).join();  // Its values may be cleaned up before the library's.
+  // Makes the gate's own value before the library's, and so the one that the system cleans up first.
+  std::thread first([&] { gate.enterUntilThreadEnds(); });
+  first.join();
   pthread_key_t key{};
   pthread_key_create(&key, [](void* kept) { delete static_cast<Kept*>(kept); });
   std::atomic<bool> isEntered = false, isClosing = false, isClean = false;
