@@ -2,38 +2,19 @@
 
 #import <Orvane/Orvane.h>
 #include <gtest/gtest.h>
+#import <objc/runtime.h>
 
 #include "adapters/apple/AppleTextRules.h"
 #import "adapters/apple/platformText.h"
 #import "orvane/apple/platformError.h"
 #include "orvane/orvane.h"
-#include "tests/apple/send.h"
 #include "tests/apple/standins/standins.h"
-
-@implementation BrokenText
-- (NSUInteger)length {
-  return 5;
-}
-- (unichar)characterAtIndex:(NSUInteger)index {
-  constexpr unichar units[] = {0xD83D, 0xD83D, 0xDE00, 0xDE00, 'a'};
-  return units[index];
-}
-@end
 
 namespace {
 
 using orvane::optionalUTF8;
 using orvane::platformText;
 using orvane::utf8;
-using orvane::test::classNamed;
-using orvane::test::send;
-
-/// Returns the encodings of the result, the receiver, the selector and the arguments.
-std::string typesOf(Method method) {
-  std::string types = method_getTypeEncoding(method);
-  std::erase_if(types, [](char c) { return c >= '0' && c <= '9'; });
-  return types;
-}
 
 /// Returns each UTF-16 unit, because two texts with different units may count as equal.
 std::u16string unitsOf(NSString* text) {
@@ -42,51 +23,10 @@ std::u16string unitsOf(NSString* text) {
   return units;
 }
 
-TEST(ObjectRuntime, AnswersTheSelectorsAtTheirLevels) {
-  struct Row {
-    const char* type;
-    char level;
-    const char* selector;
-    const char* types;
-  };
-  for (const Row& row : {Row{"OrvaneManager", '+', "shareManager", "@@:"},
-                         {"OrvaneManager", '-', "init", "@@:"},
-                         {"OrvaneManager", '-', "clientId", "@@:"},
-                         {"OrvaneManager", '-', "setClientId:", "v@:@"},
-                         {"OrvaneManager", '-', "setAppClientId:", "v@:@"},
-                         {"OrvaneManager", '-', "requestPictureCode:finished:", "v@:@@?"},
-                         {"OrvaneManager", '-', "requestCode:codeNumber:finished:", "v@:@@@?"},
-                         {"OrvaneManager", '-', "requestLogin:code:finished:", "v@:@@@?"},
-                         {"OVDeviceInfoTool", '+', "getMEIDCode", "@@:"},
-                         {"OVDeviceInfoTool", '+', "getSystemName", "@@:"},
-                         {"OVDeviceInfoTool", '+', "getSystemVersion", "@@:"},
-                         {"OVDeviceInfoTool", '+', "getcarrierName", "@@:"},
-                         {"OVDeviceInfoTool", '-', "init", "@@:"},
-                         {"OVSession", '+', "useSession:failureMessage:", "v@:@@"},
-                         {"OVSession", '+', "useSession:failureMessage:encrypted:", "v@:@@C"},
-                         {"OVDeviceInfoTool", ' ', "getDeviceName", nullptr},
-                         {"OVDeviceInfoTool", ' ', "screenSize", nullptr}}) {
-    for (const std::string& name : {std::string(row.type), std::string("Orvane.").append(row.type)}) {
-      SCOPED_TRACE(name + " " + row.selector);
-      const Class type = classNamed(name.c_str());
-      ASSERT_TRUE([type isSubclassOfClass:[NSObject class]]);
-      const SEL selector = sel_registerName(row.selector);
-      for (const char level : {'+', '-'}) {
-        // The root class answers its instances' selectors at both levels.
-        if (level != row.level && std::string_view(row.selector) == "init") continue;
-        const Method method =
-            level == '+' ? class_getClassMethod(type, selector) : class_getInstanceMethod(type, selector);
-        ASSERT_EQ(method != nullptr, level == row.level) << level;
-        if (method) EXPECT_EQ(typesOf(method), row.types);
-      }
-    }
-  }
-}
-
 TEST(ObjectRuntime, SharesOneManagerAndMakesOthers) {
   @autoreleasepool {
-    OrvaneManager* const shared = send<id>(classNamed("OrvaneManager"), "shareManager");
-    EXPECT_EQ(send<OrvaneManager*>(classNamed("Orvane.OrvaneManager"), "shareManager"), shared);
+    OrvaneManager* const shared = [OrvaneManager shareManager];
+    EXPECT_EQ([NSClassFromString(@"Orvane.OrvaneManager") shareManager], shared);
     EXPECT_TRUE([shared isMemberOfClass:[OrvaneManager class]]);
     OrvaneManager* const own = [[[OrvaneManager alloc] init] autorelease];
     orvane::OrvaneManager& fromCpp = orvane::OrvaneManager::shareManager();
@@ -125,7 +65,8 @@ TEST(ObjectRuntime, TheIdentifierIsACopyUnitForUnit) {
     [manager setAppClientId:changing];
     [changing appendString:@"b"];
     EXPECT_TRUE([[manager clientId] isEqual:@"a"]);
-    send(manager, "setAppClientId:", (NSString*)nil);
+    NSString* none = nil;
+    [manager setAppClientId:none];
     EXPECT_TRUE([[manager clientId] isEqual:@""]);
   }
 }
@@ -179,27 +120,23 @@ TEST(PlatformError, KeepsItsIdentityAndItsWords) {
 
 TEST(OVDeviceInfoTool, ReadsTheDevice) {
   const standins::Facts before = standins::facts();
-  const auto fact = [](const char* selector) {
-    @autoreleasepool {
-      return utf8(send<NSString*>(classNamed("Orvane.OVDeviceInfoTool"), selector));
-    }
-  };
+  const Class tool = NSClassFromString(@"Orvane.OVDeviceInfoTool");
   standins::facts() = {.systemVersion = "",
                        .model = "iPad",
                        .identifierForVendor = "E621E1F8-C36C-495A-93FC-0C247A3E6E5F",
                        .carrierName = "",
                        .bounds = {667, 375},
                        .scale = 3};
-  EXPECT_EQ(fact("getMEIDCode"), "E621E1F8-C36C-495A-93FC-0C247A3E6E5F");
-  EXPECT_EQ(fact("getSystemName"), "iPad");
-  EXPECT_EQ(fact("getSystemVersion"), "iOS ");
-  EXPECT_EQ(fact("getcarrierName"), "");
+  EXPECT_EQ(utf8([tool getMEIDCode]), "E621E1F8-C36C-495A-93FC-0C247A3E6E5F");
+  EXPECT_EQ(utf8([tool getSystemName]), "iPad");
+  EXPECT_EQ(utf8([tool getSystemVersion]), "iOS ");
+  EXPECT_EQ(utf8([tool getcarrierName]), "");
   EXPECT_EQ(orvane::OVDeviceInfoTool().screenSize(), orvane::ScreenSize::Screen5_5Inch);
   standins::facts().carrierName = {};
-  EXPECT_EQ(fact("getcarrierName"), "nil");
+  EXPECT_EQ(utf8([tool getcarrierName]), "nil");
   standins::facts().carrierName = "there";
   standins::facts().hasCarrier = false;
-  EXPECT_EQ(fact("getcarrierName"), "nil");
+  EXPECT_EQ(utf8([tool getcarrierName]), "nil");
   standins::facts() = before;
 }
 

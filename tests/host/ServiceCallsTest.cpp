@@ -1,54 +1,19 @@
-// The three calls of a sign-in, through the public interface and over real sockets, with the linked adapter.
+// A sign-in through the public interface and over real sockets, byte for byte.
 
 #include <gtest/gtest.h>
 
+#include "orvane/host/HostDeviceReadings.h"
+#include "orvane/host/HostSession.h"
 #include "orvane/host/hostMainQueue.h"
 #include "orvane/orvane.h"
-#include "tests/support/AdapterUnderTest.h"
 #include "tests/support/LoopbackServer.h"
+#include "tests/support/asText.h"
 
 namespace orvane::test {
 namespace {
 
 using Answer = LoopbackServer::Answer;
 using Request = LoopbackServer::Request;
-
-/// The service, at whose place the whole test program has this server.
-LoopbackServer& service() {
-  static auto* const server = new LoopbackServer;
-  return *server;
-}
-
-class ServiceCalls : public testing::Test {
- protected:
-  static void SetUpTestSuite() { installAdapter(service().port()); }
-
-  /// Runs the main queue until the call ends. Returns true if `finished` was called on it.
-  static bool finish(const std::function<void(std::function<void()> over)>& call) {
-    std::thread::id thread;
-    call([&thread] {
-      thread = std::this_thread::get_id();
-      hostMainQueue().stop();
-    });
-    hostMainQueue().run();
-    return thread == std::this_thread::get_id();
-  }
-
-  static std::string pictureOutcome(bool* onMainQueue = nullptr) {
-    std::string outcome;
-    const bool isMain = finish([&](auto over) {
-      OrvaneManager().requestPictureCode(
-          "139", [&outcome, over](std::optional<Bytes> data, const ErrorPtr& error) {
-            outcome = data ? std::string(data->begin(), data->end()) : description(*error);
-            over();
-          });
-    });
-    if (onMainQueue) *onMainQueue = isMain;
-    return outcome;
-  }
-
-  OrvaneManager manager;
-};
 
 std::string envelope(const std::string& path, const std::string& identifier) {
   return "POST " + path + " HTTP/1.1\r\nHost: " + std::string(serviceHost()) +
@@ -64,25 +29,38 @@ std::string recorded(const Request& request) {
   return head + "\n" + request.body;
 }
 
-TEST_F(ServiceCalls, AWholeSignInOnOneConnection) {
-  service().setScript([](const Request& request) {
+TEST(ServiceCalls, AWholeSignInOnOneConnection) {
+  std::string picture, list;
+  for (int i = 0; i < 1 << 20; ++i) {
+    picture.push_back(static_cast<char>(i * 31 + i / 256));
+    list += (i > 0 ? "," : "") + std::to_string(static_cast<unsigned char>(picture.back()));
+  }
+  LoopbackServer server([&](const Request& request) {
     const bool isPicture = request.head.find("captcha ") != request.head.npos;
-    return Answer{reply(isPicture ? R"({"code":0,"data":[1]})" : R"({"code":0,"msg":"ok"})")};
+    return Answer{reply(isPicture ? R"({"code":0,"data":[)" + list + "]}" : R"({"code":0,"msg":"ok"})")};
   });
-  const std::size_t before = service().requests().size();
-  EXPECT_TRUE(
-      finish([&](auto over) { manager.requestPictureCode("139", [over](const auto&...) { over(); }); }));
+  installPlatform(
+      {.sharedSession = std::make_shared<HostSession>(HostSessionConfiguration{
+           .reroutes = {{std::string(serviceHost()), 80, "127.0.0.1", server.port()}}}),
+       .deviceReadings = std::make_shared<HostDeviceReadings>(HostDeviceFacts{.carrierName = "Carrier"})});
+  OrvaneManager manager;
+  std::string received;
+  const auto stop = [](const auto&...) { hostMainQueue().stop(); };
+  manager.requestPictureCode("139", [&](const auto& data, const ErrorPtr&) {
+    received = asText(data);
+    hostMainQueue().stop();
+  });
+  hostMainQueue().run();
+  EXPECT_TRUE(received == picture);
   manager.setAppClientId("");
-  EXPECT_TRUE(finish([&](auto over) { manager.requestCode("139", "aB", [over](const auto&) { over(); }); }));
+  manager.requestCode("139", "aB", stop);
+  hostMainQueue().run();
   manager.setAppClientId("app 1");
-  EXPECT_TRUE(
-      finish([&](auto over) { manager.requestLogin("139", "123456", [over](const auto&...) { over(); }); }));
-  // One more call waits for the submission, if only because the service answers in order.
-  EXPECT_TRUE(finish([&](auto over) { manager.requestCode("1", "2", [over](const auto&) { over(); }); }));
-  while (service().requests().size() < before + 5) std::this_thread::yield();
+  manager.requestLogin("139", "123456", stop);
+  hostMainQueue().run();
+  while (server.requests().size() < 4) std::this_thread::yield();
 
-  std::vector<Request> requests = service().requests();
-  requests.erase(requests.begin(), requests.begin() + static_cast<std::ptrdiff_t>(before));
+  const std::vector<Request> requests = server.requests();
   const std::string model(rawValue(OVDeviceInfoTool::getDeviceName()));
   const std::string facts = R"({"IMEI":" ","IMSI":" ","carrier":"Carrier","deviceModel":")" +
                             OVDeviceInfoTool::getSystemVersion() + R"(","deviceName":")" + model +
@@ -94,48 +72,7 @@ TEST_F(ServiceCalls, AWholeSignInOnOneConnection) {
                                        "44\n" + R"({"mobile":"139","verificationCode":"123456"})");
   EXPECT_EQ(recorded(requests[3]), envelope("/tenant/submitMobileInformation", "XRAPI-CLIENT-ID: app 1\r\n") +
                                        std::to_string(facts.size()) + "\n" + facts);
-  for (int i = 1; i < 4; ++i)
-    EXPECT_EQ(requests[static_cast<std::size_t>(i)].connection, requests[0].connection);
-}
-
-TEST_F(ServiceCalls, PicturesArriveByteForByte) {
-  for (const std::size_t size : {0U, 1U, 255U, 4096U, 20'000U, 1U << 20}) {
-    std::string picture;
-    std::string list;
-    for (std::size_t i = 0; i < size; ++i) {
-      picture.push_back(static_cast<char>(i * 31 + i / 256));
-      if (i > 0) list += ',';
-      list += std::to_string(static_cast<unsigned char>(picture.back()));
-    }
-    service().setScript(
-        [list](const Request&) { return Answer{reply(R"({"code":0,"data":[)" + list + "]}")}; });
-    bool onMainQueue = false;
-    EXPECT_TRUE(pictureOutcome(&onMainQueue) == picture) << size;
-    EXPECT_TRUE(onMainQueue);
-  }
-}
-
-TEST_F(ServiceCalls, ManyThreadsAtOnceAreAllAnswered) {
-  service().setScript([](const Request&) { return Answer{reply(R"({"code":0})")}; });
-  constexpr int threads = 4;
-  constexpr int calls = 50;
-  int left = threads * calls;
-  std::vector<std::thread> callers;
-  for (int i = 0; i < threads; ++i) {
-    callers.emplace_back([&left, i] {
-      OrvaneManager own;
-      own.setAppClientId(std::to_string(i));
-      for (int call = 0; call < calls; ++call) {
-        own.requestCode("139", "c", [&left](const ErrorPtr& error) {
-          EXPECT_FALSE(error);
-          if (--left == 0) hostMainQueue().stop();  // All on the main queue: no race.
-        });
-      }
-    });
-  }
-  hostMainQueue().run();
-  for (std::thread& caller : callers) caller.join();
-  EXPECT_EQ(left, 0);
+  for (const Request& request : requests) EXPECT_EQ(request.connection, 1);
 }
 
 }  // namespace

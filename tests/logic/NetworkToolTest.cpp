@@ -31,12 +31,12 @@ class NetworkToolTest : public OnFakes {
                        if (error) received += description(*error);
                        if (error && error->userInfo.size() == 1)
                          received += *error->userInfo.at("error").text();
-                       const std::thread::id thread = std::this_thread::get_id();
-                       received += thread == session->threadId() ? " in the background" : " here";
+                       received += std::this_thread::get_id() == testThread ? " here" : " in the background";
                      });
   }
 
   std::shared_ptr<FakeSession> session = std::make_shared<FakeSession>();
+  const std::thread::id testThread = std::this_thread::get_id();
   NetworkTool tool;
   std::string received;
 };
@@ -158,7 +158,6 @@ TEST_F(NetworkToolDeathTest, StopsOnProgrammingErrorsAndNamesNoArgument) {
   using enum HTTPMethod;
   const Parameters noText = {{"k", 7}};
   const Parameters noUTF8 = {{"k", "\xFF"}};
-  const Parameters noNumber = {{"k", std::numeric_limits<double>::infinity()}};
   const std::pair<std::function<void()>, std::string> rows[] = {
       {[&] { tool.request(GET, "not a url", std::nullopt); }, "request: the text given as URL is not a URL"},
       {[&] { tool.request(JSON_POST, "a b", std::nullopt); }, "request: the text given as URL is not a URL"},
@@ -168,8 +167,6 @@ TEST_F(NetworkToolDeathTest, StopsOnProgrammingErrorsAndNamesNoArgument) {
        },
        "request: the text given as URL is not a URL"},
       {[&] { tool.request(JSON_POST, "u", noUTF8); },
-       "request: the parameters cannot be represented in JSON"},
-      {[&] { tool.request(JSON_POST, "u", noNumber); },
        "request: the parameters cannot be represented in JSON"},
       {[&] { tool.request(GET, "u", noText); }, "queryString: a parameter's value is not a text"},
       {[&] { tool.queryString(noUTF8); }, "queryString: a parameter's value is not UTF-8"},

@@ -4,16 +4,6 @@ namespace orvane {
 namespace test {
 namespace {
 
-/// Passes everything on to the session of the current test.
-struct SessionOfTest final : URLSession {
-  void startDataTask(URLRequest request, DataTaskHandler handler) override {
-    current->startDataTask(std::move(request), std::move(handler));
-  }
-  void cancelAllOperations() override { current->cancelAllOperations(); }
-
-  std::unique_ptr<FakeSession> current = std::make_unique<FakeSession>();
-};
-
 /// Takes texts without blanks for URLs, and the letters of one foreign script for alphanumeric.
 struct TestTextRules final : TextRules {
   bool isURL(std::string_view text) const override { return text.find(' ') == text.npos; }
@@ -30,7 +20,7 @@ const std::shared_ptr<T>& immortal() {
 }  // namespace
 
 FakeSession& fakeSession() {
-  return *immortal<SessionOfTest>()->current;
+  return *immortal<FakeSession>();
 }
 MainQueue& fakeMainQueue() {
   return *immortal<MainQueue>();
@@ -41,7 +31,7 @@ TestReadings::Facts& fakeFacts() {
 
 OnFakes::OnFakes() {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
-  immortal<SessionOfTest>()->current = std::make_unique<FakeSession>();
+  fakeSession().reset();
   EXPECT_EQ(fakeMainQueue().runPending(), 0U);
   fakeFacts() = {};
 }
@@ -50,7 +40,7 @@ OnFakes::OnFakes() {
 
 Platform makeDefaultPlatform() {
   using namespace test;
-  return {.sharedSession = immortal<SessionOfTest>(),
+  return {.sharedSession = immortal<FakeSession>(),
           .mainQueue = immortal<MainQueue>(),
           .globalQueue = immortal<MainQueue>(),
           .textRules = immortal<TestTextRules>(),

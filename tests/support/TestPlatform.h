@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "orvane/platform/MainQueue.h"
 #include "orvane/platform/Platform.h"
 #include "tests/support/FakeSession.h"
 
@@ -34,8 +35,8 @@ struct TestReadings final : DeviceReadings {
   mutable Facts facts;
 };
 
-/// The fakes that the platform consists of in a program without an adapter. Each test OnFakes has a session
-/// of its own. A test runs the main queue's tasks by runPending(), and leaves none.
+/// The fakes that the platform consists of in a program without an adapter. A test runs the main queue's
+/// tasks by runPending(), and leaves none.
 FakeSession& fakeSession();
 MainQueue& fakeMainQueue();
 TestReadings::Facts& fakeFacts();

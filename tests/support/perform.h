@@ -2,16 +2,15 @@
 
 #include <future>
 #include <memory>
-#include <thread>
+#include <string>
 
 #include "orvane/platform/URLSession.h"
 
 namespace orvane::test {
 
-/// What a handler received, and on which thread.
+/// What a handler received.
 struct TaskOutcome {
   DataTaskResult result;
-  std::thread::id thread;
 
   /// Returns the body, or "error CODE".
   std::string text() const {
@@ -24,9 +23,8 @@ struct TaskOutcome {
 inline std::future<TaskOutcome> start(URLSession& session, URLRequest request) {
   auto promise = std::make_shared<std::promise<TaskOutcome>>();
   std::future<TaskOutcome> outcome = promise->get_future();
-  session.startDataTask(std::move(request), [promise](DataTaskResult result) {
-    promise->set_value({std::move(result), std::this_thread::get_id()});
-  });
+  session.startDataTask(std::move(request),
+                        [promise](DataTaskResult result) { promise->set_value({std::move(result)}); });
   return outcome;
 }
 

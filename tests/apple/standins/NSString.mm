@@ -2,6 +2,8 @@
 
 #import <Foundation/Foundation.h>
 
+#include "tests/apple/standins/standins.h"
+
 #pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
 
 @implementation NSString (StandIn)
@@ -11,4 +13,14 @@
   return [[[self alloc] initWithCharacters:characters length:length] autorelease];
 }
 
+@end
+
+@implementation BrokenText
+- (NSUInteger)length {
+  return 5;
+}
+- (unichar)characterAtIndex:(NSUInteger)index {
+  constexpr unichar units[] = {0xD83D, 0xD83D, 0xDE00, 0xDE00, 'a'};
+  return units[index];
+}
 @end

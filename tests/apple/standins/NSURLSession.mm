@@ -2,8 +2,7 @@
 #import <Foundation/Foundation.h>
 #include <atomic>
 
-#import "orvane/apple/AppleSession.h"
-#include "orvane/host/HostSession.h"
+#include "orvane/platform/URLSession.h"
 #include "tests/apple/standins/standins.h"
 
 namespace {
@@ -16,7 +15,6 @@ NSString* text(const std::string& utf8) {
   return [NSString stringWithUTF8String:utf8.c_str()];
 }
 
-/// Sorts the fields by their names, so that tests can compare what is sent.
 orvane::URLRequest portable(NSURLRequest* request) {
   orvane::URLRequest made([[[request URL] absoluteString] UTF8String]);
   made.setMethod([[request HTTPMethod] UTF8String]);
@@ -25,8 +23,7 @@ orvane::URLRequest portable(NSURLRequest* request) {
     made.setBody(orvane::Bytes(bytes, bytes + [body length]));
   }
   NSDictionary* const fields = [request allHTTPHeaderFields];
-  for (NSString* name in [[fields allKeys] sortedArrayUsingSelector:@selector(compare:)])
-    made.addValue([[fields objectForKey:name] UTF8String], [name UTF8String]);
+  for (NSString* name in fields) made.addValue([[fields objectForKey:name] UTF8String], [name UTF8String]);
   return made;
 }
 
@@ -68,41 +65,11 @@ NSError* errorOf(const orvane::Error& error) {
 }
 @end
 
-@implementation NSURLSessionConfiguration
-@synthesize connectionProxyDictionary;
-+ (NSURLSessionConfiguration*)ephemeralSessionConfiguration {
-  return [[[self alloc] init] autorelease];
-}
-- (void)dealloc {
-  [connectionProxyDictionary release];
-  [super dealloc];
-}
-@end
-
-namespace {
-
-NSURLSession* sessionOver(std::shared_ptr<orvane::URLSession> inner) {
-  NSURLSession* const session = [[[NSURLSession alloc] init] autorelease];
-  session->queue->inner = std::move(inner);
-  return session;
-}
-
-}  // namespace
-
 @implementation NSURLSession
 
 + (NSURLSession*)sharedSession {
   static NSURLSession* const shared = [[NSURLSession alloc] init];
   return shared;
-}
-
-+ (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration {
-  NSDictionary* const proxy = [configuration connectionProxyDictionary];
-  orvane::HostSessionConfiguration own;
-  if ([[proxy objectForKey:@"HTTPEnable"] boolValue])
-    own.proxy = [[NSString stringWithFormat:@"http://%@:%@", [proxy objectForKey:@"HTTPProxy"],
-                                            [proxy objectForKey:@"HTTPPort"]] UTF8String];
-  return sessionOver(std::make_shared<orvane::HostSession>(own));
 }
 
 - (instancetype)init {
@@ -154,10 +121,10 @@ void setInnerSession(std::shared_ptr<orvane::URLSession> inner) {
   [NSURLSession sharedSession]->queue -> inner = std::move(inner);
 }
 
-std::shared_ptr<orvane::URLSession> makeSession(std::shared_ptr<orvane::URLSession> inner) {
-  @autoreleasepool {
-    return std::make_shared<orvane::AppleSession>(sessionOver(std::move(inner)));
-  }
+NSURLSession* sessionOver(std::shared_ptr<orvane::URLSession> inner) {
+  NSURLSession* const session = [[[NSURLSession alloc] init] autorelease];
+  session->queue->inner = std::move(inner);
+  return session;
 }
 
 const void* latestError() {

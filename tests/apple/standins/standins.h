@@ -1,12 +1,16 @@
 #pragma once
 
-#include <cstddef>
+#import <Foundation/Foundation.h>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "orvane/platform/DeviceReadings.h"
 #include "orvane/platform/URLSession.h"
+
+/// A text that is not Unicode: a lone surrogate before a pair, and another one after it, before a letter.
+@interface BrokenText : NSString
+@end
 
 namespace standins {
 
@@ -25,8 +29,8 @@ Facts& facts();
 /// Sets the session that carries out the tasks of NSURLSession's shared session from now on.
 void setInnerSession(std::shared_ptr<orvane::URLSession> inner);
 
-/// Makes an AppleSession over an NSURLSession whose tasks `inner` carries out.
-std::shared_ptr<orvane::URLSession> makeSession(std::shared_ptr<orvane::URLSession> inner);
+/// Makes a session whose tasks `inner` carries out.
+NSURLSession* sessionOver(std::shared_ptr<orvane::URLSession> inner);
 
 /// Returns the latest NSError that any NSURLSession handed over.
 const void* latestError();

@@ -12,13 +12,6 @@
 - (void)resume;
 @end
 
-@interface NSURLSessionConfiguration : NSObject {
-  NSDictionary* connectionProxyDictionary;
-}
-+ (NSURLSessionConfiguration*)ephemeralSessionConfiguration;
-@property(copy) NSDictionary* connectionProxyDictionary;
-@end
-
 @class DelegateQueue;
 
 @interface NSURLSession : NSObject {
@@ -26,7 +19,6 @@
   DelegateQueue* queue;
 }
 + (NSURLSession*)sharedSession;
-+ (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration;
 - (NSOperationQueue*)delegateQueue;
 - (NSURLSessionDataTask*)dataTaskWithRequest:(NSURLRequest*)request
                            completionHandler:
