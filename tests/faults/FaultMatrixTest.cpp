@@ -5,11 +5,8 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <map>
 #include <set>
-#include <sstream>
 #include <string>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -18,6 +15,7 @@
 #include <vector>
 
 #include "tests/faults/Faults.h"
+#include "tests/support/errorsPage.h"
 #include "tests/support/spawn.h"
 
 namespace orvane::test {
@@ -25,32 +23,7 @@ namespace {
 
 constexpr std::array calls = {"requestPictureCode", "requestCode", "requestLogin", "device report"};
 
-/// A row of the page: its cells by the titles of their columns.
-using Row = std::map<std::string, std::string>;
-
 const std::string rowName = "what happens";
-
-/// The rows of the page's tables about what happens.
-std::vector<Row> rowsOfThePage() {
-  std::vector<Row> rows;
-  std::vector<std::string> titles;
-  std::ifstream page(ERRORS_PAGE);
-  for (std::string line; std::getline(page, line);) {
-    if (!line.starts_with("|")) titles.clear();
-    if (!line.starts_with("| ")) continue;
-    std::vector<std::string> cells;
-    std::istringstream rest(line);
-    for (std::string cell; std::getline(rest, cell, '|');)
-      if (cell.size() > 2) cells.push_back(cell.substr(1, cell.size() - 2));
-    if (titles.empty()) {
-      titles = std::move(cells);
-    } else if (titles.front() == rowName) {
-      Row& row = rows.emplace_back();
-      for (std::size_t i = 0; i < cells.size(); ++i) row.emplace(titles.at(i), cells[i]);
-    }
-  }
-  return rows;
-}
 
 /// What the page promises for a call: the call's own cell, or the page's rule for the row's one outcome.
 /// `finished` of the login learns nothing of the report after it.
@@ -136,7 +109,7 @@ std::string guarded(const std::string& promise, const std::string& call) {
 }
 
 TEST(FaultMatrix, IsAsThePageSaysAndNeverStopsWithAGuard) {
-  const std::vector<Row> rows = rowsOfThePage();
+  const std::vector<Row> rows = rowsOfTheErrorsPage(rowName);
   const std::vector<Fault> faults = makeFaults();
   ASSERT_EQ(rows.size(), faults.size());
   constexpr std::size_t rowSize = 2 * calls.size();

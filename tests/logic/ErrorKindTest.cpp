@@ -1,34 +1,28 @@
-#include <fstream>
 #include <gtest/gtest.h>
 #include <regex>
 
 #include "orvane/client/ErrorKind.h"
+#include "tests/support/errorsPage.h"
 
 namespace orvane::test {
 namespace {
 
 TEST(ErrorKind, IsWhatThePageSays) {
-  std::ifstream page(ERRORS_PAGE);
-  std::string line;
-  while (std::getline(page, line) && line != "| kind | errors | sentence |") continue;
-  std::getline(page, line);
-  std::size_t rows = 0;
+  const std::vector<Row> rows = rowsOfTheErrorsPage("kind");
+  const std::regex range("(-\\d+)(?: to (-\\d+))?");
   std::size_t codes = 0;
-  for (std::smatch row;
-       std::getline(page, line) && std::regex_match(line, row, std::regex(R"(\| (.+) \| (.+) \| (.+) \|)"));
-       ++rows) {
-    const std::string errors = row[2];
-    const std::regex range("(-\\d+)(?: to (-\\d+))?");
+  for (const Row& row : rows) {
+    const std::string& errors = row.at("errors");
     for (std::sregex_iterator found(errors.begin(), errors.end(), range), end; found != end; ++found) {
       const int last = std::stoi((*found)[(*found)[2].matched ? 2 : 1]);
       for (int code = std::stoi((*found)[1]); code >= last; --code, ++codes) {
         const Error error{"NSURLErrorDomain", code, {{"NSErrorFailingURLStringKey", "http://a"}}};
-        EXPECT_EQ(rawValue(kind(error)), row[1].str()) << code;
-        EXPECT_EQ(message(error), row[3].str()) << code;
+        EXPECT_EQ(rawValue(kind(error)), row.at("kind")) << code;
+        EXPECT_EQ(message(error), row.at("sentence")) << code;
       }
     }
   }
-  EXPECT_EQ(rows, errorKindNames.size());
+  EXPECT_EQ(rows.size(), errorKindNames.size());
   EXPECT_EQ(codes, 28U);
 }
 
