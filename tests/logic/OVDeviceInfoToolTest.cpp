@@ -31,13 +31,11 @@ TEST_F(OVDeviceInfoToolTest, MachineIdentifiersNameModels) {
       {"iPod3,", 1, 1, "iPodTouch3Gen"},  {"iPod4,", 1, 1, "iPodTouch4Gen"},
       {"iPod5,", 1, 1, "iPodTouch5Gen"},  {"iPod7,", 1, 1, "iPodTouch6Gen"},
       {"i38", 6, 6, "Simulator"},         {"x86_6", 4, 4, "Simulator"}};
-  int identifiers = 0;
   for (const auto& [prefix, first, last, name] : rows) {
     EXPECT_EQ(rawValue(*fromRawValue<DeviceName>(name)), name);
-    for (int number = first; number <= last; ++number, ++identifiers)
+    for (int number = first; number <= last; ++number)
       EXPECT_EQ(rawValue(deviceNameForMachine(prefix + std::to_string(number))), name) << prefix << number;
   }
-  EXPECT_EQ(identifiers, 52);
   for (const char* other :
        {"", "iPad6,7", "iPad6,3", "iPhone8,4", "iPhone9,1", "iPod6,1", "iPhone3,4", "iPad5,5", "iphone8,1",
         "iPhone8,1 ", "iPhone8", "iPhone8,12", "X86_64", "aarch64"}) {

@@ -9,10 +9,11 @@
 namespace orvane::test {
 namespace {
 
-/// Keeps `finished` for the test.
-struct KeepingManager : OrvaneManager {
-  void requestCode(std::string, std::string, CodeFinished finished) override { kept = std::move(finished); }
-  CodeFinished kept;
+/// Hands `finished` to the test.
+struct TestManager : OrvaneManager {
+  explicit TestManager(std::function<void(CodeFinished)> act) : act(std::move(act)) {}
+  void requestCode(std::string, std::string, CodeFinished finished) override { act(std::move(finished)); }
+  const std::function<void(CodeFinished)> act;
 };
 
 /// A coroutine that its owner destroys.
@@ -40,8 +41,7 @@ struct Record {
   bool hasEnded() const { return alive.use_count() == 1; }
 };
 
-template <class Coroutine>
-Coroutine signIn(OrvaneManager* manager, Record& record, [[maybe_unused]] std::shared_ptr<int> alive) {
+Detached signIn(OrvaneManager* manager, Record& record, [[maybe_unused]] std::shared_ptr<int> alive) {
   const std::string mobile = "+447700900123 is longer than a text kept in place";
   const auto picture = co_await requestPictureCode(*manager, mobile);
   record.say(picture.value ? std::string(picture->begin(), picture->end()) + " " : "", picture.error);
@@ -63,7 +63,7 @@ using AwaitDeathTest = AwaitTest;
 TEST_F(AwaitTest, GoesOnOnTheMainQueueWithEachOutcome) {
   Record record;
   auto manager = std::make_unique<OrvaneManager>();
-  signIn<Detached>(manager.get(), record, record.alive);
+  signIn(manager.get(), record, record.alive);
   const std::pair<DataTaskResult, std::string> steps[] = {
       {replied(R"({"code":0,"data":[104,105]})"), "hi ok;"},
       {failed({"Lost", -1005, {{"a", "b"}}}), "Lost (-1005);"},
@@ -81,11 +81,7 @@ TEST_F(AwaitTest, GoesOnOnTheMainQueueWithEachOutcome) {
 }
 
 TEST_F(AwaitTest, GoesOnLaterWhereTheCallFailsAtOnce) {
-  struct : OrvaneManager {
-    void requestCode(std::string, std::string, CodeFinished finished) override {
-      finished(std::make_shared<const Error>(Error{"at once", 1, {}}));
-    }
-  } failing;
+  TestManager failing([](const auto& finished) { finished(failed({"at once", 1, {}}).error); });
   Record record;
   sendCode<Detached>(&failing, record, record.alive);
   EXPECT_EQ(record.said, "");
@@ -96,15 +92,14 @@ TEST_F(AwaitTest, GoesOnLaterWhereTheCallFailsAtOnce) {
 
 TEST_F(AwaitTest, DestroysADetachedCoroutineWhoseCallIsDropped) {
   Record record;
-  KeepingManager manager;
-  sendCode<Detached>(&manager, record, record.alive);
+  OrvaneManager::CodeFinished kept;
+  TestManager keeping([&](auto finished) { kept = std::move(finished); });
+  sendCode<Detached>(&keeping, record, record.alive);
   EXPECT_FALSE(record.hasEnded());
-  manager.kept = nullptr;
+  kept = nullptr;
   EXPECT_TRUE(record.hasEnded());
 
-  struct : OrvaneManager {  // Drops it while the coroutine is being suspended.
-    void requestCode(std::string, std::string, CodeFinished) override {}
-  } dropping;
+  TestManager dropping([](const auto&) {});  // While the coroutine is being suspended.
   sendCode<Detached>(&dropping, record, record.alive);
   EXPECT_TRUE(record.hasEnded());
   EXPECT_EQ(record.said, "");
@@ -112,18 +107,19 @@ TEST_F(AwaitTest, DestroysADetachedCoroutineWhoseCallIsDropped) {
 
 TEST_F(AwaitTest, LeavesAForeignCoroutineToItsOwner) {
   Record record;
-  KeepingManager manager;
+  OrvaneManager::CodeFinished kept;
+  TestManager keeping([&](auto finished) { kept = std::move(finished); });
   const auto finishAfter = [&](auto act) {
-    Owned coroutine = sendCode<Owned>(&manager, record, record.alive);
+    Owned coroutine = sendCode<Owned>(&keeping, record, record.alive);
     act(coroutine);
-    if (manager.kept) manager.kept(nullptr);
+    if (kept) kept(nullptr);
     fakeMainQueue().runPending();
     if (coroutine.handle) coroutine.handle.destroy();
     return std::exchange(record.said, "");
   };
   EXPECT_EQ(finishAfter([](Owned&) {}), "ok;");
   EXPECT_EQ(finishAfter([](Owned& coroutine) { std::exchange(coroutine.handle, nullptr).destroy(); }), "");
-  EXPECT_EQ(finishAfter([&](Owned&) { manager.kept = nullptr; }), "");
+  EXPECT_EQ(finishAfter([&](Owned&) { kept = nullptr; }), "");
   EXPECT_TRUE(record.hasEnded());
 }
 

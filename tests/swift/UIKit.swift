@@ -15,7 +15,6 @@ public final class UIImage: Sendable {
   public init() {}
   public var text: String?
   public var textContentType: UITextContentType!
-  public var keyboardType = UIKeyboardType.numberPad
 }
 @MainActor open class UIImageView {
   public init() {}
