@@ -259,13 +259,13 @@ TEST(HostSession, GivesUpInTime) {
 
 TEST(HostSession, GivesUpFirstWhatCameFirst) {
   LoopbackServer* self = nullptr;
-  bool isRedirected = false;
   LoopbackServer server([&](const Request& request) {
-    if (request.head.starts_with("GET /pause")) return Answer{reply(""), Then::keep, "", milliseconds(1)};
     if (request.head.starts_with("GET /first")) return Answer{"", Then::hold};
-    if (!std::exchange(isRedirected, true))
-      self->release(reply("", "Location: http://to.example/\r\n", "302 Elsewhere"));
-    return Answer{"", Then::hold};
+    if (request.head.starts_with("GET /pause")) return Answer{reply(""), Then::keep, "", milliseconds(1)};
+    if (request.head.starts_with("GET /second"))
+      return Answer{"HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\n"};
+    self->release(reply("", "Location: http://to.example/\r\n", "302 Elsewhere"));
+    return Answer{""};
   });
   self = &server;
   HostSession session({.totalTimeout = milliseconds(400),
@@ -274,7 +274,7 @@ TEST(HostSession, GivesUpFirstWhatCameFirst) {
                                     {"to.example", 80, "127.0.0.1", server.port()}}});
   std::string order;
   std::promise<void> all;
-  const auto begin = [&](char name, const char* url) {
+  const auto begin = [&](char name, const std::string& url) {
     session.startDataTask(URLRequest(url), [&, name](const DataTaskResult& result) {
       order.append(result.error && result.error->code == -1001 ? "" : "?").push_back(name);
       if (order.size() == 3) all.set_value();
@@ -283,8 +283,9 @@ TEST(HostSession, GivesUpFirstWhatCameFirst) {
   const std::clock_t begun = std::clock();
   begin('1', "http://from.example/first");
   EXPECT_EQ(perform(session, URLRequest(server.url("/pause"))), "");
-  begin('2', "http://to.example/");  // Has the connection, and only then redirects the first to this host.
-  begin('3', "http://to.example/");
+  begin('2', "http://to.example/second");
+  while (server.requests().size() < 3) std::this_thread::yield();
+  begin('3', server.url("/third"));  // Has the first and itself redirected to the host that the second uses.
   for (int i = 0; i < 20; ++i) perform(session, URLRequest("nowhere"));  // Each wakes the session.
   all.get_future().wait();
   EXPECT_EQ(order, "123");
