@@ -223,7 +223,7 @@ TEST_P(Torture, EveryCallCompletesOnceOrWasCancelled) {
   if (!GetParam()) {
     EXPECT_EQ(calls.dropped, 0);
   }
-  EXPECT_LE(allocated, afterFirst + (256 << 10));
+  EXPECT_LE(allocated, afterFirst + (1 << 20));  // Kept connections and handles make up to 400 KB.
   std::printf("%d calls, %d of them dropped; %zu KB allocated after the first round, %zu KB in the end\n",
               calls.begun.load(), calls.dropped.load(), afterFirst >> 10, allocated >> 10);
 }
