@@ -31,7 +31,7 @@ TEST(MainQueue, RunsInOrderUntilStopped) {
   again();
   EXPECT_FALSE(queue.run(std::chrono::milliseconds(1)));
   const auto other = std::async(std::launch::async, [&] { queue.async([&] { queue.stop(); }); });
-  queue.run();
+  EXPECT_TRUE(queue.run(std::chrono::hours(1)));
   EXPECT_EQ(ran, (std::vector<int>{1, 2, 3, 4}));
 }
 

@@ -14,6 +14,7 @@ TEST(RawValue, IsTheNameOfTheCase) {
   EXPECT_EQ(fromRawValue<HTTPMethod>("POST"), HTTPMethod::POST);
   EXPECT_EQ(fromRawValue<HTTPMethod>("GET "), std::nullopt);
   EXPECT_EQ(fromRawValue<DeviceName>("ipadmini2"), std::nullopt);
+  EXPECT_EQ(fromRawValue<DeviceName>(""), std::nullopt);
   EXPECT_EQ(hashValue(HTTPMethod::JSON_POST), 2U);
   EXPECT_EQ(hashValue(DeviceName::iPadMini2), 15U);
   EXPECT_EQ(hashValue(DeviceName::Unknown), 27U);
