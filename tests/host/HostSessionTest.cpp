@@ -4,7 +4,6 @@
 #include <ctime>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <malloc.h>
 #include <optional>
 #include <set>
 #include <sys/resource.h>
@@ -17,6 +16,7 @@
 #include "orvane/network/HTTPSUpgradeSession.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/TLSServer.h"
+#include "tests/support/allocated.h"
 #include "tests/support/entries.h"
 #include "tests/support/perform.h"
 
@@ -171,12 +171,6 @@ TEST(HostSession, HandsOverWholeBodiesUpToTheirLimit) {
   URLRequest head(server.url());
   head.setMethod("HEAD");
   EXPECT_EQ(perform(session, head), "");
-}
-
-/// Returns the bytes in use. Zero, so that a test finds nothing wrong, under a sanitizer.
-std::size_t allocated() {
-  const struct mallinfo2 memory = mallinfo2();
-  return memory.uordblks + memory.hblkhd;
 }
 
 TEST(HostSession, KeepsNoPartOfABody) {

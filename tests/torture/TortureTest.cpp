@@ -3,13 +3,13 @@
 #include <atomic>
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <malloc.h>
 #include <random>
 
 #include "orvane/host/HostSession.h"
 #include "orvane/host/hostMainQueue.h"
 #include "orvane/orvane.h"
 #include "tests/support/LoopbackServer.h"
+#include "tests/support/allocated.h"
 #include "tests/support/entries.h"
 
 namespace orvane::test {
@@ -211,21 +211,19 @@ TEST_P(Torture, EveryCallCompletesOnceOrWasCancelled) {
   const char* const given = std::getenv("ORVANE_TORTURE_ROUNDS");
   const int rounds = given ? std::atoi(given) : 2;
   std::size_t afterFirst = 0;
-  std::size_t allocated = 0;
   for (int round = 0; round < rounds; ++round) {
     play(round);
-    const struct mallinfo2 memory = mallinfo2();  // Zeros, and so nothing to see, under a sanitizer.
-    allocated = memory.uordblks + memory.hblkhd;
-    if (round == 0) afterFirst = allocated;
+    if (round == 0) afterFirst = allocated();
   }
   EXPECT_GT(calls.begun, rounds * threadCount * actions);
   EXPECT_EQ(calls.completed + calls.dropped, calls.begun);
   if (!GetParam()) {
     EXPECT_EQ(calls.dropped, 0);
   }
-  EXPECT_LE(allocated, afterFirst + (1 << 20));  // Kept connections and handles make up to 400 KB.
+  const std::size_t inTheEnd = allocated();
+  EXPECT_LE(inTheEnd, afterFirst + (1 << 20));  // Kept connections and handles make up to 400 KB.
   std::printf("%d calls, %d of them dropped; %zu KB allocated after the first round, %zu KB in the end\n",
-              calls.begun.load(), calls.dropped.load(), afterFirst >> 10, allocated >> 10);
+              calls.begun.load(), calls.dropped.load(), afterFirst >> 10, inTheEnd >> 10);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rounds, Torture, testing::Bool(), [](const auto& round) {

@@ -74,10 +74,11 @@ class SessionThreads;
 /// transfers. If it has none, starting a task throws std::system_error. If it has no descriptor to give,
 /// tasks fail with -1004.
 ///
-/// **The end of the process** waits for threads inside libcurl, for at most three seconds, and up to half a
-/// second for a running handler. No handler begins after that. Statics made before the process's first
-/// session still exist until then; others may not. The shared library is never unloaded. A library that
-/// contains the static one must not be unloaded once a session has had a task.
+/// **The end of the process** waits for threads inside libcurl, and for session threads that are ending, for
+/// at most three seconds, and up to half a second for a running handler. No handler begins after that.
+/// Statics made before the process's first session still exist until then; others may not. The shared library
+/// is never unloaded. A library that contains the static one must not be unloaded once a session has had a
+/// task.
 ///
 /// **Child processes.** A handler runs with the signal mask of the thread that started the first task, with
 /// SIGPIPE blocked in addition. A child that the handler starts inherits that mask. At all other times the
