@@ -51,8 +51,8 @@ static asio::awaitable<void> signIn() {
 int main(int argc, char** argv) {
   auto& loop = *new asio::io_context;  // Never destroyed: the library may post to it until the process ends.
   const auto post = [&](Task task) { asio::post(loop, std::move(task)); };
-  installPlatform(
-      {.sharedSession = developmentSession(argc, argv), .mainQueue = std::make_shared<PostingQueue>(post)});
+  const auto session = developmentSession(argc, argv);
+  installPlatform({.sharedSession = session, .mainQueue = std::make_shared<PostingQueue>(post)});
   const auto work = asio::make_work_guard(loop);
   int status = 0;
   asio::co_spawn(loop, signIn(), [&](std::exception_ptr failure) {
@@ -65,5 +65,6 @@ int main(int argc, char** argv) {
     loop.stop();
   });
   loop.run();
+  session->waitUntilIdle(std::chrono::seconds(10));  // Until the report about the device is sent.
   return status;
 }

@@ -15,7 +15,8 @@ static std::string ask(const char* question) {
 }
 
 int main(int argc, char** argv) {
-  installPlatform({.sharedSession = developmentSession(argc, argv)});
+  const auto session = developmentSession(argc, argv);
+  installPlatform({.sharedSession = session});
   OrvaneManager& manager = OrvaneManager::shareManager();
   const std::string mobile = ask("Mobile number: ");
   int status = 1;
@@ -43,6 +44,7 @@ int main(int argc, char** argv) {
     manager.requestCode(mobile, ask("What does picture.png say? "), onMainQueue(codeSent));
   };
   manager.requestPictureCode(mobile, onMainQueue(pictureCame));
-  hostMainQueue().run();  // Until stop() is called.
+  hostMainQueue().run();                             // Until stop() is called.
+  session->waitUntilIdle(std::chrono::seconds(10));  // Until the report about the device is sent.
   return status;
 }

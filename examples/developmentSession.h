@@ -9,10 +9,10 @@
 #include "orvane/orvane.h"
 
 /// Returns a session whose requests reach a development service on this machine, at the port in the program's
-/// first argument. Returns null without an argument; the library then uses a session of its own. Ends the
-/// program if the argument is not a port.
-inline std::shared_ptr<orvane::URLSession> developmentSession(int argc, char** argv) {
-  if (argc < 2) return nullptr;
+/// first argument. Without an argument they reach the service's own address. Ends the program if the argument
+/// is not a port.
+inline std::shared_ptr<orvane::HostSession> developmentSession(int argc, char** argv) {
+  if (argc < 2) return std::make_shared<orvane::HostSession>();
   const std::string_view text = argv[1];
   std::uint16_t port = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);

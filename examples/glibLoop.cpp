@@ -31,8 +31,8 @@ static bool failed(const ErrorPtr& error) {
 }
 
 int main(int argc, char** argv) {
-  installPlatform({.sharedSession = developmentSession(argc, argv),
-                   .mainQueue = std::make_shared<PostingQueue>(g_idle_add_once)});
+  const auto session = developmentSession(argc, argv);
+  installPlatform({.sharedSession = session, .mainQueue = std::make_shared<PostingQueue>(g_idle_add_once)});
   auto& manager = OrvaneManager::shareManager();
   std::string mobile;
 
@@ -59,5 +59,6 @@ int main(int argc, char** argv) {
     manager.requestPictureCode(mobile, onMainQueue(pictureCame));
   });
   g_main_loop_run(loop);
+  session->waitUntilIdle(std::chrono::seconds(10));  // Until the report about the device is sent.
   return status;
 }

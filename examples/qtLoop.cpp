@@ -63,9 +63,11 @@ int main(int argc, char** argv) {
   const auto post = [&application](Task task) {
     QMetaObject::invokeMethod(&application, std::move(task), Qt::QueuedConnection);
   };
-  installPlatform(
-      {.sharedSession = developmentSession(argc, argv), .mainQueue = std::make_shared<PostingQueue>(post)});
+  const auto session = developmentSession(argc, argv);
+  installPlatform({.sharedSession = session, .mainQueue = std::make_shared<PostingQueue>(post)});
   QMetaObject::invokeMethod(
       &application, [] { signIn(); }, Qt::QueuedConnection);
-  return QCoreApplication::exec();
+  const int status = QCoreApplication::exec();
+  session->waitUntilIdle(std::chrono::seconds(10));  // Until the report about the device is sent.
+  return status;
 }

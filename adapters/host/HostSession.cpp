@@ -2,23 +2,136 @@
 
 #include <algorithm>
 #include <chrono>
+#include <condition_variable>
 #include <cstddef>
 #include <curl/curl.h>
-#include <memory>
+#include <list>
+#include <mutex>
 #include <new>
 #include <utility>
+#include <vector>
 
 #include "adapters/host/ExitGate.h"
-#include "adapters/host/SessionThreads.h"
+#include "adapters/host/TransferEngine.h"
+#include "adapters/host/startBackgroundThread.h"
+#include "orvane/base/fatal.h"
 
 namespace orvane {
+
+/// A session's one thread. It carries out the transfers. Between its looks at them it calls the handlers of
+/// finished tasks, one at a time, in the order in which the tasks finished.
+///
+/// The thread starts with the first task, keeps this object alive, and ends once the session is closed and no
+/// task is left. Public functions may be called from any thread.
+class SessionThread : public std::enable_shared_from_this<SessionThread> {
+ public:
+  explicit SessionThread(HostSessionConfiguration configuration)
+      : totalTimeout_(configuration.totalTimeout), engine_(std::move(configuration)) {}
+
+  /// Throws std::system_error if the system has no thread to give.
+  void start(URLRequest request, DataTaskHandler handler) {
+    // Held to the end: the handler may destroy the session, and with it what is woken here.
+    const std::lock_guard lock(mutex_);
+    if (!hasThread_) startBackgroundThread([self = shared_from_this()] { self->serve(); });
+    hasThread_ = true;
+    inbox_.push_back({std::move(request), std::move(handler), Clock::now() + totalTimeout_});
+    ++tasks_;
+    if (std::exchange(isWaiting_, false)) {
+      engine_.wake();
+    } else {
+      workCame_.notify_one();
+    }
+  }
+
+  /// Drops the handlers that have not started.
+  void cancelHandlers() {
+    std::list<HandlerCall> dropped;
+    const std::lock_guard lock(mutex_);
+    dropped.swap(calls_);
+    tasks_ -= dropped.size();
+    if (tasks_ == 0) becameIdle_.notify_all();
+  }
+
+  /// Returns true once every task has ended and its handler has returned, or false after `limit`.
+  bool waitUntilIdle(std::chrono::milliseconds limit) {
+    constexpr std::chrono::milliseconds longest = std::chrono::years(10);  // The clock's range has an end.
+    std::unique_lock lock(mutex_);
+    return becameIdle_.wait_for(lock, std::min(limit, longest), [this] { return tasks_ == 0; });
+  }
+
+  /// Says that no task comes any more.
+  void close() {
+    const std::lock_guard lock(mutex_);
+    isClosed_ = true;
+    workCame_.notify_one();
+  }
+
+ private:
+  void serve() try {
+    std::unique_lock lock(mutex_);
+    for (;;) {
+      workCame_.wait(lock, [this] { return !inbox_.empty() || !engine_.isIdle() || isClosed_; });
+      if (inbox_.empty() && engine_.isIdle()) break;
+      std::vector<DataTask> arrived = std::exchange(inbox_, {});
+      lock.unlock();
+      std::list<HandlerCall> due = engine_.advance(std::move(arrived));
+      lock.lock();
+      calls_.swap(due);
+      if (!calls_.empty()) {
+        callHandlers(lock);
+      } else if (inbox_.empty() && !engine_.isIdle()) {
+        isWaiting_ = true;
+        lock.unlock();
+        engine_.wait();
+        lock.lock();
+        isWaiting_ = false;
+      }
+    }
+    lock.unlock();
+    engine_.close();
+    curlGate().enterUntilThreadEnds();
+  } catch (const std::bad_alloc&) {
+    fatal("HostSession: there is not enough memory");
+  }
+
+  void callHandlers(std::unique_lock<std::mutex>& lock) {
+    while (!calls_.empty()) {
+      {
+        HandlerCall call = std::move(calls_.front());
+        calls_.pop_front();
+        lock.unlock();
+        const ExitGate::Pass pass(handlerGate());
+        const SignalMask signals(startersMask());
+        std::exchange(call.handler, nullptr)(std::move(call.result));
+      }
+      lock.lock();
+      --tasks_;
+    }
+    if (tasks_ == 0) becameIdle_.notify_all();
+  }
+
+  const std::chrono::milliseconds totalTimeout_;
+  TransferEngine engine_;  // Used by the thread alone, except for wake().
+
+  std::mutex mutex_;  // For all that follows.
+  std::condition_variable workCame_;
+  std::condition_variable becameIdle_;
+  std::vector<DataTask> inbox_;
+  std::list<HandlerCall> calls_;
+  std::size_t tasks_ = 0;  // Those whose handlers have neither returned nor been dropped.
+  bool hasThread_ = false;
+  bool isWaiting_ = false;  // For sockets, in the engine. Else the thread works, or waits for `workCame_`.
+  bool isClosed_ = false;
+};
+
 namespace {
 
 HostSessionConfiguration withinBounds(HostSessionConfiguration configuration) {
   using std::chrono::milliseconds;
   constexpr milliseconds longest = std::chrono::years(10);
-  for (milliseconds* timeout : {&configuration.idleTimeout, &configuration.totalTimeout})
-    *timeout = std::clamp(*timeout, milliseconds(1), longest);
+  for (milliseconds* time : {&configuration.idleTimeout, &configuration.totalTimeout,
+                             &configuration.acknowledgementTimeout, &configuration.keepAlive})
+    *time = std::clamp(*time, milliseconds(1), longest);
   for (std::size_t* count : {&configuration.connectionsPerHost, &configuration.maximumConnections})
     *count = std::max<std::size_t>(*count, 1);
   return configuration;
@@ -39,20 +152,24 @@ void prepareProcess() {
 
 HostSession::HostSession(HostSessionConfiguration configuration) {
   prepareProcess();
-  threads_ = std::make_shared<SessionThreads>(withinBounds(std::move(configuration)));
+  thread_ = std::make_shared<SessionThread>(withinBounds(std::move(configuration)));
 }
 
 HostSession::~HostSession() {
-  threads_->close();
+  thread_->close();
 }
 
 void HostSession::startDataTask(URLRequest request, DataTaskHandler handler) {
   if (!handler) handler = [](const auto&) {};
-  threads_->start(std::move(request), std::move(handler));
+  thread_->start(std::move(request), std::move(handler));
 }
 
 void HostSession::cancelAllOperations() {
-  threads_->cancelHandlers();
+  thread_->cancelHandlers();
+}
+
+bool HostSession::waitUntilIdle(std::chrono::milliseconds limit) {
+  return thread_->waitUntilIdle(limit);
 }
 
 }  // namespace orvane

@@ -34,12 +34,12 @@ bool isRedirect(int statusCode) noexcept {
   return (statusCode >= 301 && statusCode <= 303) || statusCode == 307 || statusCode == 308;
 }
 
-std::variant<URLRequest, SessionErrorCode> redirect(const URLRequest& request, int statusCode,
-                                                    std::string_view location) {
+std::variant<URLRequest, SessionFailure> redirect(const URLRequest& request, int statusCode,
+                                                  std::string_view location) {
   const URLParts from = splitURL(request.url());
   const URLParts to = splitURL(location);
   const bool losesSecurity = equalIgnoringCase(from.scheme, "https") && equalIgnoringCase(to.scheme, "http");
-  if (!isSupportedScheme(to.scheme) || losesSecurity) return SessionErrorCode::unsupportedURL;
+  if (!isSupportedScheme(to.scheme) || losesSecurity) return SessionFailure::unsupportedURL;
 
   URLRequest next{std::string(location)};
   const bool keepsBody = keepsMethod(request, statusCode);

@@ -22,7 +22,7 @@ bool isRedirect(int statusCode) noexcept;
 ///
 /// Drops credentials on the way to another origin. A POST after 301 or 302, and any method but HEAD after
 /// 303, becomes a GET without a body.
-std::variant<URLRequest, SessionErrorCode> redirect(const URLRequest& request, int statusCode,
-                                                    std::string_view location);
+std::variant<URLRequest, SessionFailure> redirect(const URLRequest& request, int statusCode,
+                                                  std::string_view location);
 
 }  // namespace orvane

@@ -1,11 +1,13 @@
 #include "adapters/host/Transfer.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 #include <fcntl.h>
 #include <limits>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <new>
-#include <optional>
 #include <string>
 #include <sys/socket.h>
 #include <utility>
@@ -13,6 +15,7 @@
 #include "adapters/host/Redirect.h"
 #include "adapters/host/SessionError.h"
 #include "orvane/base/appendPercentEncoded.h"
+#include "orvane/base/fatal.h"
 
 namespace orvane {
 namespace {
@@ -24,18 +27,15 @@ constexpr const char* userAgent = "Orvane/" ORVANE_VERSION;
 constexpr std::size_t maximumHeaderSize = 256U << 10;  // In bytes.
 constexpr std::size_t maximumHeaderLines = 4000;
 
-bool isASCII(char c) {
-  return static_cast<unsigned char>(c) < 0x80;
-}
-
-/// Returns the URL with bytes beyond ASCII percent-encoded. curl decodes those of the host again.
+/// Returns the URL with its spaces, which a redirect may have, and bytes beyond ASCII percent-encoded. curl
+/// decodes those of the host again.
 std::string percentEncoded(const std::string& url) {
   std::string encoded;
   for (const char c : url) {
-    if (isASCII(c)) {
-      encoded.push_back(c);
-    } else {
+    if (c == ' ' || static_cast<unsigned char>(c) >= 0x80) {
       appendPercentEncoded(encoded, c);
+    } else {
+      encoded.push_back(c);
     }
   }
   return encoded;
@@ -47,15 +47,24 @@ std::string headerLine(const HeaderField& field) {
   return isBlank ? field.name + ";" : field.name + ": " + field.value;
 }
 
-/// For CURLOPT_OPENSOCKETFUNCTION: a connection that no child process inherits.
-curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address) noexcept {
+int asInt(std::chrono::milliseconds time) {
+  return static_cast<int>(std::min<std::chrono::milliseconds::rep>(time.count(), INT_MAX));
+}
+
+/// For CURLOPT_OPENSOCKETFUNCTION. Opens a connection that no child process inherits, and that ends if what
+/// was sent is not acknowledged in time.
+curl_socket_t openSocket(void* context, curlsocktype, curl_sockaddr* address) noexcept {
 #ifdef SOCK_CLOEXEC
-  return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+  const int file = socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 #else
   const int file = socket(address->family, address->socktype, address->protocol);
   if (file >= 0) fcntl(file, F_SETFD, FD_CLOEXEC);
-  return file;
 #endif
+#ifdef TCP_USER_TIMEOUT
+  const int limit = asInt(static_cast<TransferContext*>(context)->configuration.acknowledgementTimeout);
+  if (file >= 0) setsockopt(file, IPPROTO_TCP, TCP_USER_TIMEOUT, &limit, sizeof(limit));
+#endif
+  return file;
 }
 
 }  // namespace
@@ -67,10 +76,12 @@ void Transfer::set(CURLoption option, Value value) {
 }
 
 Transfer::Transfer(TransferContext& context) : context_(context), handle_(curl_easy_init()) {
+  if (!handle_) throw std::bad_alloc();
   const HostSessionConfiguration& configuration = context.configuration;
   set(CURLOPT_NOSIGNAL, 1L);
   set(CURLOPT_QUICK_EXIT, 1L);
   set(CURLOPT_PROTOCOLS_STR, "http,https");
+  set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
   set(CURLOPT_PATH_AS_IS, 1L);
   set(CURLOPT_USERAGENT, userAgent);
   set(CURLOPT_ACCEPT_ENCODING, "");
@@ -80,52 +91,53 @@ Transfer::Transfer(TransferContext& context) : context_(context), handle_(curl_e
   set(CURLOPT_PROXY, configuration.proxy.c_str());
   set(CURLOPT_NOPROXY, "");
   if (!configuration.certificateAuthorities.empty()) {
-    set(CURLOPT_CAINFO, configuration.certificateAuthorities.c_str());
-    set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+    for (const CURLoption file : {CURLOPT_CAINFO, CURLOPT_PROXY_CAINFO})
+      set(file, configuration.certificateAuthorities.c_str());
+    for (const CURLoption folder : {CURLOPT_CAPATH, CURLOPT_PROXY_CAPATH})
+      set(folder, static_cast<const char*>(nullptr));
+  }
+  // curl counts whole seconds, and still uses a connection whose count is at its limit.
+  const auto keepAlive = static_cast<long>(configuration.keepAlive / std::chrono::seconds(1));
+  if (keepAlive < 2) {
+    set(CURLOPT_FORBID_REUSE, 1L);
+  } else {
+    set(CURLOPT_MAXAGE_CONN, keepAlive - 1);
   }
   // The engine sees to time-outs, across redirects. curl divides this one among the addresses of a host.
-  set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(std::min<std::chrono::milliseconds::rep>(
-                                     configuration.idleTimeout.count(), std::numeric_limits<int>::max())));
+  set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(asInt(configuration.idleTimeout)));
   set(CURLOPT_OPENSOCKETFUNCTION, &openSocket);
+  set(CURLOPT_OPENSOCKETDATA, &context);
   set(CURLOPT_ERRORBUFFER, errorText_.data());
   set(CURLOPT_PRIVATE, this);
 
-  using Self = Transfer;
+  const auto write = +[](char* bytes, std::size_t, std::size_t size, void* self) {
+    return static_cast<Transfer*>(self)->take(bytes, size);
+  };
   set(CURLOPT_WRITEDATA, this);
-  set(
-      CURLOPT_WRITEFUNCTION, +[](char* bytes, std::size_t one, std::size_t size, void* self) {
-        return static_cast<Self*>(self)->take(bytes, one * size);
-      });
+  set(CURLOPT_WRITEFUNCTION, write);
+  const auto writeHeader = +[](char* bytes, std::size_t, std::size_t size, void* self) {
+    return static_cast<Transfer*>(self)->takeHeaderLine({bytes, size});
+  };
   set(CURLOPT_HEADERDATA, this);
-  set(
-      CURLOPT_HEADERFUNCTION, +[](char* bytes, std::size_t one, std::size_t size, void* self) {
-        return static_cast<Self*>(self)->takeHeaderLine({bytes, one * size});
-      });
+  set(CURLOPT_HEADERFUNCTION, writeHeader);
+  const auto progress = +[](void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) {
+    return static_cast<Transfer*>(self)->noteProgress(received, sent) ? 0 : 1;
+  };
   set(CURLOPT_NOPROGRESS, 0L);
   set(CURLOPT_XFERINFODATA, this);
-  set(
-      CURLOPT_XFERINFOFUNCTION,
-      +[](void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) {
-        return static_cast<Self*>(self)->noteProgress(received, sent) ? 0 : 1;
-      });
-  // Called each time before curl sends the request. curl sends it again if a kept-alive connection was lost.
-  // Only a request that changes nothing may be sent twice.
+  set(CURLOPT_XFERINFOFUNCTION, progress);
+  const auto beforeSending = +[](void* self, char*, char*, int, int) {
+    return static_cast<Transfer*>(self)->maySend() ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
+  };
   set(CURLOPT_PREREQDATA, this);
-  set(
-      CURLOPT_PREREQFUNCTION, +[](void* self, char*, char*, int, int) {
-        auto& transfer = *static_cast<Self*>(self);
-        const bool mayRepeat =
-            transfer.task_.request.method() == "GET" || transfer.task_.request.method() == "HEAD";
-        return transfer.exchange_.attempts++ == 0 || mayRepeat ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
-      });
+  set(CURLOPT_PREREQFUNCTION, beforeSending);
 }
 
 CURLcode Transfer::prepare(DataTask&& task) {
   task_ = std::move(task);
   exchange_ = {.lastActivity = context_.now};
   errorText_[0] = '\0';
-  const std::string& url = task_.request.url();
-  set(CURLOPT_URL, std::all_of(url.begin(), url.end(), isASCII) ? url.c_str() : percentEncoded(url).c_str());
+  set(CURLOPT_URL, percentEncoded(task_.request.url()).c_str());
   setMethodAndBody();
   setHeaders();
   return setUp_;
@@ -136,11 +148,9 @@ void Transfer::setMethodAndBody() {
   const std::optional<Bytes>& body = task_.request.body();
   const bool isHead = method == "HEAD";
   // A body that is announced larger than allowed is refused at once. After HEAD none comes.
-  constexpr std::uint64_t unlimited = 0;
   constexpr std::uint64_t greatest = std::numeric_limits<curl_off_t>::max();
-  const auto limit =
-      isHead ? unlimited : std::min<std::uint64_t>(context_.configuration.maximumBodySize, greatest);
-  set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limit));
+  const auto limit = std::min<std::uint64_t>(context_.configuration.maximumBodySize, greatest);
+  set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(isHead ? 0 : limit));
   if ((body && !isHead) || method == "POST") {
     static constexpr char nothing[] = "";
     const bool isEmpty = !body || body->empty();
@@ -158,15 +168,11 @@ void Transfer::setMethodAndBody() {
 void Transfer::setHeaders() {
   const URLRequest& request = task_.request;
   const bool hasBody = request.body() && !request.body()->empty();
-  // The task before often had the same.
-  if (headers_.get() && hasBody == bodyInHeaders_ && request.headers() == fieldsInHeaders_) return;
-  fieldsInHeaders_ = std::vector(request.headers());
-  bodyInHeaders_ = hasBody;
   headers_.clear();
   headers_.append("Expect:");  // No pause before a large body.
   if (!hasBody && !request.value("Content-Type")) headers_.append("Content-Type:");
   const char* cookie = nullptr;  // Separate, so that curl puts it into one line with the jar's.
-  for (const HeaderField& field : fieldsInHeaders_) {
+  for (const HeaderField& field : request.headers()) {
     if (equalIgnoringCase(field.name, "Cookie")) {
       cookie = field.value.c_str();
     } else {
@@ -177,13 +183,19 @@ void Transfer::setHeaders() {
   set(CURLOPT_HTTPHEADER, headers_.get());
 }
 
-/// Throws nothing, since curl calls it.
+// curl calls the following functions, so they throw nothing.
+
+/// Called each time before curl sends the request. curl sends it again if a kept-alive connection was lost.
+/// Only a request that changes nothing may be sent twice.
+bool Transfer::maySend() noexcept {
+  const std::string& method = task_.request.method();
+  return exchange_.attempts++ == 0 || method == "GET" || method == "HEAD";
+}
+
 std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {
   exchange_.lastActivity = context_.now;
-  if (size > context_.configuration.maximumBodySize - exchange_.body.size()) {
-    exchange_.isTooLarge = true;
-    return CURL_WRITEFUNC_ERROR;
-  }
+  if (size > context_.configuration.maximumBodySize - exchange_.body.size())
+    return refuse(SessionFailure::dataTooLarge);
   if (exchange_.body.empty()) {
     // The server's announcement is only a hint.
     constexpr curl_off_t greatestReservation = 1 << 20;
@@ -196,29 +208,41 @@ std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {
   exchange_.body.insert(exchange_.body.end(), first, first + size);
   return size;
 } catch (const std::bad_alloc&) {
-  exchange_.isTooLarge = true;
-  return CURL_WRITEFUNC_ERROR;
+  fatal("HostSession: there is not enough memory for a reply");
 }
 
 std::size_t Transfer::takeHeaderLine(std::string_view line) noexcept {
   exchange_.lastActivity = context_.now;
-  if (line.starts_with("HTTP/")) exchange_.isHeaderWhole = false;
-  if (line == "\r\n" || line == "\n") exchange_.isHeaderWhole = true;
-  constexpr std::string_view cookie = "Set-Cookie:";
-  if (equalIgnoringCase(line.substr(0, cookie.size()), cookie)) context_.cookies.note(line.size());
   exchange_.headerSize += line.size();
-  exchange_.isTooLarge =
-      exchange_.headerSize > maximumHeaderSize || ++exchange_.headerLines > maximumHeaderLines;
-  return exchange_.isTooLarge ? 0 : line.size();
+  if (exchange_.headerSize > maximumHeaderSize || ++exchange_.headerLines > maximumHeaderLines)
+    return refuse(SessionFailure::dataTooLarge);
+  if (line == "\r\n" || line == "\n") {
+    const int status = statusCode();  // 0 if a proxy answers CONNECT.
+    // Nothing asked the server to switch protocols.
+    if (status == 101) return refuse(SessionFailure::cannotParseReply);
+    exchange_.isHeaderWhole = status >= 200;
+  }
+  return line.size();
 }
 
-/// Returns false if the body is too large before decompression. curl itself checks that only since 8.4.
+/// Returns false to end the exchange.
 bool Transfer::noteProgress(curl_off_t received, curl_off_t sent) noexcept {
   if (received + sent != exchange_.bytes) exchange_.lastActivity = context_.now;
   exchange_.bytes = received + sent;
-  exchange_.isTooLarge =
-      exchange_.isTooLarge || static_cast<std::uint64_t>(received) > context_.configuration.maximumBodySize;
-  return !exchange_.isTooLarge;
+  // Before decompression. curl itself checks that only since 8.4.
+  if (static_cast<std::uint64_t>(received) > context_.configuration.maximumBodySize)
+    refuse(SessionFailure::dataTooLarge);
+  // The engine sees to time-outs, unless curl does not return to it: it reads all of a proxy's refusal in one
+  // call, even if that never ends. A second is enough to read what has arrived.
+  if (std::max(end(), context_.now + std::chrono::seconds(1)) <= Clock::now())
+    refuse(SessionFailure::timedOut);
+  return !exchange_.refusal;
+}
+
+/// Notes why the exchange ends. Returns what tells curl to end it.
+std::size_t Transfer::refuse(SessionFailure failure) noexcept {
+  exchange_.refusal = failure;
+  return CURL_WRITEFUNC_ERROR;
 }
 
 Clock::time_point Transfer::end() const noexcept {
@@ -226,17 +250,29 @@ Clock::time_point Transfer::end() const noexcept {
 }
 
 DataTaskResult Transfer::finish(CURLcode result) {
-  Bytes body =
-      std::exchange(exchange_.body, {});  // Also on failure: an idle transfer keeps no memory for it.
+  Bytes body = std::exchange(exchange_.body, {});  // Also on failure: an idle transfer keeps no memory.
   // curl takes a header that is cut short for a reply without a body.
   if (result == CURLE_OK && !exchange_.isHeaderWhole) result = CURLE_PARTIAL_FILE;
   if (result == CURLE_OK) return {std::move(body), HTTPResponse{statusCode()}, nullptr};
+  const char* const detail = errorText_[0] != '\0' ? errorText_.data() : curl_easy_strerror(result);
+  return {std::nullopt, std::nullopt, makeSessionError(failure(result), task_.request.url(), detail)};
+}
+
+/// Returns what went wrong in the exchange that curl ended with `result`.
+SessionFailure Transfer::failure(CURLcode result) const {
+  if (exchange_.refusal) return *exchange_.refusal;
+  // A request's header, or a line of a reply's, is beyond curl's limits. That is CURLE_TOO_LARGE since 8.6.
+  const bool isNamed = curl_version_info(CURLVERSION_NOW)->version_num >= 0x080600;
+  const bool isTooLarge =
+      isNamed ? static_cast<int>(result) == 100 : result == CURLE_OUT_OF_MEMORY && !exchange_.isHeaderWhole;
+  if (isTooLarge) {
+    long sent = 0;
+    curl_easy_getinfo(handle(), CURLINFO_REQUEST_SIZE, &sent);
+    return sent == 0 ? SessionFailure::requestTooLarge : SessionFailure::dataTooLarge;
+  }
   long verification = 0;
   curl_easy_getinfo(handle(), CURLINFO_SSL_VERIFYRESULT, &verification);
-  const SessionErrorCode code =
-      exchange_.isTooLarge ? SessionErrorCode::dataTooLarge : sessionErrorCode(result, verification);
-  const char* const detail = errorText_[0] != '\0' ? errorText_.data() : curl_easy_strerror(result);
-  return {std::nullopt, std::nullopt, makeSessionError(code, task_.request.url(), detail)};
+  return sessionFailure(result, verification);
 }
 
 std::string_view Transfer::redirectLocation() const {

@@ -5,12 +5,14 @@
 #include <cstddef>
 #include <curl/curl.h>
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "adapters/host/CookieJar.h"
 #include "adapters/host/CurlSlist.h"
+#include "adapters/host/SessionError.h"
 #include "orvane/host/HostSession.h"
 
 namespace orvane {
@@ -23,6 +25,7 @@ struct DataTask {
   DataTaskHandler handler;
   Clock::time_point deadline;  ///< When it fails with -1001, also if it has not begun.
   int redirects = 0;           ///< How many led to `request`.
+  std::string host = {};       ///< Scheme, host and port of `request`, once they are known to be valid.
 };
 
 /// What all transfers of a session share.
@@ -30,7 +33,7 @@ struct TransferContext {
   HostSessionConfiguration configuration = {};
   CurlSlist reroutes = {};
   CookieJar cookies = {};
-  Clock::time_point now = {};  ///< By which activity is dated.
+  Clock::time_point now = {};  ///< When curl was last asked what has arrived. Activity is dated by it.
 };
 
 /// One HTTP exchange on an easy handle of curl's. The handle and its buffers serve one task after another.
@@ -43,6 +46,7 @@ class Transfer {
   Transfer& operator=(const Transfer&) = delete;
 
   CURL* handle() const noexcept { return handle_.get(); }
+  const std::string& host() const noexcept { return task_.host; }
   DataTask takeTask() noexcept { return std::move(task_); }
 
   /// Prepares the handle for `task`. Returns the first failure to set an option, here or in the constructor;
@@ -69,9 +73,12 @@ class Transfer {
   void set(CURLoption option, Value value);
   void setMethodAndBody();
   void setHeaders();
+  bool maySend() noexcept;
   std::size_t take(const char* bytes, std::size_t size) noexcept;
   std::size_t takeHeaderLine(std::string_view line) noexcept;
   bool noteProgress(curl_off_t received, curl_off_t sent) noexcept;
+  std::size_t refuse(SessionFailure failure) noexcept;
+  SessionFailure failure(CURLcode result) const;
 
   /// What is known of the present exchange.
   struct Exchange {
@@ -80,8 +87,8 @@ class Transfer {
     int attempts = 0;
     std::size_t headerSize = 0;
     std::size_t headerLines = 0;
-    bool isHeaderWhole = false;
-    bool isTooLarge = false;
+    bool isHeaderWhole = false;  // The last one: not that of an interim reply or of a proxy's.
+    std::optional<SessionFailure> refusal = {};  // Why a callback ended the exchange.
     Bytes body = {};
   };
 
@@ -92,8 +99,6 @@ class Transfer {
   DataTask task_{URLRequest(""), nullptr, {}};
   Exchange exchange_;
   CurlSlist headers_;
-  std::vector<HeaderField> fieldsInHeaders_;  // From which they were made.
-  bool bodyInHeaders_ = false;
 };
 
 }  // namespace orvane

@@ -2,27 +2,23 @@
 
 #include <algorithm>
 #include <chrono>
+#include <climits>
 #include <cstdint>
 #include <iterator>
-#include <optional>
-#include <string>
+#include <thread>
 #include <utility>
 #include <variant>
 
 #include "adapters/host/ExitGate.h"
 #include "adapters/host/Redirect.h"
-#include "adapters/host/SessionError.h"
 #include "orvane/base/lowerASCII.h"
 #include "orvane/platform/URLParts.h"
 
 namespace orvane {
 namespace {
 
-/// How many destinations without tasks are kept.
-constexpr std::size_t keptDestinations = 8;
-
-/// How long a destination keeps its connections while others wait for one.
-constexpr std::chrono::milliseconds turn(100);
+/// How many transfers without a task are kept. Each takes some 10 KB, and some 10 µs to make.
+constexpr std::size_t keptTransfers = 6;
 
 void appendAddress(std::string& line, const std::string& host, std::uint16_t port) {
   const bool isBare = host.find(':') != host.npos && !host.starts_with('[');
@@ -41,7 +37,7 @@ CurlSlist makeReroutes(const std::vector<Reroute>& reroutes) {
   return list;
 }
 
-std::string destinationKey(const URLParts& parts) {
+std::string hostKey(const URLParts& parts) {
   std::string key(parts.scheme);
   key.append("://").append(parts.host).append(":").append(parts.portOrDefault());
   std::transform(key.begin(), key.end(), key.begin(), lowerASCII);
@@ -50,26 +46,34 @@ std::string destinationKey(const URLParts& parts) {
 
 }  // namespace
 
-TransferEngine::TransferEngine(HostSessionConfiguration configuration)
-    : context_{std::move(configuration)}, multi_(std::in_place, context_.configuration.maximumConnections) {
+TransferEngine::TransferEngine(HostSessionConfiguration configuration) : context_{std::move(configuration)} {
   context_.reroutes = makeReroutes(context_.configuration.reroutes);
 }
 
-bool TransferEngine::advance(std::vector<HandlerCall>& due) {
+std::list<HandlerCall> TransferEngine::advance(std::vector<DataTask>&& arrived) {
+  const ExitGate::Pass pass(curlGate());
   context_.now = Clock::now();
-  {
-    const ExitGate::Pass pass(curlGate());
-    giveTurns();
-    multi_->perform();
-    while (const auto finished = multi_->nextFinished()) {
-      Transfer* transfer = nullptr;
-      curl_easy_getinfo(finished->handle, CURLINFO_PRIVATE, &transfer);
-      settle(*transfer, finished->result);
-    }
-    giveUpOverdue();
+  for (DataTask& task : arrived) accept(std::move(task));
+  int left = 0;
+  if (multi_) curl_multi_perform(multi_.get(), &left);
+  while (const CURLMsg* message = multi_ ? curl_multi_info_read(multi_.get(), &left) : nullptr) {
+    const CURLcode result = message->data.result;
+    Transfer* transfer = nullptr;
+    curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
+    settle(*transfer, result);
   }
-  due.swap(due_);
-  return !due.empty() || (!turns_.empty() && isConnectionFree());
+  giveUpOverdue();
+  return std::exchange(due_, {});
+}
+
+void TransferEngine::wait() {
+  using std::chrono::milliseconds;
+  Clock::time_point next = context_.now + std::chrono::hours(1);
+  if (!waiting_.empty()) next = std::min(next, waiting_.front().deadline);
+  for (const auto& transfer : running_) next = std::min(next, transfer->end());
+  const auto timeout = std::max(std::chrono::ceil<milliseconds>(next - Clock::now()), milliseconds(0));
+  if (curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(timeout.count()), nullptr) != CURLM_OK)
+    std::this_thread::sleep_for(milliseconds(20));  // Does not spin where poll() fails.
 }
 
 void TransferEngine::close() {
@@ -81,150 +85,111 @@ void TransferEngine::close() {
 
 void TransferEngine::accept(DataTask&& task) {
   const URLParts parts = splitURL(task.request.url());
-  if (!isSupportedScheme(parts.scheme)) {
-    fail(std::move(task), SessionErrorCode::unsupportedURL);
-  } else if (parts.host.empty() || task.request.url().find('\0') != std::string::npos) {
-    fail(std::move(task), SessionErrorCode::badURL);
+  if (!isSupportedScheme(parts.scheme)) return fail(std::move(task), SessionFailure::unsupportedURL);
+  if (parts.host.empty() || task.request.url().find('\0') != std::string::npos)
+    return fail(std::move(task), SessionFailure::badURL);
+  task.host = hostKey(parts);
+  if (isConnectionFree(task.host)) {
+    admit(std::move(task));
   } else {
-    const auto place = destinations_.try_emplace(destinationKey(parts)).first;
-    auto& waiting = place->second.waiting;
-    nextDeadline_ = std::min(nextDeadline_, task.deadline);
-    // The end is right, except for a task that was redirected, which is older than those that have come
-    // since.
-    waiting.insert(waiting.end(), std::move(task));
-    ++waiting_;
-    queueUp(place);
+    // At the end, except for a task that was redirected, which is older than those that have come since.
+    const auto before = std::find_if(waiting_.rbegin(), waiting_.rend(),
+                                     [&](const DataTask& each) { return each.deadline <= task.deadline; });
+    waiting_.insert(before.base(), std::move(task));
   }
 }
 
-bool TransferEngine::isConnectionFree() const noexcept {
-  return running_.size() < context_.configuration.maximumConnections;
+bool TransferEngine::isConnectionFree(const std::string& host) const {
+  const auto used = std::count_if(running_.begin(), running_.end(),
+                                  [&](const auto& transfer) { return transfer->host() == host; });
+  return running_.size() < context_.configuration.maximumConnections &&
+         static_cast<std::size_t>(used) < context_.configuration.connectionsPerHost;
 }
 
-/// Puts the destination in line for a turn if it can use a connection. Forgets it if it has no tasks.
-void TransferEngine::queueUp(Destinations::iterator place) {
-  Destination& destination = place->second;
-  if (destination.isInTurn) return;
-  if (!destination.waiting.empty() && destination.running < context_.configuration.connectionsPerHost) {
-    turns_.push_back(place);
-    destination.isInTurn = true;
-  } else if (destination.waiting.empty() && destination.running == 0 &&
-             destinations_.size() > keptDestinations) {
-    destinations_.erase(place);
-  }
-}
-
-/// Returns the task with the earliest deadline.
-DataTask TransferEngine::takeWaiting(Destination& destination) {
-  --waiting_;
-  return std::move(destination.waiting.extract(destination.waiting.begin()).value());
-}
-
-void TransferEngine::giveTurns() {
-  while (!turns_.empty() && isConnectionFree()) {
-    const auto place = turns_.front();
-    turns_.pop_front();
-    place->second.isInTurn = false;
-    place->second.turnEnd = context_.now + turn;
-    if (!place->second.waiting.empty()) admit(place);
-    queueUp(place);
-  }
-}
-
-/// Gives the destination's oldest task to curl.
-void TransferEngine::admit(Destinations::iterator place) {
+/// Gives the task to curl. Returns false if it fails at once.
+bool TransferEngine::admit(DataTask&& task) {
   if (idle_.empty()) idle_.push_back(std::make_unique<Transfer>(context_));
   std::unique_ptr<Transfer> transfer = std::move(idle_.back());
   idle_.pop_back();
-  leastIdle_ = std::min(leastIdle_, idle_.size());
-  if (const CURLcode result = transfer->prepare(takeWaiting(place->second)); result != CURLE_OK) {
-    fail(transfer->takeTask(), sessionErrorCode(result), curl_easy_strerror(result));
-  } else if (!multi_->add(transfer->handle())) {
-    fail(transfer->takeTask(), SessionErrorCode::cannotConnectToHost, "No memory or descriptor is free");
-  } else {
-    running_.push_back({std::move(transfer), place});
-    ++place->second.running;
+  if (const CURLcode result = transfer->prepare(std::move(task)); result != CURLE_OK) {
+    fail(transfer->takeTask(), sessionFailure(result), curl_easy_strerror(result));
+    return false;
   }
+  if ((!multi_ && !open()) || curl_multi_add_handle(multi_.get(), transfer->handle()) != CURLM_OK) {
+    fail(transfer->takeTask(), SessionFailure::cannotConnectToHost, "No memory or descriptor is free");
+    return false;
+  }
+  running_.push_back(std::move(transfer));
+  return true;
+}
+
+/// Makes the multi handle. Returns false if there is no memory or descriptor for it.
+bool TransferEngine::open() {
+  multi_.reset(curl_multi_init());
+  // Without descriptors curl makes a handle that cannot be woken.
+  if (multi_ && curl_multi_wakeup(multi_.get()) != CURLM_OK) multi_.reset();
+  if (!multi_) return false;
+  const std::size_t most = std::min<std::size_t>(context_.configuration.maximumConnections, INT_MAX);
+  constexpr auto quickExit = static_cast<CURLMoption>(21);  // CURLMOPT_QUICK_EXIT, since curl 8.20.
+  for (const CURLMoption option : {CURLMOPT_MAXCONNECTS, CURLMOPT_MAX_TOTAL_CONNECTIONS})
+    curl_multi_setopt(multi_.get(), option, static_cast<long>(most));
+  curl_multi_setopt(multi_.get(), quickExit, 1L);
+  return true;
 }
 
 void TransferEngine::giveUpOverdue() {
   std::vector<Transfer*> overdue;
-  for (const Running& running : running_) {
-    if (running.transfer->end() <= context_.now) overdue.push_back(running.transfer.get());
-  }
+  for (const auto& transfer : running_)
+    if (transfer->end() <= context_.now) overdue.push_back(transfer.get());
   for (Transfer* transfer : overdue) settle(*transfer, CURLE_OPERATION_TIMEDOUT);
-  if (context_.now < nextDeadline_) return;
-  nextDeadline_ = Clock::time_point::max();
-  for (auto& [key, destination] : destinations_) {
-    const auto& waiting = destination.waiting;
-    while (!waiting.empty() && waiting.begin()->deadline <= context_.now)
-      fail(takeWaiting(destination), SessionErrorCode::timedOut);
-    if (!waiting.empty()) nextDeadline_ = std::min(nextDeadline_, waiting.begin()->deadline);
-  }
+  for (; !waiting_.empty() && waiting_.front().deadline <= context_.now; waiting_.pop_front())
+    fail(std::move(waiting_.front()), SessionFailure::timedOut);
 }
 
-void TransferEngine::wait() {
-  Clock::time_point next = std::min(context_.now + std::chrono::hours(1), nextDeadline_);
-  for (const Running& running : running_) next = std::min(next, running.transfer->end());
-  multi_->wait(next);
-}
-
+/// Takes the transfer back from curl, and gives its connection to the next task.
 void TransferEngine::settle(Transfer& transfer, CURLcode curlResult) {
   const int statusCode = transfer.statusCode();
   const std::string location(curlResult == CURLE_OK ? transfer.redirectLocation() : "");
   DataTaskResult result = transfer.finish(curlResult);
   DataTask task = transfer.takeTask();
   context_.cookies.keepWithinBounds(transfer.handle());
-  const auto place = release(transfer);
-  // The connection serves its host while that one's turn lasts, since another host would need a new one.
-  const bool isItsTurn = curlResult == CURLE_OK && context_.now < place->second.turnEnd;
-  if (isItsTurn && !place->second.waiting.empty()) admit(place);
-  queueUp(place);
+  curl_multi_remove_handle(multi_.get(), transfer.handle());
+  const auto running = std::find_if(running_.begin(), running_.end(),
+                                    [&](const auto& each) { return each.get() == &transfer; });
+  if (idle_.size() < keptTransfers) idle_.push_back(std::move(*running));
+  running_.erase(running);
   if (location.empty()) {
-    report(std::move(task), std::move(result));
+    due_.push_back({std::move(task.handler), std::move(result)});
   } else {
     follow(std::move(task), statusCode, location);
   }
+  admitNext();
 }
 
-/// Keeps the transfer for a later task, and as many others as were lately needed. Returns its destination.
-TransferEngine::Destinations::iterator TransferEngine::release(const Transfer& transfer) {
-  const auto running = std::find_if(running_.begin(), running_.end(),
-                                    [&](const Running& each) { return each.transfer.get() == &transfer; });
-  const Destinations::iterator place = running->destination;
-  multi_->remove(transfer.handle());
-  --place->second.running;
-  idle_.push_back(std::move(running->transfer));
-  running_.erase(running);
-  if (++released_ > idle_.size() + running_.size()) {
-    idle_.erase(idle_.begin(), idle_.begin() + static_cast<std::ptrdiff_t>(leastIdle_));
-    leastIdle_ = idle_.size();
-    released_ = 0;
+/// Admits the first waiting task that may use a connection.
+void TransferEngine::admitNext() {
+  for (auto task = waiting_.begin(); task != waiting_.end();) {
+    if (!isConnectionFree(task->host)) {
+      ++task;
+    } else {
+      const bool isAdmitted = admit(std::move(*task));
+      task = waiting_.erase(task);
+      if (isAdmitted) return;
+    }
   }
-  return place;
 }
 
 void TransferEngine::follow(DataTask&& task, int statusCode, const std::string& location) {
-  if (++task.redirects > maximumRedirects) {
-    fail(std::move(task), SessionErrorCode::tooManyRedirects);
-    return;
-  }
+  if (++task.redirects > maximumRedirects) return fail(std::move(task), SessionFailure::tooManyRedirects);
   auto next = redirect(task.request, statusCode, location);
-  if (const auto* code = std::get_if<SessionErrorCode>(&next)) {
-    fail(std::move(task), *code);
-    return;
-  }
+  if (const auto* failure = std::get_if<SessionFailure>(&next)) return fail(std::move(task), *failure);
   task.request = std::move(*std::get_if<URLRequest>(&next));
   accept(std::move(task));
 }
 
-void TransferEngine::report(DataTask&& task, DataTaskResult result) {
-  due_.push_back({std::move(task.handler), std::move(result)});
-}
-
-void TransferEngine::fail(DataTask&& task, SessionErrorCode code, std::string_view detail) {
-  ErrorPtr error = makeSessionError(code, task.request.url(), detail);
-  report(std::move(task), {std::nullopt, std::nullopt, std::move(error)});
+void TransferEngine::fail(DataTask&& task, SessionFailure failure, std::string_view detail) {
+  ErrorPtr error = makeSessionError(failure, task.request.url(), detail);
+  due_.push_back({std::move(task.handler), {std::nullopt, std::nullopt, std::move(error)}});
 }
 
 }  // namespace orvane

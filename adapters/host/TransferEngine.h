@@ -1,17 +1,13 @@
 #pragma once
 
-#include <chrono>
 #include <cstddef>
-#include <deque>
-#include <map>
+#include <curl/curl.h>
+#include <list>
 #include <memory>
-#include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "adapters/host/CurlMulti.h"
 #include "adapters/host/SessionError.h"
 #include "adapters/host/Transfer.h"
 #include "orvane/host/HostSession.h"
@@ -24,79 +20,53 @@ struct HandlerCall {
   DataTaskResult result;
 };
 
-/// Carries out a session's tasks. Not thread-safe, except wake().
+/// Carries out a session's tasks with libcurl's multi interface. Not thread-safe, except wake().
 ///
 /// Gives curl only the transfers that have a connection to use, since curl slows down with the number of its
-/// transfers, and each takes much memory. The other tasks wait here as plain records. Destinations take turns
-/// at the connections.
+/// transfers, and each takes much memory. The other tasks wait here as plain records, in one line: first
+/// come, first served, except that a task is passed over while its host has all connections that it may have.
 class TransferEngine {
  public:
   explicit TransferEngine(HostSessionConfiguration configuration);
   TransferEngine(const TransferEngine&) = delete;
   TransferEngine& operator=(const TransferEngine&) = delete;
 
-  void accept(DataTask&& task);
+  /// Takes tasks, and does what can be done now. Returns the calls of the tasks that have finished.
+  std::list<HandlerCall> advance(std::vector<DataTask>&& arrived);
 
-  /// Does what can be done now, and puts the calls of finished tasks into `due`, which is empty before.
-  /// Returns true if there is more to do at once.
-  bool advance(std::vector<HandlerCall>& due);
-
-  /// Returns true if a socket is ready.
-  bool isReady() { return multi_->wait(context_.now); }
-  /// Returns when there may be something to do.
+  /// Returns when there may be something to do. Call it only while isIdle() is false.
   void wait();
-  /// Makes the present wait() return, or the next one. From any thread.
-  void wake() noexcept { multi_->wake(); }
+  /// Makes the present wait() return, or the next one. From any thread, once the engine is about to wait.
+  void wake() noexcept { curl_multi_wakeup(multi_.get()); }
 
-  bool isIdle() const noexcept { return running_.empty() && waiting_ == 0; }
+  /// Returns true if there are no tasks.
+  bool isIdle() const noexcept { return running_.empty() && waiting_.empty(); }
 
   /// Releases all that is curl's, when there are no tasks any more. Separate from the destructor, which may
   /// run on a thread that must not block.
   void close();
 
  private:
-  struct IsDueEarlier {
-    bool operator()(const DataTask& a, const DataTask& b) const noexcept { return a.deadline < b.deadline; }
+  struct MultiDeleter {
+    void operator()(CURLM* multi) const noexcept { curl_multi_cleanup(multi); }
   };
 
-  /// The tasks for one scheme, host and port.
-  struct Destination {
-    std::size_t running = 0;
-    std::multiset<DataTask, IsDueEarlier> waiting;
-    bool isInTurn = false;  // In `turns_`.
-    Clock::time_point turnEnd;
-  };
-  using Destinations = std::map<std::string, Destination, std::less<>>;
-
-  struct Running {
-    std::unique_ptr<Transfer> transfer;
-    Destinations::iterator destination;
-  };
-
-  bool isConnectionFree() const noexcept;
-  void queueUp(Destinations::iterator place);
-  DataTask takeWaiting(Destination& destination);
-  void giveTurns();
-  void admit(Destinations::iterator place);
+  void accept(DataTask&& task);
+  bool isConnectionFree(const std::string& host) const;
+  bool admit(DataTask&& task);
+  bool open();
   void giveUpOverdue();
   void settle(Transfer& transfer, CURLcode result);
-  Destinations::iterator release(const Transfer& transfer);
+  void admitNext();
   void follow(DataTask&& task, int statusCode, const std::string& location);
-  void report(DataTask&& task, DataTaskResult result);
-  void fail(DataTask&& task, SessionErrorCode code, std::string_view detail = {});
+  void fail(DataTask&& task, SessionFailure failure, std::string_view detail = {});
 
   TransferContext context_;
-  std::optional<CurlMulti> multi_;
-
-  Destinations destinations_;
-  std::deque<Destinations::iterator> turns_;  // Those that can use a connection; the next one first.
-  std::size_t waiting_ = 0;                   // Tasks for all destinations.
-  Clock::time_point nextDeadline_ = Clock::time_point::max();  // Of a waiting task, or earlier.
-  std::vector<Running> running_;
-  std::vector<std::unique_ptr<Transfer>> idle_;  // The one used last is last.
-  std::size_t leastIdle_ = 0;                    // The fewest since `released_` was 0.
-  std::size_t released_ = 0;
-  std::vector<HandlerCall> due_;
+  std::unique_ptr<CURLM, MultiDeleter> multi_;  // Made for the first transfer.
+  std::vector<std::unique_ptr<Transfer>> running_;
+  std::vector<std::unique_ptr<Transfer>> idle_;
+  std::list<DataTask> waiting_;  // By their deadlines, the earliest first. So the oldest is first.
+  std::list<HandlerCall> due_;
 };
 
 }  // namespace orvane

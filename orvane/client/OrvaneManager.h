@@ -26,6 +26,9 @@ namespace orvane {
 /// of another kind, and if an argument is not UTF-8. docs/errors.md lists what can go wrong and what becomes
 /// of it.
 ///
+/// A call throws what its session throws when it starts the request; then `finished` is not called. A
+/// HostSession throws std::system_error if it has no thread yet and the system has none to give.
+///
 /// The calls may be made from any thread. If two threads make calls while the client identifier changes,
 /// either call may carry either identifier. `finished` may be empty and must not throw. The library keeps it
 /// until the call ends. It does not keep the manager, which may be destroyed earlier.
@@ -75,7 +78,7 @@ class ORVANE_API OrvaneManager {
   ///
   /// After an accepted login a report is sent to the service: the system's version, the carrier's name and
   /// the device's model. It is started before `finished` is called, and its outcome is ignored. A process
-  /// that ends at once may end before the report is sent.
+  /// that ends after a login waits for its session first: see HostSession::waitUntilIdle.
   virtual void requestLogin(std::string mobile, std::string code, LoginFinished finished);
 
  private:

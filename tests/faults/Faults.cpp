@@ -167,6 +167,7 @@ std::vector<Fault> makeFaults() {
       {"To a good reply", redirecting("/elsewhere")},
 
       {"Any other status from 200 to 599, with a good body", goodWithStatus, statusCount},
+      {"Status 101, for which nothing asked", always("HTTP/1.1 101 Switching\r\n\r\n" + good, Then::hold)},
       {"Status 204", always("HTTP/1.1 204 None\r\n\r\n")},
       {"Status 204 or 304, with a good body, which HTTP ignores", goodWithoutEffect, 2},
       {"An empty body", always(reply(""))},

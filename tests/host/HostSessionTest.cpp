@@ -43,6 +43,7 @@ using Then = LoopbackServer::Then;
 using Answer = LoopbackServer::Answer;
 using Request = LoopbackServer::Request;
 using std::chrono::milliseconds;
+using std::chrono::minutes;
 
 std::string deflated(const std::string& text) {
   uLongf size = compressBound(text.size());
@@ -62,7 +63,7 @@ URLRequest post(const std::string& url, std::string_view body) {
 
 TEST(HostSession, PutsTheRequestOnTheWireAsItShould) {
   LoopbackServer server([](const Request&) { return Answer{reply("")}; });
-  HostSession session;
+  HostSession session({.keepAlive = minutes(1)});
   const auto sent = [&](URLRequest request) {
     EXPECT_EQ(perform(session, std::move(request)), "");
     return server.requests().back();
@@ -122,7 +123,7 @@ TEST(HostSession, RefusesURLsBeforeAnythingIsSent) {
        -1002,
        {"", "h/p", "//127.0.0.1/", "ftp://127.0.0.1/", "file:///etc/passwd", "httpx://h/"}},
       {"no host", -1000, {"http:///p", "http:p", "http://:80/"}},
-      {"not a URL", -1000, {"http://a b/", std::string("http://127.0.0.1:1/\0", 20)}},
+      {"not a URL", -1000, {"http://a b/", "http://a/\t", std::string("http://127.0.0.1:1/\0", 20)}},
       {"beyond curl's limit", -1000, {"http://127.0.0.1:1/" + std::string(9 << 20, 'x')}}};
   for (const auto& [what, code, urls] : groups) {
     for (const std::string& url : urls) {
@@ -134,6 +135,27 @@ TEST(HostSession, RefusesURLsBeforeAnythingIsSent) {
     }
   }
   EXPECT_EQ(server.requests().size(), 1U);
+}
+
+TEST(HostSession, SaysThatARequestIsTooLarge) {
+  LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
+  HostSession session;
+  URLRequest request(server.url());
+  request.addValue(std::string(2 << 20, 'x'), "X");
+  const ErrorPtr error = start(session, request).get().result.error;
+  EXPECT_EQ(error->code, -1);
+  EXPECT_EQ(*error->userInfo.at("NSLocalizedDescription").text(), "The request is too large.");
+}
+
+TEST(HostSession, StopsWithALineForWantOfMemory) {
+  EXPECT_DEATH(
+      {
+        HostSession session;
+        std::promise<void> never;
+        session.startDataTask(URLRequest("nowhere"), [](const auto&) { throw std::bad_alloc(); });
+        never.get_future().wait();
+      },
+      "orvane: HostSession: there is not enough memory\n");
 }
 
 TEST(HostSession, HandsOverWholeBodiesUpToTheirLimit) {
@@ -152,7 +174,7 @@ TEST(HostSession, HandsOverWholeBodiesUpToTheirLimit) {
       {{"HTTP/1.1 100 Continue\r\n\r\n" + reply("after")}, "after"},
       {{"HTTP/1.0 200 OK\r\n\r\nto the end", Then::close}, "to the end"},
       {{chunked + "\r\n"}, "abc"},
-      {{chunked + "Trailer: HTTP/1.1\r\n\r\n"}, "abc"},
+      {{chunked + "HTTP/1.1: a trailer\r\n\r\n"}, "abc"},
       {{reply(packed, "Content-Encoding: deflate\r\n")}, std::string(4096, 'x')},
       {{reply(std::string(4096, 'x'))}, std::string(4096, 'x')},
       {{reply(std::string(4097, 'x'))}, "error -1103"},
@@ -184,15 +206,17 @@ TEST(HostSession, KeepsNoPartOfABody) {
   EXPECT_LT(allocated(), before + (1 << 20));
 }
 
-TEST(HostSession, KeepsNoMoreHandlesThanItLatelyNeeded) {
+TEST(HostSession, KeepsFewIdleHandles) {
   constexpr int most = 60;
   LoopbackServer* self = nullptr;
   int waiting = 0;
+  std::size_t whileMost = 0;
   LoopbackServer server(
-      [&](const Request& request) {
-        if (request.head.starts_with("GET /single")) return Answer{reply("ok")};
-        if (++waiting == most) self->release(reply("ok"));
-        return Answer{waiting == most ? reply("ok") : "", waiting == most ? Then::keep : Then::hold};
+      [&](const Request&) {
+        if (++waiting < most) return Answer{"", Then::hold};
+        whileMost = allocated();
+        self->release(reply("ok"));
+        return Answer{reply("ok")};
       },
       LoopbackServer::Requests::forgotten);
   self = &server;
@@ -200,9 +224,8 @@ TEST(HostSession, KeepsNoMoreHandlesThanItLatelyNeeded) {
   std::vector<std::future<TaskOutcome>> outcomes;
   for (int i = 0; i < most; ++i) outcomes.push_back(start(session, URLRequest(server.url())));
   for (std::future<TaskOutcome>& outcome : outcomes) EXPECT_EQ(outcome.get().text(), "ok");
-  const std::size_t afterMost = allocated();
-  for (int i = 0; i < 3 * most; ++i) EXPECT_EQ(perform(session, URLRequest(server.url("/single"))), "ok");
-  EXPECT_LE(allocated(), afterMost * 3 / 4);
+  EXPECT_TRUE(session.waitUntilIdle(minutes(1)));
+  EXPECT_LE(allocated(), whileMost * 3 / 4);
 }
 
 TEST(HostSession, UsesTheProxyItIsGivenAndNoOther) {
@@ -219,74 +242,71 @@ TEST(HostSession, FollowsRedirects) {
   LoopbackServer server([](const Request& request) {
     const std::string target = request.head.substr(request.head.find(' ') + 1);
     const int left = std::atoi(target.c_str() + 1);
+    if (target.starts_with("/space"))
+      return Answer{reply("", "Location: http://to.example/0 a?b c\r\n", "302 Found")};
     if (left == 0) return Answer{reply(request.head.substr(0, request.head.find(' ')) + " " + request.body)};
     const std::string status = target.substr(target.find('?') + 1, 3);
     const std::string next = std::to_string(left - 1) + "?" + status;
     return Answer{reply("moved", "Location: /" + next + "\r\n", status + " Moved")};
   });
-  HostSession session;
+  HostSession session({.reroutes = {{"to.example", 80, "127.0.0.1", server.port()}}});
   EXPECT_EQ(perform(session, post(server.url("/1?302"), "body")), "GET ");
   EXPECT_EQ(perform(session, post(server.url("/1?307"), "body")), "POST body");
   EXPECT_EQ(perform(session, post(server.url("/20?308"), "body")), "POST body");
   EXPECT_EQ(perform(session, post(server.url("/21?308"), "body")), "error -1007");
   EXPECT_EQ(perform(session, URLRequest(server.url("/1?304"))), "");
   EXPECT_EQ(perform(session, URLRequest(server.url("/1?300"))), "moved");
+  EXPECT_EQ(perform(session, URLRequest(server.url("/space"))), "GET ");
+  EXPECT_TRUE(server.requests().back().head.starts_with("GET /0%20a?b%20c HTTP/1.1\r\n"));
 }
 
-TEST(HostSession, GivesUpInTime) {
+TEST(HostSession, GivesUpInTimeAndSleepsTillThen) {
   LoopbackServer server([](const Request& request) {
     return request.head.starts_with("GET /good") ? Answer{reply("ok")} : Answer{"", Then::hold};
   });
   HostSessionConfiguration idle, total;
-  idle.idleTimeout = total.totalTimeout = milliseconds(30);
+  idle.idleTimeout = total.totalTimeout = milliseconds(300);
+  const std::clock_t begun = std::clock();
   for (HostSessionConfiguration configuration : {idle, total}) {
     configuration.connectionsPerHost = 1;
     HostSession session(configuration);
     std::future<TaskOutcome> transferring = start(session, URLRequest(server.url()));
     std::future<TaskOutcome> waiting = start(session, URLRequest(server.url()));
+    for (int i = 0; i < 20; ++i) perform(session, URLRequest("nowhere"));  // Each wakes the session.
     EXPECT_EQ(transferring.get().text(), "error -1001");
     EXPECT_EQ(waiting.get().text(), "error -1001");
   }
+  EXPECT_LT(std::clock() - begun, CLOCKS_PER_SEC / 5) << "The session spins where it should sleep.";
   HostSession clamped({.idleTimeout = milliseconds::max(),
                        .totalTimeout = milliseconds::max(),
+                       .acknowledgementTimeout = milliseconds::max(),
+                       .keepAlive = milliseconds::max(),
                        .connectionsPerHost = 0,
                        .maximumConnections = 0});
   EXPECT_EQ(perform(clamped, URLRequest(server.url("/good"))), "ok");
+  EXPECT_TRUE(clamped.waitUntilIdle(milliseconds::max()));
 }
 
-TEST(HostSession, GivesUpFirstWhatCameFirst) {
-  LoopbackServer* self = nullptr;
-  LoopbackServer server([&](const Request& request) {
-    if (request.head.starts_with("GET /first")) return Answer{"", Then::hold};
-    if (request.head.starts_with("GET /pause")) return Answer{reply(""), Then::keep, "", milliseconds(1)};
-    if (request.head.starts_with("GET /second"))
-      return Answer{"HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\n"};
-    self->release(reply("", "Location: http://to.example/\r\n", "302 Elsewhere"));
-    return Answer{""};
+TEST(HostSession, ServesFirstWhatCameFirst) {
+  std::promise<void> allStarted;
+  LoopbackServer server([&, started = allStarted.get_future().share()](const Request& request) {
+    started.wait();
+    const bool isFirst = request.head.starts_with("GET /first ");
+    return Answer{isFirst ? reply("", "Location: http://other.example/again\r\n", "302 Elsewhere")
+                          : reply("")};
   });
-  self = &server;
-  HostSession session({.totalTimeout = milliseconds(400),
-                       .connectionsPerHost = 1,
-                       .reroutes = {{"from.example", 80, "127.0.0.1", server.port()},
-                                    {"to.example", 80, "127.0.0.1", server.port()}}});
-  std::string order;
-  std::promise<void> all;
-  const auto begin = [&](char name, const std::string& url) {
-    session.startDataTask(URLRequest(url), [&, name](const DataTaskResult& result) {
-      order.append(result.error && result.error->code == -1001 ? "" : "?").push_back(name);
-      if (order.size() == 3) all.set_value();
-    });
-  };
-  const std::clock_t begun = std::clock();
-  begin('1', "http://from.example/first");
-  EXPECT_EQ(perform(session, URLRequest(server.url("/pause"))), "");
-  begin('2', "http://to.example/second");
-  while (server.requests().size() < 3) std::this_thread::yield();
-  begin('3', server.url("/third"));  // Has the first and itself redirected to the host that the second uses.
-  for (int i = 0; i < 20; ++i) perform(session, URLRequest("nowhere"));  // Each wakes the session.
-  all.get_future().wait();
-  EXPECT_EQ(order, "123");
-  EXPECT_LT(std::clock() - begun, CLOCKS_PER_SEC / 5) << "The session spins where it should sleep.";
+  HostSession session(
+      {.maximumConnections = 1, .reroutes = {{"other.example", 80, "127.0.0.1", server.port()}}});
+  std::vector<std::future<TaskOutcome>> outcomes;
+  for (const std::string& url : {server.url("/first"), std::string("http://other.example/second"),
+                                 server.url("/third"), std::string("http://other.example/fourth")})
+    outcomes.push_back(start(session, URLRequest(url)));
+  allStarted.set_value();
+  for (std::future<TaskOutcome>& outcome : outcomes) EXPECT_EQ(outcome.get().text(), "");
+  std::string paths;
+  for (const Request& request : server.requests())
+    paths += request.head.substr(4, request.head.find(" HTTP") - 4);
+  EXPECT_EQ(paths, "/first/again/second/third/fourth");
 }
 
 TEST(HostSession, GivesItsThreadsAndDescriptorsBack) {
@@ -302,17 +322,59 @@ TEST(HostSession, GivesItsThreadsAndDescriptorsBack) {
   while (entries("/proc/self/fd") > descriptors) std::this_thread::yield();
 }
 
-TEST(HostSession, ASlowHandlerDelaysHandlersAndNoTransfer) {
-  LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
-  HostSession session;
-  std::atomic<bool> isSlow = true;
-  std::promise<bool> wasSlow;
-  session.startDataTask(URLRequest(server.url()), [&](const auto&) {
-    session.startDataTask(URLRequest(server.url()), [&](const auto&) { wasSlow.set_value(isSlow); });
-    while (server.requests().size() < 2) std::this_thread::yield();
-    isSlow = false;
+TEST(HostSession, ASlowHandlerLosesNoReply) {
+  LoopbackServer server([&](const Request& request) {
+    const bool isLate = request.head.starts_with("GET /late ");  // Takes longer than the idle time-out.
+    return Answer{reply("ok"), Then::keep, "", milliseconds(isLate ? 10 : 0)};
   });
-  EXPECT_FALSE(wasSlow.get_future().get());
+  HostSession session({.idleTimeout = milliseconds(300)});
+  HostSession other;
+  bool isTooLate = true;
+  while (isTooLate) {  // On a busy machine the request may time out before the handler is called.
+    const std::size_t before = server.requests().size();
+    std::future<TaskOutcome> late = start(session, URLRequest(server.url("/late")));
+    while (server.requests().size() == before) std::this_thread::yield();
+    std::promise<void> called;
+    session.startDataTask(URLRequest("nowhere"), [&](const auto&) {
+      isTooLate = late.wait_for(milliseconds(0)) == std::future_status::ready;
+      EXPECT_EQ(perform(other, URLRequest(server.url())), "ok");  // After the late reply.
+      called.set_value();
+    });
+    called.get_future().wait();
+    EXPECT_EQ(late.get().text(), isTooLate ? "error -1001" : "ok");
+  }
+}
+
+TEST(HostSession, AHandlerMayDestroyItsSession) {
+  for (int i = 0; i < 2000; ++i) {
+    std::promise<void> destroyed;
+    auto* const session = new HostSession;
+    session->startDataTask(URLRequest("nowhere"), [&](const auto&) {
+      delete session;
+      destroyed.set_value();
+    });
+    destroyed.get_future().wait();
+  }
+}
+
+TEST(HostSession, WaitsUntilNoTaskIsLeft) {
+  HostSession session;
+  EXPECT_TRUE(session.waitUntilIdle(minutes(1)));
+  std::promise<void> begun, goOn;
+  bool hasReturned = false;
+  session.startDataTask(URLRequest("nowhere"), [&](const auto&) {
+    begun.set_value();
+    goOn.get_future().wait();
+  });
+  begun.get_future().wait();
+  session.startDataTask(URLRequest("nowhere"), [&](const auto&) { session.cancelAllOperations(); });
+  session.startDataTask(URLRequest("nowhere"), [](const auto&) { ADD_FAILURE() << "cancelled before"; });
+  EXPECT_FALSE(session.waitUntilIdle(milliseconds(1)));
+  goOn.set_value();
+  EXPECT_TRUE(session.waitUntilIdle(minutes(1)));
+  session.startDataTask(URLRequest("nowhere"), [&](const auto&) { hasReturned = true; });
+  EXPECT_TRUE(session.waitUntilIdle(minutes(1)));
+  EXPECT_TRUE(hasReturned);
 }
 
 /// While it lives, the process may have so many descriptors.
@@ -354,25 +416,17 @@ TEST(HostSession, GoesOnWherePollFails) {
   EXPECT_LT(std::clock() - begun, CLOCKS_PER_SEC / 5) << "The session spins where it should sleep.";
 }
 
-TEST(HostSession, WorksOnUpToTwoThreads) {
-  LoopbackServer server([](const Request& request) {
-    return request.head.starts_with("GET /hold") ? Answer{"", Then::hold} : Answer{reply("ok")};
-  });
-  for (const int available : {0, 1, 9}) {
-    HostSession session;
-    threadsLeft = available;
-    if (available == 0) {
-      EXPECT_THROW(perform(session, URLRequest(server.url())), std::system_error);
-    } else {
-      session.startDataTask(URLRequest(server.url("/hold")), nullptr);  // Delays no handler.
-      std::vector<std::future<TaskOutcome>> outcomes;
-      for (int i = 0; i < 20; ++i) outcomes.push_back(start(session, URLRequest(server.url())));
-      for (std::future<TaskOutcome>& outcome : outcomes) EXPECT_EQ(outcome.get().text(), "ok");
-    }
-    EXPECT_EQ(threadsLeft, std::max(available - 2, 0));
-    threadsLeft = INT_MAX;
-    EXPECT_EQ(perform(session, URLRequest(server.url())), "ok");
-  }
+TEST(HostSession, HasOneThread) {
+  LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
+  HostSession session;
+  threadsLeft = 0;
+  EXPECT_THROW(perform(session, URLRequest(server.url())), std::system_error);
+  EXPECT_TRUE(session.waitUntilIdle(minutes(1)));
+  threadsLeft = 1;
+  std::vector<std::future<TaskOutcome>> outcomes;
+  for (int i = 0; i < 20; ++i) outcomes.push_back(start(session, URLRequest(server.url())));
+  for (std::future<TaskOutcome>& outcome : outcomes) EXPECT_EQ(outcome.get().text(), "ok");
+  threadsLeft = INT_MAX;
 }
 
 TEST(HostSession, SharesItsConnectionsAmongHosts) {
@@ -396,11 +450,8 @@ TEST(HostSession, SharesItsConnectionsAmongHosts) {
   }
   all.get_future().wait();
   EXPECT_LE(most, before + 2 * limit + 6);  // Both ends are here.
-  std::set<int> connections;
-  for (const Request& request : server.requests()) connections.insert(request.connection);
-  EXPECT_LT(connections.size(), 2 * hosts);  // A host that has its turn keeps its connection.
-  for (const char* forgotten : {"http://HOST0", "http://host1", "http://host0"})
-    EXPECT_EQ(perform(session, URLRequest(forgotten)), "ok");
+  for (const char* again : {"http://HOST0", "http://host1", "http://host0"})
+    EXPECT_EQ(perform(session, URLRequest(again)), "ok");
 }
 
 TEST(HostSession, UsesSixConnectionsAtATimeAndKeepsThem) {
@@ -413,7 +464,7 @@ TEST(HostSession, UsesSixConnectionsAtATimeAndKeepsThem) {
     return Answer{"", Then::hold};
   });
   self = &server;
-  HostSession session;
+  HostSession session({.keepAlive = minutes(1)});
   std::vector<std::future<TaskOutcome>> outcomes;
   for (int i = 0; i < count; ++i) outcomes.push_back(start(session, URLRequest(server.url())));
   for (std::future<TaskOutcome>& outcome : outcomes) EXPECT_EQ(outcome.get().text(), "ok");
@@ -428,7 +479,8 @@ TEST(HostSession, NeverSendsAPostTwiceByItself) {
       const bool isLost = request.connection == 1 && request.head.find("/second") != request.head.npos;
       return isLost ? Answer{"", Then::close} : Answer{reply("ok")};
     });
-    HostSession session({.reroutes = {{"name.example", 80, "127.0.0.1", server.port()}}});
+    HostSession session(
+        {.keepAlive = minutes(1), .reroutes = {{"name.example", 80, "127.0.0.1", server.port()}}});
     EXPECT_EQ(perform(session, URLRequest("http://name.example/first")), "ok");
     URLRequest second("http://name.example/second");
     second.setMethod(method);
@@ -445,7 +497,7 @@ TEST(HostSession, KeepsCookiesToItselfAndWithinBounds) {
     for (int i = 0; i < 45 && request.head.starts_with("GET /many"); ++i)
       cookies += "Set-Cookie: c" + std::to_string(++fresh) + "=d\r\n";
     for (int i = 0; i < 33 && request.head.starts_with("GET /large"); ++i)
-      cookies += "Set-Cookie: l" + std::to_string(i) + "=" + std::string(4000, 'd') + "\r\n";
+      cookies += "Set-Cookie: l" + std::to_string(++fresh) + "=" + std::string(4000, 'd') + "\r\n";
     const bool isHeld = request.head.starts_with("GET /hold");
     return isHeld ? Answer{"", Then::hold} : Answer{reply("", cookies)};
   });
@@ -467,7 +519,7 @@ TEST(HostSession, KeepsCookiesToItselfAndWithinBounds) {
   int emptied = 0;
   for (int i = 0; i < 8; ++i) emptied += cookieLine(session, "/many") == "Cookie: own=1" ? 1 : 0;
   EXPECT_EQ(emptied, 1);
-  cookieLine(session, "/large");
+  for (int i = 0; i < 2; ++i) cookieLine(session, "/large");
   EXPECT_EQ(cookieLine(session, "/"), "Cookie: own=1");
   EXPECT_EQ(cookieLine(other, "/"), "Cookie: own=1");
 }
@@ -499,8 +551,17 @@ TEST(HostSession, ChecksCertificates) {
   const TLSServer server(&good, reply("ok"));
   auto systems = session(server.port(), "");
   EXPECT_TRUE(perform(systems, URLRequest("https://" + name + "/")).starts_with("error -120"));
-  auto none = session(server.port(), file + ".absent");
-  EXPECT_EQ(perform(none, URLRequest("https://" + name + "/")), "error -1202");
+  for (const std::string& unreadable : {file + ".absent", std::string(ERRORS_PAGE)}) {
+    auto none = session(server.port(), unreadable);
+    const ErrorPtr error = start(none, URLRequest("https://" + name + "/")).get().result.error;
+    EXPECT_EQ(error->code, -1);
+    EXPECT_NE(*error->userInfo.at("NSLocalizedDescription").text(), "The request failed.");
+  }
+  const Certificate forProxy("localhost", &authority);
+  const TLSServer proxy(&forProxy, reply("by the proxy"));
+  HostSession proxied(
+      {.proxy = "https://localhost:" + std::to_string(proxy.port()), .certificateAuthorities = file});
+  EXPECT_EQ(perform(proxied, URLRequest("http://" + name + "/")), "by the proxy");
   std::filesystem::remove(file);
 }
 

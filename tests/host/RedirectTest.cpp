@@ -23,7 +23,8 @@ std::string redirected(const char* method, const char* from, int status, const c
   for (const auto* group : {&credentials, &aboutTheBody})
     for (const std::string& name : *group) request.addValue("v", name);
   const auto next = redirect(request, status, location);
-  if (const auto* code = std::get_if<SessionErrorCode>(&next)) return std::to_string(static_cast<int>(*code));
+  if (const auto* failure = std::get_if<SessionFailure>(&next))
+    return std::to_string(makeSessionError(*failure, "")->code);
   const auto& followed = std::get<URLRequest>(next);
   EXPECT_TRUE(followed.value("X"));
   const auto keeps = [&](const std::vector<std::string>& names) {

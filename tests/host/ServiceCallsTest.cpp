@@ -41,6 +41,7 @@ TEST(ServiceCalls, AWholeSignInOnOneConnection) {
   });
   installPlatform(
       {.sharedSession = std::make_shared<HostSession>(HostSessionConfiguration{
+           .keepAlive = std::chrono::minutes(1),
            .reroutes = {{std::string(serviceHost()), 80, "127.0.0.1", server.port()}}}),
        .deviceReadings = std::make_shared<HostDeviceReadings>(HostDeviceFacts{.carrierName = "Carrier"})});
   OrvaneManager manager;

@@ -8,12 +8,13 @@ namespace {
 
 TEST(SessionError, SaysWhatThePageSays) {
   const std::vector<Row> rows = rowsOfTheErrorsPage("code");
-  for (const Row& row : rows) {
-    const ErrorPtr error = makeSessionError(SessionErrorCode{std::stoi(row.at("code"))}, "u", "detail");
-    EXPECT_EQ(*error->userInfo.at("NSLocalizedDescription").text(), row.at("sentence"));
+  ASSERT_EQ(rows.size(), sessionFailureCount);
+  for (std::size_t at = 0; at < sessionFailureCount; ++at) {
+    const ErrorPtr error = makeSessionError(static_cast<SessionFailure>(at), "u", "detail");
+    EXPECT_EQ(std::to_string(error->code), rows[at].at("code"));
+    EXPECT_EQ(*error->userInfo.at("NSLocalizedDescription").text(), rows[at].at("sentence"));
     EXPECT_EQ(*error->userInfo.at("NSDebugDescription").text(), "detail");
   }
-  EXPECT_EQ(rows.size(), 17U);
 }
 
 }  // namespace

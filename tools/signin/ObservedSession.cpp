@@ -1,9 +1,8 @@
 #include "tools/signin/ObservedSession.h"
 
-#include <condition_variable>
+#include <chrono>
 #include <cstdio>
 #include <ctime>
-#include <mutex>
 #include <string>
 #include <utility>
 
@@ -28,40 +27,15 @@ std::string timeText() {
 
 }  // namespace
 
-/// Counts the requests under way.
-class ObservedSession::Count {
- public:
-  void change(int by) {
-    {
-      const std::lock_guard lock(mutex_);
-      underWay_ += by;
-    }
-    changed_.notify_all();
-  }
-
-  bool awaitZero(std::chrono::milliseconds limit) {
-    std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, limit, [this] { return underWay_ == 0; });
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  int underWay_ = 0;
-};
-
 ObservedSession::ObservedSession(const orvane::HostSessionConfiguration& configuration,
                                  std::shared_ptr<const Trace> trace)
-    : inner_(configuration), trace_(std::move(trace)), count_(std::make_shared<Count>()) {}
+    : inner_(configuration), trace_(std::move(trace)) {}
 
 void ObservedSession::startDataTask(orvane::URLRequest request, orvane::DataTaskHandler handler) {
   using Clock = std::chrono::steady_clock;
   if (trace_) Terminal::writeError(timeText() + "\n" + trace_->requestLine(request));
-  count_->change(1);
-  // Destroyed with the handler, after it was called or if the session drops it.
-  std::shared_ptr<Count> ticket(count_.get(), [count = count_](Count*) { count->change(-1); });
-  auto observed = [handler = std::move(handler), ticket = std::move(ticket), trace = trace_,
-                   url = request.url(), start = Clock::now()](orvane::DataTaskResult result) {
+  auto observed = [handler = std::move(handler), trace = trace_, url = request.url(),
+                   start = Clock::now()](orvane::DataTaskResult result) {
     Terminal::hideWaiting();
     if (trace) {
       const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
@@ -70,10 +44,6 @@ void ObservedSession::startDataTask(orvane::URLRequest request, orvane::DataTask
     handler(std::move(result));
   };
   inner_.startDataTask(std::move(request), std::move(observed));
-}
-
-bool ObservedSession::waitUntilIdle(std::chrono::milliseconds limit) const {
-  return count_->awaitZero(limit);
 }
 
 }  // namespace signin

@@ -9,8 +9,8 @@
 
 namespace signin {
 
-/// A host session that counts its requests under way, hides the line about waiting when a reply comes, and
-/// can write each request and its outcome to standard error.
+/// A host session that hides the line about waiting when a reply comes, and can write each request and its
+/// outcome to standard error.
 class ObservedSession final : public orvane::URLSession {
  public:
   /// Writes requests and outcomes if `trace` is not null.
@@ -19,15 +19,12 @@ class ObservedSession final : public orvane::URLSession {
   void startDataTask(orvane::URLRequest request, orvane::DataTaskHandler handler) override;
   void cancelAllOperations() override { inner_.cancelAllOperations(); }
 
-  /// Waits until no request is under way, for at most `limit`. Returns false if one still is. May be called
-  /// from any thread but the session's own.
-  bool waitUntilIdle(std::chrono::milliseconds limit) const;
+  /// See HostSession.
+  bool waitUntilIdle(std::chrono::milliseconds limit) { return inner_.waitUntilIdle(limit); }
 
  private:
-  class Count;
   orvane::HostSession inner_;
   const std::shared_ptr<const Trace> trace_;
-  const std::shared_ptr<Count> count_;
 };
 
 }  // namespace signin

@@ -34,6 +34,16 @@ struct HostSessionConfiguration {
   /// Limits the time of a task from its start, waiting for a connection and redirects included. A task beyond
   /// the limit fails with -1001. Default: 7 days. Lower it if the reply is of use for a short time only.
   std::chrono::milliseconds totalTimeout = std::chrono::hours(7 * 24);
+  /// Limits how long the peer may leave what was sent to it without an acknowledgement. A connection beyond
+  /// the limit ends, and its transfer fails with -1005, or with -1004 if it was being made. Default: 15 s, so
+  /// that a dead network is reported before `idleTimeout`. Has no effect where the system lacks
+  /// TCP_USER_TIMEOUT: Linux has it.
+  std::chrono::milliseconds acknowledgementTimeout = std::chrono::seconds(15);
+  /// Limits how long a connection may have been idle if a request is to use it. After that a new one is made.
+  /// Default: 4 s, since many servers close an idle connection after 5 s, and a network that has forgotten it
+  /// does not say so: the request would wait for `idleTimeout`. Counts whole seconds. Below 2 s, no
+  /// connection is used again.
+  std::chrono::milliseconds keepAlive = std::chrono::seconds(4);
   /// Limits the body of a reply in bytes, before and after decompression. A larger one fails with -1103.
   /// Default: 64 MiB. Lower it if memory is scarce. Limits that cannot be set: 20 redirects, and for a header
   /// 4,000 lines, 100 KiB each and 256 KiB together.
@@ -41,9 +51,8 @@ struct HostSessionConfiguration {
   /// Limits the connections to one host. Further tasks wait. Default: 6. Raise it for a service that allows
   /// more.
   std::size_t connectionsPerHost = 6;
-  /// Limits the connections to all hosts together, including those that are kept alive. Further tasks wait,
-  /// and hosts take turns. Default: 64. Raise it to use many hosts at once; each connection takes a
-  /// descriptor.
+  /// Limits the connections to all hosts together, including those that are kept alive. Further tasks wait.
+  /// Default: 64. Raise it to use many hosts at once; each connection takes a descriptor.
   std::size_t maximumConnections = 64;
   /// The URL of a proxy for all requests. Default: empty, which means none. The environment is not read.
   std::string proxy = {};
@@ -51,28 +60,30 @@ struct HostSessionConfiguration {
   /// none. Set it for a test service or a tunnel.
   std::vector<Reroute> reroutes = {};
   /// The name of a file in PEM format with the certificate authorities to trust for `https`, instead of the
-  /// system's. Read for each new connection. Default: empty, which means the system's.
+  /// system's, also for a proxy. Read for each new connection. Default: empty, which means the system's.
   std::string certificateAuthorities = {};
 };
 
-class SessionThreads;
+class SessionThread;
 
-/// HTTP on ordinary machines, by libcurl. Carries out requests with the schemes http and https. Two threads
-/// start with the first task. They transfer, and call the handlers one at a time, on either thread.
+/// HTTP/1.1 on ordinary machines, by libcurl. Carries out requests with the schemes http and https.
+///
+/// **One thread** starts with the first task, and ends after the last one once the session is destroyed. It
+/// transfers, and calls the handlers between its looks at the transfers, one at a time, in the order in which
+/// the tasks finished. A slow handler delays all other tasks of the session, and loses no reply: what arrived
+/// meanwhile is read before any time-out is judged. Only a connection that was being made can time out.
 ///
 /// **Cookies** and kept-alive connections live as long as the session. Nothing is stored. All cookies are
 /// dropped when a transfer leaves more than 300 of them, or more than 256 KiB. The Cookie field of a request
 /// and the session's cookies are sent in one line. libcurl limits that line to 8 KiB: it leaves out the
 /// request's own field if the session's cookies for the host fill the line.
 ///
-/// **Looking up names.** A task that looks up a host name already counts as a connection. If a name server is
-/// silent, many tasks for different hosts wait for each other. With the default `maximumConnections`, 1,000
-/// names took 110 seconds to fail, and 10 seconds without a limit.
-///
 /// **Limits.** A compressed body ends where its stream ends. A stream that is cut short is not an error. Host
-/// names beyond ASCII need a UTF-8 locale. If the system has only one thread to give, a slow handler delays
-/// transfers. If it has none, starting a task throws std::system_error. If it has no descriptor to give,
-/// tasks fail with -1004.
+/// names beyond ASCII need a UTF-8 locale. If the system has no descriptor to give, tasks fail with -1004. If
+/// it has no memory to give, the process stops.
+///
+/// **The environment** is not read, with one exception: if SSLKEYLOGFILE is set, libcurl appends the keys of
+/// its TLS connections to the file of that name.
 ///
 /// **The end of the process** waits for threads inside libcurl, and for session threads that are ending, for
 /// at most three seconds, and up to half a second for a running handler. No handler begins after that.
@@ -82,25 +93,33 @@ class SessionThreads;
 ///
 /// **Child processes.** A handler runs with the signal mask of the thread that started the first task, with
 /// SIGPIPE blocked in addition. A child that the handler starts inherits that mask. At all other times the
-/// session's threads take no signals. A program that is started inherits no descriptor, with one exception:
+/// session's thread takes no signals. A program that is started inherits no descriptor, with one exception:
 /// with libcurl before 8.8 it may inherit two for each session, and two for each host name that is being
 /// looked up. These carry no data. A child made by fork() must not use a session, and must end by _exit().
 ///
 /// **Errors.** A status is never an error. Errors have the domain "NSURLErrorDomain" and its codes. Their
-/// user information has one sentence for people for each code under "NSLocalizedDescription", the URL under
+/// user information has one sentence for people under "NSLocalizedDescription", the URL under
 /// "NSErrorFailingURLStringKey", and libcurl's own words, if it has any, under "NSDebugDescription".
 class ORVANE_API HostSession final : public URLSession {
  public:
   /// Starts nothing yet.
   explicit HostSession(HostSessionConfiguration configuration = {});
-  /// Returns at once. Tasks that were started go on and call their handlers.
+  /// Returns at once. Tasks that were started go on and call their handlers. A handler may destroy its own
+  /// session.
   ~HostSession() override;
 
+  /// Throws std::system_error, and starts nothing, if the session has no thread yet and the system has none
+  /// to give.
   void startDataTask(URLRequest request, DataTaskHandler handler) override;
   void cancelAllOperations() override;
 
+  /// Waits until no task is left: each has called its handler, which has returned, or was cancelled. Returns
+  /// true then, or false after `limit`. A program that is about to end calls it, so that its last requests
+  /// are sent. Must not be called by a handler of the session, whose task is left until the handler returns.
+  bool waitUntilIdle(std::chrono::milliseconds limit);
+
  private:
-  std::shared_ptr<SessionThreads> threads_;
+  std::shared_ptr<SessionThread> thread_;
 };
 
 }  // namespace orvane
