@@ -1,17 +1,28 @@
 #include "bench/CurlPost.h"
 
-#include "orvane/client/serviceBaseURL.h"
+#include <initializer_list>
+
+#include "orvane/orvane.h"
 
 namespace orvane::bench {
+namespace {
 
-CurlPost::CurlPost(std::uint16_t port) : base_(serviceBaseURL()), handle_(curl_easy_init()) {
-  headers_.append("Content-Type: application/json");
-  headers_.append("XRAPI-VERSION: 1.0");
-  headers_.append("XRAPI-DEVICE-TYPE: 1");
+curl_slist* makeList(std::initializer_list<std::string> texts) {
+  curl_slist* list = nullptr;
+  for (const std::string& text : texts) list = curl_slist_append(list, text.c_str());
+  return list;
+}
+
+}  // namespace
+
+CurlPost::CurlPost(std::uint16_t port)
+    : headers_(makeList({"Content-Type: application/json", "XRAPI-VERSION: 1.0", "XRAPI-DEVICE-TYPE: 1"}),
+               curl_slist_free_all),
+      reroute_(makeList({std::string(serviceHost()) + ":80:127.0.0.1:" + std::to_string(port)}),
+               curl_slist_free_all) {
   const auto set = [this](auto option, auto value) { curl_easy_setopt(handle(), option, value); };
   set(CURLOPT_NOSIGNAL, 1L);
   set(CURLOPT_PROXY, "");
-  reroute_.append(std::string(serviceHost()) + ":80:127.0.0.1:" + std::to_string(port));
   set(CURLOPT_CONNECT_TO, reroute_.get());
   set(CURLOPT_ACCEPT_ENCODING, "");
   set(CURLOPT_COOKIEFILE, "");
@@ -28,7 +39,7 @@ CurlPost::CurlPost(std::uint16_t port) : base_(serviceBaseURL()), handle_(curl_e
 
 void CurlPost::prepare(std::string_view path, const std::string& body) {
   reply_.clear();
-  curl_easy_setopt(handle(), CURLOPT_URL, std::string(base_).append(path).c_str());
+  curl_easy_setopt(handle(), CURLOPT_URL, std::string(serviceBaseURL()).append(path).c_str());
   curl_easy_setopt(handle(), CURLOPT_POSTFIELDSIZE, static_cast<long>(body.size()));
   curl_easy_setopt(handle(), CURLOPT_POSTFIELDS, body.data());
 }

@@ -6,12 +6,10 @@
 #include <string>
 #include <string_view>
 
-#include "adapters/host/CurlSlist.h"
-
 namespace orvane::bench {
 
-/// A POST to the service on an easy handle that serves one request after another. Asks of curl what the
-/// library's user gets: compressed replies, cookies kept, and the way to that port on loopback.
+/// A POST to the service on an easy handle that serves one request after another. Asks of libcurl what a user
+/// of the library gets: compressed replies, cookies, and the way to that port on loopback.
 class CurlPost {
  public:
   explicit CurlPost(std::uint16_t port);
@@ -20,22 +18,19 @@ class CurlPost {
 
   CURL* handle() const noexcept { return handle_.get(); }
 
-  /// `body` must live until the exchange is over.
+  /// `body` must exist until the transfer ends.
   void prepare(std::string_view path, const std::string& body);
 
   /// The body of the reply to what was prepared last.
   const std::string& reply() const noexcept { return reply_; }
 
  private:
-  struct Deleter {
-    void operator()(CURL* handle) const noexcept { curl_easy_cleanup(handle); }
-  };
+  using List = std::unique_ptr<curl_slist, void (*)(curl_slist*)>;
 
-  const std::string base_;
-  const std::unique_ptr<CURL, Deleter> handle_;
-  CurlSlist headers_;
-  CurlSlist reroute_;
   std::string reply_;
+  const List headers_;
+  const List reroute_;
+  const std::unique_ptr<CURL, void (*)(CURL*)> handle_{curl_easy_init(), curl_easy_cleanup};
 };
 
 }  // namespace orvane::bench

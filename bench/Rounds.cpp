@@ -1,9 +1,9 @@
 #include "bench/Rounds.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <ctime>
+#include <malloc.h>
 
 namespace orvane::bench {
 namespace {
@@ -14,57 +14,10 @@ struct Scale {
 };
 
 Scale scaleFor(double figure, Unit unit) {
-  switch (unit) {
-    case Unit::nanoseconds:
-      if (figure >= 1e6) return {1e6, " ms"};
-      return figure >= 1e3 ? Scale{1e3, " µs"} : Scale{1, " ns"};
-    case Unit::bytes:
-      return figure >= 1e4 ? Scale{1024, " KB"} : Scale{1, " B"};
-    case Unit::count:
-      return {1, ""};
-  }
-  return {1, ""};
+  if (unit == Unit::bytes) return figure >= 1e4 ? Scale{1024, " KB"} : Scale{1, " B"};
+  if (figure >= 1e6) return {1e6, " ms"};
+  return figure >= 1e3 ? Scale{1e3, " µs"} : Scale{1, " ns"};
 }
-
-std::string formatted(double number) {
-  const int decimals = number >= 100 ? 0 : number >= 10 ? 1 : 2;
-  char text[32];
-  std::snprintf(text, sizeof text, "%.*f", decimals, number);
-  return text;
-}
-
-/// As it is, without decimals that say nothing.
-std::string plain(double figure, Scale scale) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%g", figure / scale.unit);
-  return std::string(text) + scale.name;
-}
-
-/// "MEDIAN (LEAST–GREATEST)".
-std::string summary(const Figures& figures, Scale scale) {
-  const auto [least, greatest] = std::minmax_element(figures.begin(), figures.end());
-  std::string text = formatted(median(figures) / scale.unit) + scale.name;
-  if (*least == *greatest) return text;
-  return text + " (" + formatted(*least / scale.unit) + "–" + formatted(*greatest / scale.unit) + ")";
-}
-
-std::string summary(const Figures& figures, Unit unit) {
-  return summary(figures, scaleFor(median(figures), unit));
-}
-
-/// `excess` is by which factor the goal was missed, not above 1 where it was met.
-std::string verdict(double excess) {
-  return excess <= 1 ? "met" : "**missed by " + formatted((excess - 1) * 100) + " %**";
-}
-
-void printRow(const Topic& topic, std::initializer_list<std::string> cells) {
-  std::printf("| %s | %s |", topic.number.c_str(), topic.what.c_str());
-  for (const std::string& cell : cells) std::printf(" %s |", cell.c_str());
-  std::printf("\n");
-  std::fflush(stdout);
-}
-
-}  // namespace
 
 double median(Figures figures) {
   const auto middle = figures.begin() + static_cast<std::ptrdiff_t>(figures.size() / 2);
@@ -72,65 +25,102 @@ double median(Figures figures) {
   return *middle;
 }
 
-std::vector<Figures> takeTurns(const std::vector<Contestant>& contestants, int rounds) {
-  std::vector<Figures> figures(contestants.size());
-  for (const Contestant& contestant : contestants) contestant.round();
-  for (std::size_t round = 0; round < static_cast<std::size_t>(rounds); ++round) {
+std::string formatted(const char* format, double number) {
+  char text[32];
+  std::snprintf(text, sizeof text, format, number);
+  return text;
+}
+
+/// Three significant digits.
+std::string rounded(double number) {
+  return formatted(number >= 100 ? "%.0f" : number >= 10 ? "%.1f" : "%.2f", number);
+}
+
+/// "MEDIAN (LEAST–GREATEST)", or one figure if they are equal.
+std::string summary(const Figures& figures, Scale scale) {
+  const auto [least, greatest] = std::minmax_element(figures.begin(), figures.end());
+  std::string text = rounded(median(figures) / scale.unit) + scale.name;
+  if (*least == *greatest) return text;
+  return text + " (" + rounded(*least / scale.unit) + "–" + rounded(*greatest / scale.unit) + ")";
+}
+
+std::string verdict(const std::string& goal, bool isMet) {
+  return isMet ? goal + ": met" : "**" + goal + ": missed**";
+}
+
+void printRow(const std::string& what, const std::string& who, const std::string& figure,
+              const std::string& ratio, const std::string& goal) {
+  const std::string row = "| " + what + " | " + who + " | " + figure + " | " + ratio + " | " + goal + " |";
+  std::puts(row.c_str());
+  std::fflush(stdout);
+}
+
+void printPeer(const Figures& ours, const Peer& peer, Unit unit) {
+  const bool isShare = peer.goal.ratio == Goal::Ratio::share;
+  Figures ratios(ours.size());
+  std::transform(ours.begin(), ours.end(), peer.figures.begin(), ratios.begin(),
+                 [&](double our, double their) { return isShare ? our / their : their / our; });
+  std::string goal;
+  if (const std::optional<double> bound = peer.goal.bound) {
+    goal = verdict(formatted(isShare ? "≤ %g" : "≥ %g", *bound),
+                   isShare ? median(ratios) <= *bound : median(ratios) >= *bound);
+  }
+  printRow("", peer.name, summary(peer.figures, scaleFor(median(peer.figures), unit)),
+           summary(ratios, {1, isShare ? "" : "×"}), goal);
+}
+
+double now(clockid_t clock) {
+  timespec time{};
+  clock_gettime(clock, &time);
+  return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
+}
+
+/// Makes the allocator keep what is released. Otherwise it depends on where a block happens to lie whether
+/// the system takes it back and must be asked for it again, which costs more than what is measured.
+void keepReleasedMemory() {
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);
+  mallopt(M_TRIM_THRESHOLD, 256 << 20);
+}
+
+}  // namespace
+
+Cost costOf(std::size_t times, std::size_t callsEach, const std::function<void()>& task) {
+  const double processorStart = now(CLOCK_PROCESS_CPUTIME_ID);
+  const double start = now(CLOCK_MONOTONIC);
+  for (std::size_t i = 0; i < times; ++i) task();
+  const double wall = now(CLOCK_MONOTONIC) - start;
+  const double processor = now(CLOCK_PROCESS_CPUTIME_ID) - processorStart;
+  const auto calls = static_cast<double>(times * callsEach);
+  return {wall / calls, processor / calls};
+}
+
+std::vector<Costs> takeTurns(const std::vector<std::function<Cost()>>& contestants) {
+  constexpr std::size_t rounds = 9;
+  keepReleasedMemory();
+  std::vector<Costs> costs(contestants.size());
+  for (const auto& contestant : contestants) contestant();
+  for (std::size_t round = 0; round < rounds; ++round) {
     for (std::size_t turn = 0; turn < contestants.size(); ++turn) {
       const std::size_t which = (round + turn) % contestants.size();
-      figures[which].push_back(contestants[which].round());
+      const Cost cost = contestants[which]();
+      costs[which].wall.push_back(cost.wall);
+      costs[which].processor.push_back(cost.processor);
     }
   }
-  return figures;
+  return costs;
 }
 
-double nanosecondsEach(std::size_t times, const std::function<void()>& call) {
-  const auto start = std::chrono::steady_clock::now();
-  for (std::size_t i = 0; i < times; ++i) call();
-  const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - start;
-  return taken.count() / static_cast<double>(times);
+void printRows(const std::string& what, const Figures& ours, const std::vector<Peer>& peers, Unit unit,
+               std::optional<double> atMost) {
+  const std::string goal = atMost ? verdict(formatted("≤ %g B", *atMost), median(ours) <= *atMost) : "";
+  printRow(what, "the library", summary(ours, scaleFor(median(ours), unit)), "", goal);
+  for (const Peer& peer : peers) printPeer(ours, peer, unit);
 }
 
-double processorTimeEach(std::size_t times, const std::function<void()>& call) {
-  const auto now = [] {
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
-  };
-  const double start = now();
-  for (std::size_t i = 0; i < times; ++i) call();
-  return (now() - start) / static_cast<double>(times);
-}
-
-std::size_t timesForOneRound(const std::function<void()>& call) {
-  constexpr double wanted = 20e6;
-  for (std::size_t times = 1;; times *= 4) {
-    const double each = nanosecondsEach(times, call);
-    if (each * static_cast<double>(times) < wanted / 4) continue;
-    return std::max<std::size_t>(1, static_cast<std::size_t>(wanted / each));
-  }
-}
-
-void compare(const Topic& topic, const Figures& ours, std::string_view theirName, const Figures& theirs,
-             Goal goal) {
-  const bool isShare = goal.form == Goal::Form::share;
-  Figures ratios(ours.size());
-  std::transform(ours.begin(), ours.end(), theirs.begin(), ratios.begin(),
-                 [&](double our, double their) { return isShare ? our / their : their / our; });
-  std::string goalText = "–";
-  std::string judgement = "–";
-  if (goal.bound) {
-    goalText = (isShare ? "≤ " : "≥ ") + plain(*goal.bound, {1, ""});
-    judgement = verdict(isShare ? median(ratios) / *goal.bound : *goal.bound / median(ratios));
-  }
-  printRow(topic, {summary(ours, topic.unit), std::string(theirName), summary(theirs, topic.unit),
-                   summary(ratios, Scale{1, isShare ? "" : "×"}), goalText, judgement});
-}
-
-void state(const Topic& topic, const Figures& ours, std::optional<double> atMost) {
-  printRow(topic, {summary(ours, topic.unit), "", "", "",
-                   atMost ? "≤ " + plain(*atMost, scaleFor(*atMost, topic.unit)) : "–",
-                   atMost ? verdict(median(ours) / *atMost) : "–"});
+std::string medianTime(const Figures& figures) {
+  const double time = median(figures);
+  const Scale scale = scaleFor(time, Unit::nanoseconds);
+  return rounded(time / scale.unit) + scale.name;
 }
 
 }  // namespace orvane::bench

@@ -4,62 +4,56 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace orvane::bench {
 
-/// One of several ways to do the same.
-struct Contestant {
-  std::string name;
-  std::function<double()> round;  ///< Does it once or many times. Returns one figure.
+/// What one call costs, in nanoseconds.
+struct Cost {
+  double wall = 0;
+  double processor = 0;  ///< Of all threads of this process, in the program and in the kernel.
 };
 
-/// What a contestant measured, one figure for each round.
+/// Runs `task` `times` times, which makes `callsEach` calls each time. Returns the mean cost of a call.
+Cost costOf(std::size_t times, std::size_t callsEach, const std::function<void()>& task);
+
+/// One figure for each round.
 using Figures = std::vector<double>;
 
-inline constexpr int usualRounds = 9;
+struct Costs {
+  Figures wall;
+  Figures processor;
+};
 
-/// Lets the contestants take turns, starting each round with another, after one round that does not count.
-/// The figures are in the order of the contestants.
-std::vector<Figures> takeTurns(const std::vector<Contestant>& contestants, int rounds = usualRounds);
+/// Lets the contestants, which are ways to do the same, take turns for nine rounds after one that does not
+/// count. Each round starts with another of them. Returns their costs, in their order.
+std::vector<Costs> takeTurns(const std::vector<std::function<Cost()>>& contestants);
 
-/// The nanoseconds that one of `times` calls takes.
-double nanosecondsEach(std::size_t times, const std::function<void()>& call);
-
-/// The processor time of all threads, user's and system's, that one of `times` calls takes, in nanoseconds.
-double processorTimeEach(std::size_t times, const std::function<void()>& call);
-
-/// How many calls take about 20 milliseconds.
-std::size_t timesForOneRound(const std::function<void()>& call);
-
-enum class Unit { nanoseconds, bytes, count };
-
-/// What two contestants are measured against.
+/// A bound for a ratio of the library's figures and a peer's.
 struct Goal {
-  enum class Form {
-    share,    ///< Ours divided by theirs, at most `bound`.
-    multiple  ///< Theirs divided by ours, at least `bound`.
+  enum class Ratio {
+    share,   ///< The library's figure divided by the peer's, at most `bound`.
+    speedup  ///< The peer's figure divided by the library's, at least `bound`.
   };
-  Form form = Form::multiple;
+  Ratio ratio;
   std::optional<double> bound = {};
 };
 
-/// What the rows of the table are about.
-struct Topic {
-  std::string number;  ///< The row's, as in the list of goals.
-  std::string what;
-  Unit unit = Unit::nanoseconds;
+/// Whom the library is compared with.
+struct Peer {
+  std::string name;
+  Figures figures;
+  Goal goal;
 };
 
-/// Prints a row of the table: ours beside theirs, both as median, least and greatest figure, the ratio as
-/// median, least and greatest of the rounds' ratios, and whether its median meets the goal.
-void compare(const Topic& topic, const Figures& ours, std::string_view theirName, const Figures& theirs,
-             Goal goal);
+enum class Unit { nanoseconds, bytes };
 
-/// Prints a row for a goal in absolute terms, or for a figure without one.
-void state(const Topic& topic, const Figures& ours, std::optional<double> atMost);
+/// Prints rows of the table: the library's figures, then each peer's, as median, least and greatest. A ratio
+/// is the median of the rounds' own ratios. `atMost` is a goal for the library's median, in bytes.
+void printRows(const std::string& what, const Figures& ours, const std::vector<Peer>& peers,
+               Unit unit = Unit::nanoseconds, std::optional<double> atMost = {});
 
-double median(Figures figures);
+/// Returns the median as a text with its unit of time.
+std::string medianTime(const Figures& figures);
 
 }  // namespace orvane::bench

@@ -1,4 +1,4 @@
-// Sends the same request as startOrvane.cpp does, to a port on loopback, with libcurl alone.
+// Sends the same request as startOrvane.cpp does, by libcurl alone, and waits until it is ended.
 
 #include <curl/curl.h>
 #include <string>
@@ -13,10 +13,5 @@ int main(int, char** arguments) {
   curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
   curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers);
   curl_easy_setopt(handle, CURLOPT_POSTFIELDS, R"({"captcha":"x7Kp","mobile":"13800138000"})");
-  curl_easy_setopt(
-      handle, CURLOPT_WRITEFUNCTION, +[](char*, std::size_t, std::size_t size, void*) { return size; });
   curl_easy_perform(handle);
-  curl_slist_free_all(headers);
-  curl_easy_cleanup(handle);
-  curl_global_cleanup();
 }

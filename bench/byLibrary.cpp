@@ -1,8 +1,10 @@
-#include "bench/SignIns.h"
+#include "bench/byLibrary.h"
 
+#include <memory>
 #include <stdexcept>
+#include <utility>
 
-#include "orvane/client/ServiceCall.h"
+#include "bench/Service.h"
 #include "orvane/host/HostSession.h"
 #include "orvane/host/hostMainQueue.h"
 #include "orvane/orvane.h"
@@ -10,21 +12,8 @@
 namespace orvane::bench {
 namespace {
 
-constexpr const char* mobile = "13800138000";
-constexpr const char* pictureText = "x7Kp";
-constexpr const char* smsCode = "123456";
-
 void require(bool condition) {
-  if (!condition) throw std::runtime_error("a call failed");
-}
-
-Fields factFields() {
-  return {{"mobile", mobile},
-          {"deviceModel", OVDeviceInfoTool::getSystemVersion()},
-          {"carrier", OVDeviceInfoTool::getcarrierName()},
-          {"deviceName", std::string(rawValue(OVDeviceInfoTool::getDeviceName()))},
-          {"IMEI", " "},
-          {"IMSI", " "}};
+  if (!condition) throw std::runtime_error("a call by the library failed");
 }
 
 HostSessionConfiguration rerouted(std::uint16_t port) {
@@ -40,7 +29,7 @@ class WatchedSession final : public URLSession {
   explicit WatchedSession(std::uint16_t port) : session_(rerouted(port)) {}
 
   void startDataTask(URLRequest request, DataTaskHandler handler) override {
-    if (request.url().ends_with(deviceReportCall.path)) {
+    if (request.url().ends_with(reportPath)) {
       handler = [handler = std::move(handler)](DataTaskResult result) {
         handler(std::move(result));
         hostMainQueue().stop();
@@ -71,29 +60,8 @@ Bytes signIn() {
       manager.requestLogin(mobile, smsCode, [](const auto&, const ErrorPtr& error) { require(!error); });
     });
   });
-  hostMainQueue().run();  // Until the facts have arrived, which stops it.
+  hostMainQueue().run();  // Until the report has arrived, which stops it.
   return picture;
-}
-
-Bytes signIn(Client& client, const Codec& codec) {
-  Bytes picture = codec.picture(client.post(pictureCodeCall.path, codec.body({{"mobile", mobile}}))).value();
-  requestCode(client, codec);
-  const std::string login = codec.body({{"mobile", mobile}, {"verificationCode", smsCode}});
-  require(codec.message(client.post(loginCall.path, login)).has_value());
-  require(codec.message(client.post(deviceReportCall.path, codec.body(factFields()))).has_value());
-  return picture;
-}
-
-Fields codeFields() {
-  return {{"mobile", mobile}, {"captcha", pictureText}};
-}
-
-void requestCode() {
-  requestCodes(1);
-}
-
-void requestCode(Client& client, const Codec& codec) {
-  require(codec.message(client.post(codeCall.path, codec.body(codeFields()))).has_value());
 }
 
 void requestCodes(std::size_t count) {
@@ -105,11 +73,6 @@ void requestCodes(std::size_t count) {
     });
   }
   hostMainQueue().run();
-}
-
-void startCodes(std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i)
-    OrvaneManager::shareManager().requestCode(mobile, pictureText, nullptr);
 }
 
 }  // namespace orvane::bench
