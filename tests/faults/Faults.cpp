@@ -18,8 +18,9 @@ const std::string unresolvable = "host.invalid";
 
 constexpr milliseconds brief{60};
 constexpr milliseconds ample = std::chrono::seconds(60);
-constexpr milliseconds pace{20};
-constexpr milliseconds patience = 50 * pace;  // Less than a whole reply takes at that pace.
+constexpr milliseconds pace{5};
+constexpr milliseconds patience = 200 * pace;  // Much more than a line takes at that pace.
+constexpr int longerThanPatience = 20;         // So many header lines.
 
 Fault::Script always(std::string bytes, Then then = Then::keep) {
   return [answer = Answer{std::move(bytes), then}](int) { return answer; };
@@ -120,7 +121,8 @@ std::vector<Fault> makeFaults() {
       {"No byte arrives for too long", always("", Then::hold), 1, brief},
       {"No byte arrives for too long after \"100 Continue\"", always(proceed, Then::hold), 1, brief},
       {"No byte arrives for too long within the body", always(allButTheEnd, Then::hold), 1, brief},
-      {"The bytes arrive slowly, one at a time", slowly(reply(good), ""), 1, patience},
+      {"The bytes arrive slowly, one at a time", slowly(reply(good, headerLines(longerThanPatience)), ""), 1,
+       patience},
       {"The body arrives slowly, one byte at a time, without end", slowly(ok + "\r\n", " "), 1, ample,
        patience},
       {"A header line arrives slowly, one byte at a time, without end", slowly(ok, "x"), 1, patience},
