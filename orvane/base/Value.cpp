@@ -3,7 +3,7 @@
 #include <array>
 #include <cmath>
 
-#include "orvane/base/writeNumber.h"
+#include "orvane/base/writeReal.h"
 
 namespace orvane {
 namespace {
@@ -128,9 +128,8 @@ std::optional<std::int64_t> Value::asInteger() const noexcept {
 }
 
 std::optional<std::string> Value::decimalText() const {
-  NumberBuffer buffer;
-  if (const std::int64_t* number = integer()) return std::string(writeNumber(buffer, *number));
-  if (const double* number = real()) return std::string(writeRounded(buffer, *number));
+  if (const std::int64_t* number = integer()) return std::to_string(*number);
+  if (const double* number = real()) return writeReal(*number, 16);
   return std::nullopt;
 }
 

@@ -7,7 +7,7 @@
 #include <list>
 
 #include "orvane/base/decodeUTF8.h"
-#include "orvane/json/readReal.h"
+#include "orvane/base/writeReal.h"
 
 namespace orvane {
 namespace {

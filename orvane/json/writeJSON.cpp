@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "orvane/base/decodeUTF8.h"
-#include "orvane/base/writeNumber.h"
+#include "orvane/base/writeReal.h"
 
 namespace orvane {
 namespace {
@@ -44,7 +44,6 @@ class Writer {
   void escape(char c);
 
   Bytes out_;
-  NumberBuffer number_;
   std::vector<Open> open_;
 };
 
@@ -92,10 +91,10 @@ bool Writer::begin(const Value& value) {
   } else if (const bool* boolean = value.boolean()) {
     append(*boolean ? "true" : "false");
   } else if (const std::int64_t* integer = value.integer()) {
-    append(writeNumber(number_, *integer));
+    append(std::to_string(*integer));
   } else if (const double* real = value.real()) {
     if (!std::isfinite(*real)) return false;
-    append(writeNumber(number_, *real));
+    append(writeReal(*real));
   } else {
     append("null");
   }

@@ -25,6 +25,7 @@ TEST(Value, ReadsNumbersAsIntegersAndAsText) {
       {-9223372036854775808.0, least, "-9.223372036854776e+18"},
       {UINT64_MAX, greatest, "1.844674407370955e+19"},
       {infinity, greatest, "inf"},
+      {-infinity, least, "-inf"},
       {std::nan(""), 0, "nan"},
       {true, std::nullopt, std::nullopt},
       {"7", std::nullopt, std::nullopt},
