@@ -1,13 +1,12 @@
 #include "orvane/json/readJSON.h"
 
 #include <array>
-#include <bit>
 #include <charconv>
-#include <cstring>
 #include <list>
 
 #include "orvane/base/decodeUTF8.h"
 #include "orvane/base/writeReal.h"
+#include "orvane/json/readByteRun.h"
 
 namespace orvane {
 namespace {
@@ -16,65 +15,6 @@ constexpr std::size_t maximumDepth = 512;
 
 constexpr bool isDigit(char c) {
   return c >= '0' && c <= '9';
-}
-
-// Characters are read as words, the first of them in the lowest bits.
-static_assert(std::endian::native == std::endian::little);
-template <class Word>
-Word wordAt(const char* characters) {
-  Word word = 0;
-  std::memcpy(&word, characters, sizeof(word));
-  return word;
-}
-
-struct Block {
-  static constexpr int size = 64;
-
-  std::uint64_t commas = 0;     ///< A bit for each, the lowest for the first character.
-  std::uint64_t strangers = 0;  ///< Zero where there is nothing but commas and characters from '0' to '?'.
-
-  explicit Block(const char* characters) {
-    constexpr std::uint64_t each = 0x0101010101010101U;
-    for (int at = 0; at < size; at += 8) {
-      const auto word = wordAt<std::uint64_t>(characters + at);
-      const std::uint64_t others = word ^ ',' * each;
-      const std::uint64_t here = ~(((others & 0x7F * each) + 0x7F * each) | others) >> 7 & each;
-      commas |= (here * 0x0102040810204080U >> 56) << at;  // The product gathers the eight bits at its top.
-      strangers |= ((word ^ '0' * each) & 0xF0 * each) ^ here << 4;
-    }
-  }
-};
-
-// Looks up a number from 0 to 255 by the low four bits of its first three characters. A shorter number has a
-// comma after it. An entry holds the value and, above it, the number of digits; 255 digits mean "not a
-// number".
-constexpr int lengthShift = 8;
-constexpr auto byteTexts = [] {
-  constexpr unsigned comma = ',' & 15;
-  std::array<std::uint16_t, 1 << 12> texts{};
-  for (auto& text : texts) text = 255 << lengthShift;
-  for (unsigned byte = 0; byte < 256; ++byte) {
-    const unsigned hundreds = byte / 100;
-    const unsigned tens = byte / 10 % 10;
-    const unsigned ones = byte % 10;
-    const auto text = [byte](unsigned length) {
-      return static_cast<std::uint16_t>(length << lengthShift | byte);
-    };
-    if (byte > 99) {
-      texts[hundreds << 8 | tens << 4 | ones] = text(3);
-    } else if (byte > 9) {
-      texts[tens << 8 | ones << 4 | comma] = text(2);
-    } else {
-      for (unsigned any = 0; any < 16; ++any) texts[ones << 8 | comma << 4 | any] = text(1);
-    }
-  }
-  return texts;
-}();
-
-/// Reads one character more.
-unsigned byteTextAt(const char* characters) {
-  const std::uint64_t halves = wordAt<std::uint32_t>(characters) & 0x0F0F0FU;
-  return byteTexts[(halves << 24 | halves << 12 | halves) >> 16 & 0xFFFU];
 }
 
 class Reader {
@@ -103,7 +43,6 @@ class Reader {
   Value emptyContainer() const { return peek() == '[' ? Value(Array()) : Value(Map()); }
   bool open(Value& value);
   bool scalar(Value& value);
-  void byteRun(Bytes& bytes);
   bool digits() noexcept;
   bool number(Value& value);
   bool string(std::string& string);
@@ -168,7 +107,7 @@ bool Reader::contents() {
 
 bool Reader::element(Array& array) {
   if (Bytes* bytes = array.bytes()) {
-    byteRun(*bytes);
+    readByteRun(text_, at_, *bytes);
     skipSpace();
   }
   Value value;
@@ -215,39 +154,6 @@ bool Reader::scalar(Value& value) {
     default:
       return number(value);
   }
-}
-
-/// The fast way through the byte values of a picture: takes numbers from 0 to 255 as long as each is followed
-/// by a comma, many at a time, and stops before those among which there is anything else.
-void Reader::byteRun(Bytes& bytes) {
-  constexpr int readBeyond = 3;
-  const char* at = text_.data() + at_;
-  const char* const end = text_.data() + text_.size();
-  std::array<std::uint8_t, 512> batch;
-  std::size_t size = 0;
-  while (end - at >= Block::size + readBeyond) {
-    const Block block(at);
-    if (block.strangers != 0 || block.commas == 0) break;
-    const char* number = at;
-    std::size_t count = 0;
-    unsigned differences = 0;
-    for (std::uint64_t commas = block.commas; commas != 0; commas &= commas - 1) {
-      const char* const comma = at + std::countr_zero(commas);
-      const unsigned text = byteTextAt(number);
-      differences |= text ^ static_cast<unsigned>(comma - number) << lengthShift;
-      batch[size + count++] = static_cast<std::uint8_t>(text);
-      number = comma + 1;
-    }
-    if (differences >> lengthShift != 0) break;
-    at = number;
-    size += count;
-    if (size + Block::size > batch.size()) {
-      bytes.insert(bytes.end(), batch.begin(), batch.begin() + size);
-      size = 0;
-    }
-  }
-  bytes.insert(bytes.end(), batch.begin(), batch.begin() + size);
-  at_ = static_cast<std::size_t>(at - text_.data());
 }
 
 bool Reader::digits() noexcept {
