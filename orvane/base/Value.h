@@ -39,15 +39,14 @@ class ORVANE_API Array {
 
   /// Makes an array that is empty, or holds the given elements or bytes, or what another array holds.
   ///@{
-  Array() noexcept;
+  Array() noexcept = default;
   Array(std::initializer_list<Value> values);
   explicit Array(Bytes bytes) noexcept;
-  Array(const Array& other);
-  Array(Array&& other) noexcept;
+  Array(const Array& other) = default;
+  Array(Array&& other) noexcept = default;
   ///@}
   /// Safe if `other` is nested inside this array.
   Array& operator=(Array other) noexcept;
-  ~Array();
 
   /// Returns the number of elements.
   std::size_t size() const noexcept;
@@ -188,16 +187,12 @@ class Array::Iterator {
   std::size_t index_ = 0;
 };
 
-inline Array::Array() noexcept = default;
 inline Array::Array(Bytes bytes) noexcept : bytes_(std::move(bytes)) {}
-inline Array::Array(const Array& other) = default;
-inline Array::Array(Array&& other) noexcept = default;
 inline Array& Array::operator=(Array other) noexcept {
   bytes_.swap(other.bytes_);
   values_.swap(other.values_);
   return *this;
 }
-inline Array::~Array() = default;
 inline const Bytes* Array::bytes() const noexcept {
   return values_.empty() ? &bytes_ : nullptr;
 }

@@ -1,5 +1,7 @@
 #include "orvane/base/decodeUTF8.h"
 
+#include <array>
+
 namespace orvane {
 
 std::optional<char32_t> decodeUTF8(std::string_view text, std::size_t& position) noexcept {
@@ -32,21 +34,10 @@ std::optional<char32_t> decodeUTF8(std::string_view text, std::size_t& position)
 
 void appendUTF8(std::string& text, char32_t codePoint) {
   const auto append = [&text](char32_t byte) { text.push_back(static_cast<char>(byte)); };
-  const auto appendRest = [&](int shift) {
-    for (; shift >= 0; shift -= 6) append(0x80 | (codePoint >> shift & 0x3F));
-  };
-  if (codePoint < 0x80) {
-    append(codePoint);
-  } else if (codePoint < 0x800) {
-    append(0xC0 | codePoint >> 6);
-    appendRest(0);
-  } else if (codePoint < 0x10000) {
-    append(0xE0 | codePoint >> 12);
-    appendRest(6);
-  } else {
-    append(0xF0 | codePoint >> 18);
-    appendRest(12);
-  }
+  constexpr std::array<char32_t, 4> leads = {0, 0xC0, 0xE0, 0xF0};  // By how many bytes follow.
+  std::size_t following = codePoint < 0x80 ? 0 : codePoint < 0x800 ? 1 : codePoint < 0x10000 ? 2 : 3;
+  append(leads[following] | codePoint >> 6 * following);
+  while (following-- > 0) append(0x80 | (codePoint >> 6 * following & 0x3F));
 }
 
 }  // namespace orvane

@@ -13,9 +13,10 @@
 //   3. The low four bits of a digit are its value, and those of a comma are 0xC. So three characters make the
 //      index of a table: 0x12C for "12,", 0x7C2 for "7,2", 0x255 for "255".
 //   4. The table has the number and how many digits it takes: 12 takes 2, 7 takes 1, 255 takes 3. The text is
-//      right if the comma is as far away.
+//      right if its comma is that far away.
 //
-// Eight characters make one word, the first in its lowest bits, so that one operation works on all eight.
+// Eight characters make one word, so that one operation works on all eight. On machines of either byte order
+// the first character is in the lowest bits.
 
 namespace orvane {
 namespace {
@@ -39,7 +40,7 @@ std::uint64_t commasAt(const char* block) {
   for (int at = 0; at < blockSize; at += wordSize) {
     // Turns a comma into 0x00, and '0' to '?' into 0x10 to 0x1F. So the bit 0x10 tells them apart.
     const std::uint64_t word = wordAt(block + at) ^ ',' * each;
-    const std::uint64_t ones = ~word >> 4 & each;  // 0x01 for each comma, 0x00 for all else.
+    const std::uint64_t ones = ~word >> 4 & each;  // 0x01 for each comma, 0x00 for each digit.
     // Another character has a bit above 0x10, or a bit below it where 0x10 is missing.
     strangers |= word & (0xE0 * each | 0x0F * ones);
     // Moves the eight ones side by side. "12,7,255" has 0x0000000100010000. The factor has the bits 7, 14 and

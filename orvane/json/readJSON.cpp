@@ -13,10 +13,6 @@ namespace {
 
 constexpr std::size_t maximumDepth = 512;
 
-constexpr bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 class Reader {
  public:
   explicit Reader(std::string_view text) noexcept : text_(text) {}
@@ -24,12 +20,7 @@ class Reader {
   std::optional<Value> document();
 
  private:
-  /// A container whose end has not come yet; one of the two is set. It stays where it is: nothing is added to
-  /// it while a container inside it is open.
-  struct Open {
-    Array* array;
-    Map* map;
-  };
+  // Those that return bool move past what they read, and return false if something else is there.
 
   char peek() const noexcept { return at_ < text_.size() ? text_[at_] : '\0'; }
   bool accept(char c) noexcept;
@@ -51,9 +42,11 @@ class Reader {
 
   std::string_view text_;
   std::size_t at_ = 0;
-  std::array<Open, maximumDepth> open_;  // The innermost last.
+  // The containers whose ends have not been read, the innermost last. They do not move: nothing is added to a
+  // container while one inside it is open.
+  std::array<Value*, maximumDepth> open_;
   std::size_t depth_ = 0;
-  std::list<Value> duplicates_;  // the values of keys that came before
+  std::list<Value> duplicates_;  // The values of repeated keys, which are read and then dropped.
 };
 
 bool Reader::accept(char c) noexcept {
@@ -87,9 +80,10 @@ std::optional<Value> Reader::document() {
 
 /// Reads until no container is open.
 bool Reader::contents() {
-  bool first = true;
+  bool first = true;  // Nothing has been read of the innermost container.
   while (depth_ > 0) {
-    const auto [array, map] = open_[depth_ - 1];
+    Value& innermost = *open_[depth_ - 1];
+    Array* const array = innermost.array();
     skipSpace();
     if (accept(array ? ']' : '}')) {
       --depth_;
@@ -99,7 +93,7 @@ bool Reader::contents() {
     if (!first && !accept(',')) return false;
     skipSpace();
     const std::size_t depth = depth_;
-    if (!(array ? element(*array) : member(*map))) return false;
+    if (!(array ? element(*array) : member(*innermost.map()))) return false;
     first = depth_ > depth;
   }
   return true;
@@ -135,14 +129,15 @@ bool Reader::member(Map& map) {
 bool Reader::open(Value& value) {
   if (depth_ == maximumDepth) return false;
   ++at_;
-  open_[depth_++] = {value.array(), value.map()};
+  open_[depth_++] = &value;
   return true;
 }
 
 bool Reader::scalar(Value& value) {
   switch (peek()) {
     case '"':
-      return string(*(value = std::string()).text());
+      value = std::string();
+      return string(*value.text());
     case 't':
       value = true;
       return accept("true");
@@ -158,7 +153,7 @@ bool Reader::scalar(Value& value) {
 
 bool Reader::digits() noexcept {
   const std::size_t start = at_;
-  while (isDigit(peek())) ++at_;
+  while (peek() >= '0' && peek() <= '9') ++at_;
   return at_ != start;
 }
 
@@ -188,7 +183,7 @@ bool Reader::number(Value& value) {
 
 bool Reader::string(std::string& string) {
   if (!accept('"')) return false;
-  std::size_t run = at_;
+  std::size_t run = at_;  // Where the characters begin that are still to be appended.
   while (at_ < text_.size()) {
     const auto c = static_cast<unsigned char>(text_[at_]);
     if (c >= 0x80) {
@@ -208,7 +203,7 @@ bool Reader::string(std::string& string) {
   return false;
 }
 
-/// What follows a backslash.
+/// Reads what follows a backslash.
 bool Reader::escape(std::string& string) {
   constexpr std::string_view letters = "\"\\/bfnrt";
   constexpr std::string_view meanings = "\"\\/\b\f\n\r\t";
@@ -225,6 +220,7 @@ bool Reader::escape(std::string& string) {
     appendUTF8(string, *unit);
     return true;
   }
+  // The first half of a pair of surrogates, which are one code point together.
   if (!accept("\\u")) return false;
   const std::optional<char32_t> low = fourHexDigits();
   if (!low || *low < 0xDC00 || *low > 0xDFFF) return false;

@@ -15,15 +15,14 @@ class Writer {
  public:
   Writer() { out_.reserve(usualSize); }
 
-  bool value(const Value& value) { return begin(value) && contents(); }
-  bool map(const Map& map) {
+  std::optional<Bytes> write(const Map& map) {
     open(map);
-    return contents();
+    return rest();
   }
-  Bytes take() { return std::move(out_); }
+  std::optional<Bytes> write(const Value& value) { return begin(value) ? rest() : std::nullopt; }
 
  private:
-  /// A container of which something is still to be written; one of the two is set.
+  /// A container of which something is still to be written. Either `array` or `map` is set.
   struct Open {
     const Array* array;
     const Map* map;
@@ -38,7 +37,7 @@ class Writer {
   void append(std::string_view text) { out_.insert(out_.end(), text.begin(), text.end()); }
   void open(const Array& array);
   void open(const Map& map);
-  bool contents();
+  std::optional<Bytes> rest();
   bool begin(const Value& value);
   bool string(std::string_view text);
   void escape(char c);
@@ -57,8 +56,8 @@ void Writer::open(const Map& map) {
   open_.push_back({nullptr, &map, 0, map.begin()});
 }
 
-/// Writes until no container is open.
-bool Writer::contents() {
+/// Writes until no container is open. Returns all that was written.
+std::optional<Bytes> Writer::rest() {
   while (!open_.empty()) {
     Open& innermost = open_.back();
     if (innermost.isDone()) {
@@ -71,16 +70,16 @@ bool Writer::contents() {
     if (innermost.array) {
       next = &(*innermost.array)[innermost.nextElement++];
     } else {
-      if (!string(innermost.nextMember->first)) return false;
+      if (!string(innermost.nextMember->first)) return std::nullopt;
       append(':');
       next = &(innermost.nextMember++)->second;
     }
-    if (!begin(*next)) return false;
+    if (!begin(*next)) return std::nullopt;
   }
-  return true;
+  return std::move(out_);
 }
 
-/// Writes a scalar whole, of a container its beginning.
+/// Writes a scalar, or the opening bracket of a container.
 bool Writer::begin(const Value& value) {
   if (const Array* array = value.array()) {
     open(*array);
@@ -135,15 +134,11 @@ void Writer::escape(char c) {
 }  // namespace
 
 std::optional<Bytes> writeJSON(const Map& map) {
-  Writer writer;
-  if (!writer.map(map)) return std::nullopt;
-  return writer.take();
+  return Writer().write(map);
 }
 
 std::optional<Bytes> writeJSON(const Value& value) {
-  Writer writer;
-  if (!writer.value(value)) return std::nullopt;
-  return writer.take();
+  return Writer().write(value);
 }
 
 }  // namespace orvane
