@@ -3,7 +3,7 @@
 #include <array>
 #include <cmath>
 
-#include "orvane/base/writeReal.h"
+#include "orvane/base/realText.h"
 
 namespace orvane {
 namespace {

@@ -5,7 +5,7 @@
 #include <list>
 
 #include "orvane/base/decodeUTF8.h"
-#include "orvane/base/writeReal.h"
+#include "orvane/base/realText.h"
 #include "orvane/json/readByteRun.h"
 
 namespace orvane {

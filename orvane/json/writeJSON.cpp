@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "orvane/base/decodeUTF8.h"
-#include "orvane/base/writeReal.h"
+#include "orvane/base/realText.h"
 
 namespace orvane {
 namespace {

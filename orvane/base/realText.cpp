@@ -1,4 +1,4 @@
-#include "orvane/base/writeReal.h"
+#include "orvane/base/realText.h"
 
 #include <array>
 #include <cmath>
