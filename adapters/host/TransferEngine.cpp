@@ -17,24 +17,12 @@
 namespace orvane {
 namespace {
 
-/// How many transfers without a task are kept. Each takes some 10 KB, and some 10 µs to make.
+/// How many transfers without a task are kept for later tasks.
 constexpr std::size_t keptTransfers = 6;
 
-void appendAddress(std::string& line, const std::string& host, std::uint16_t port) {
+std::string address(const std::string& host, std::uint16_t port) {
   const bool isBare = host.find(':') != host.npos && !host.starts_with('[');
-  line.append(isBare ? "[" : "").append(host).append(isBare ? "]:" : ":").append(std::to_string(port));
-}
-
-CurlSlist makeReroutes(const std::vector<Reroute>& reroutes) {
-  CurlSlist list;
-  for (const Reroute& reroute : reroutes) {
-    std::string line;
-    appendAddress(line, reroute.host, reroute.port);
-    line.push_back(':');
-    appendAddress(line, reroute.toHost, reroute.toPort);
-    list.append(line);
-  }
-  return list;
+  return (isBare ? "[" + host + "]:" : host + ":") + std::to_string(port);
 }
 
 std::string hostKey(const URLParts& parts) {
@@ -47,7 +35,8 @@ std::string hostKey(const URLParts& parts) {
 }  // namespace
 
 TransferEngine::TransferEngine(HostSessionConfiguration configuration) : context_{std::move(configuration)} {
-  context_.reroutes = makeReroutes(context_.configuration.reroutes);
+  for (const auto& [host, port, toHost, toPort] : context_.configuration.reroutes)
+    context_.reroutes.append(address(host, port) + ":" + address(toHost, toPort));
 }
 
 std::list<HandlerCall> TransferEngine::advance(std::vector<DataTask>&& arrived) {
