@@ -74,7 +74,6 @@ SessionFailure sessionFailure(CURLcode result, long verification) {
     case CURLE_PARTIAL_FILE:
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
-    case CURLE_ABORTED_BY_CALLBACK:  // The transfer refused to send a lost request again.
       return SessionFailure::connectionLost;
     case CURLE_BAD_CONTENT_ENCODING:
     case CURLE_WRITE_ERROR:  // Bytes after a compressed stream.

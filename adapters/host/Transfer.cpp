@@ -51,22 +51,6 @@ int asInt(std::chrono::milliseconds time) {
   return static_cast<int>(std::min<std::chrono::milliseconds::rep>(time.count(), INT_MAX));
 }
 
-/// For CURLOPT_OPENSOCKETFUNCTION. Opens a connection that no child process inherits, and that ends if what
-/// was sent is not acknowledged in time.
-curl_socket_t openSocket(void* context, curlsocktype, curl_sockaddr* address) noexcept {
-#ifdef SOCK_CLOEXEC
-  const int file = socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
-#else
-  const int file = socket(address->family, address->socktype, address->protocol);
-  if (file >= 0) fcntl(file, F_SETFD, FD_CLOEXEC);
-#endif
-#ifdef TCP_USER_TIMEOUT
-  const int limit = asInt(static_cast<TransferContext*>(context)->configuration.acknowledgementTimeout);
-  if (file >= 0) setsockopt(file, IPPROTO_TCP, TCP_USER_TIMEOUT, &limit, sizeof(limit));
-#endif
-  return file;
-}
-
 }  // namespace
 
 template <class Value>
@@ -105,8 +89,6 @@ Transfer::Transfer(TransferContext& context) : context_(context), handle_(curl_e
   }
   // The engine sees to time-outs, across redirects. curl divides this one among the addresses of a host.
   set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(asInt(configuration.idleTimeout)));
-  set(CURLOPT_OPENSOCKETFUNCTION, &openSocket);
-  set(CURLOPT_OPENSOCKETDATA, &context);
   set(CURLOPT_ERRORBUFFER, errorText_.data());
   set(CURLOPT_PRIVATE, this);
 
@@ -126,8 +108,16 @@ Transfer::Transfer(TransferContext& context) : context_(context), handle_(curl_e
   set(CURLOPT_NOPROGRESS, 0L);
   set(CURLOPT_XFERINFODATA, this);
   set(CURLOPT_XFERINFOFUNCTION, progress);
+  const auto open = +[](void* self, curlsocktype, curl_sockaddr* address) {
+    return static_cast<Transfer*>(self)->openSocket(*address);
+  };
+  set(CURLOPT_OPENSOCKETDATA, this);
+  set(CURLOPT_OPENSOCKETFUNCTION, open);
   const auto beforeSending = +[](void* self, char*, char*, int, int) {
-    return static_cast<Transfer*>(self)->maySend() ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
+    auto& transfer = *static_cast<Transfer*>(self);
+    const bool mayGoOn = transfer.mayGoOn();
+    transfer.exchange_.wasSent = true;
+    return mayGoOn ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
   };
   set(CURLOPT_PREREQDATA, this);
   set(CURLOPT_PREREQFUNCTION, beforeSending);
@@ -185,11 +175,30 @@ void Transfer::setHeaders() {
 
 // curl calls the following functions, so they throw nothing.
 
-/// Called each time before curl sends the request. curl sends it again if a kept-alive connection was lost.
-/// Only a request that changes nothing may be sent twice.
-bool Transfer::maySend() noexcept {
+/// Returns true if curl may make a connection or send the request. curl does so again if a kept-alive
+/// connection was lost. Only a request that changes nothing may be sent twice.
+bool Transfer::mayGoOn() noexcept {
   const std::string& method = task_.request.method();
-  return exchange_.attempts++ == 0 || method == "GET" || method == "HEAD";
+  if (!exchange_.wasSent || method == "GET" || method == "HEAD") return true;
+  refuse(SessionFailure::connectionLost);
+  return false;
+}
+
+/// Opens a connection that no child process inherits, and that ends if what was sent is not acknowledged in
+/// time.
+curl_socket_t Transfer::openSocket(const curl_sockaddr& address) noexcept {
+  if (!mayGoOn()) return CURL_SOCKET_BAD;
+#ifdef SOCK_CLOEXEC
+  const int file = socket(address.family, address.socktype | SOCK_CLOEXEC, address.protocol);
+#else
+  const int file = socket(address.family, address.socktype, address.protocol);
+  if (file >= 0) fcntl(file, F_SETFD, FD_CLOEXEC);
+#endif
+#ifdef TCP_USER_TIMEOUT
+  const int limit = asInt(context_.configuration.acknowledgementTimeout);
+  if (file >= 0) setsockopt(file, IPPROTO_TCP, TCP_USER_TIMEOUT, &limit, sizeof(limit));
+#endif
+  return file;
 }
 
 std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {

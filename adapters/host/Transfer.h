@@ -73,7 +73,8 @@ class Transfer {
   void set(CURLoption option, Value value);
   void setMethodAndBody();
   void setHeaders();
-  bool maySend() noexcept;
+  bool mayGoOn() noexcept;
+  curl_socket_t openSocket(const curl_sockaddr& address) noexcept;
   std::size_t take(const char* bytes, std::size_t size) noexcept;
   std::size_t takeHeaderLine(std::string_view line) noexcept;
   bool noteProgress(curl_off_t received, curl_off_t sent) noexcept;
@@ -84,7 +85,7 @@ class Transfer {
   struct Exchange {
     Clock::time_point lastActivity;
     curl_off_t bytes = 0;  // Of bodies, in both directions.
-    int attempts = 0;
+    bool wasSent = false;
     std::size_t headerSize = 0;
     std::size_t headerLines = 0;
     bool isHeaderWhole = false;  // The last one: not that of an interim reply or of a proxy's.

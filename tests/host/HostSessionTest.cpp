@@ -487,6 +487,8 @@ TEST(HostSession, NeverSendsAPostTwiceByItself) {
     EXPECT_EQ(perform(session, second), expected);
     EXPECT_EQ(server.requests().size(), std::string_view(method) == "POST" ? 2U : 3U);
     EXPECT_TRUE(server.requests().back().hasLine("Host: name.example"));
+    EXPECT_EQ(perform(session, URLRequest("http://name.example/third")), "ok");
+    EXPECT_EQ(server.requests().back().connection, 2);  // No connection was made in vain.
   }
 }
 

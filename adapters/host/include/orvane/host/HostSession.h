@@ -35,7 +35,7 @@ struct HostSessionConfiguration {
   /// the limit fails with -1001. Default: 7 days. Lower it if the reply is of use for a short time only.
   std::chrono::milliseconds totalTimeout = std::chrono::hours(7 * 24);
   /// Limits how long the peer may leave what was sent to it without an acknowledgement. A connection beyond
-  /// the limit ends, and its transfer fails with -1005, or with -1004 if it was being made. Default: 15 s, so
+  /// the limit ends, and its transfer fails with -1005, or with -1001 if it was being made. Default: 15 s, so
   /// that a dead network is reported before `idleTimeout`. Has no effect where the system lacks
   /// TCP_USER_TIMEOUT: Linux has it.
   std::chrono::milliseconds acknowledgementTimeout = std::chrono::seconds(15);
