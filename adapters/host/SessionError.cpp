@@ -60,7 +60,6 @@ SessionFailure sessionFailure(CURLcode result, long verification) {
     case CURLE_OUT_OF_MEMORY:
       throw std::bad_alloc();
     case CURLE_URL_MALFORMAT:
-    case CURLE_BAD_FUNCTION_ARGUMENT:  // A URL of more than 8 MB.
       return SessionFailure::badURL;
     case CURLE_OPERATION_TIMEDOUT:
       return SessionFailure::timedOut;

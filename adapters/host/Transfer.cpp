@@ -270,15 +270,10 @@ DataTaskResult Transfer::finish(CURLcode result) {
 /// Returns what went wrong in the exchange that curl ended with `result`.
 SessionFailure Transfer::failure(CURLcode result) const {
   if (exchange_.refusal) return *exchange_.refusal;
-  // A request's header, or a line of a reply's, is beyond curl's limits. That is CURLE_TOO_LARGE since 8.6.
+  // A header line beyond curl's limit of 100 KiB. That is CURLE_TOO_LARGE since 8.6.
   const bool isNamed = curl_version_info(CURLVERSION_NOW)->version_num >= 0x080600;
-  const bool isTooLarge =
-      isNamed ? static_cast<int>(result) == 100 : result == CURLE_OUT_OF_MEMORY && !exchange_.isHeaderWhole;
-  if (isTooLarge) {
-    long sent = 0;
-    curl_easy_getinfo(handle(), CURLINFO_REQUEST_SIZE, &sent);
-    return sent == 0 ? SessionFailure::requestTooLarge : SessionFailure::dataTooLarge;
-  }
+  if (isNamed ? static_cast<int>(result) == 100 : result == CURLE_OUT_OF_MEMORY && !exchange_.isHeaderWhole)
+    return SessionFailure::dataTooLarge;
   long verification = 0;
   curl_easy_getinfo(handle(), CURLINFO_SSL_VERIFYRESULT, &verification);
   return sessionFailure(result, verification);

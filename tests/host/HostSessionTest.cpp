@@ -124,7 +124,7 @@ TEST(HostSession, RefusesURLsBeforeAnythingIsSent) {
        {"", "h/p", "//127.0.0.1/", "ftp://127.0.0.1/", "file:///etc/passwd", "httpx://h/"}},
       {"no host", -1000, {"http:///p", "http:p", "http://:80/"}},
       {"not a URL", -1000, {"http://a b/", "http://a/\t", std::string("http://127.0.0.1:1/\0", 20)}},
-      {"beyond curl's limit", -1000, {"http://127.0.0.1:1/" + std::string(9 << 20, 'x')}}};
+      {"too large", -1, {"http://127.0.0.1:1/" + std::string(9 << 20, 'x')}}};
   for (const auto& [what, code, urls] : groups) {
     for (const std::string& url : urls) {
       const DataTaskResult result = start(session, URLRequest(url)).get().result;
@@ -137,14 +137,23 @@ TEST(HostSession, RefusesURLsBeforeAnythingIsSent) {
   EXPECT_EQ(server.requests().size(), 1U);
 }
 
-TEST(HostSession, SaysThatARequestIsTooLarge) {
-  LoopbackServer server([](const Request&) { return Answer{reply("ok")}; });
+TEST(HostSession, RefusesARequestThatIsTooLarge) {
+  LoopbackServer server(
+      [](const Request& request) { return Answer{reply(std::to_string(request.head.size()))}; });
   HostSession session;
-  URLRequest request(server.url());
-  request.addValue(std::string(2 << 20, 'x'), "X");
-  const ErrorPtr error = start(session, request).get().result.error;
-  EXPECT_EQ(error->code, -1);
-  EXPECT_EQ(*error->userInfo.at("NSLocalizedDescription").text(), "The request is too large.");
+  const std::size_t bare = std::stoul(perform(session, URLRequest(server.url())));
+  for (const std::size_t more : {0, 1}) {
+    URLRequest request(server.url());
+    const std::size_t size = (256U << 10) - server.url().size() - 1 + more;
+    request.addValue(std::string(size, 'x'), "X");
+    const DataTaskResult result = start(session, request).get().result;
+    if (more == 0) {
+      EXPECT_EQ(std::string(result.body->begin(), result.body->end()), std::to_string(bare + size + 5));
+    } else {
+      EXPECT_EQ(result.error->code, -1);
+      EXPECT_EQ(*result.error->userInfo.at("NSLocalizedDescription").text(), "The request is too large.");
+    }
+  }
 }
 
 TEST(HostSession, StopsWithALineForWantOfMemory) {

@@ -78,9 +78,10 @@ class SessionThread;
 /// and the session's cookies are sent in one line. libcurl limits that line to 8 KiB: it leaves out the
 /// request's own field if the session's cookies for the host fill the line.
 ///
-/// **Limits.** A compressed body ends where its stream ends. A stream that is cut short is not an error. Host
-/// names beyond ASCII need a UTF-8 locale. If the system has no descriptor to give, tasks fail with -1004. If
-/// it has no memory to give, the process stops.
+/// **Limits.** The URL and the header fields of a request take at most 256 KiB. A compressed body ends where
+/// its stream ends. A stream that is cut short is not an error. Host names beyond ASCII need a UTF-8 locale.
+/// If the system has no descriptor to give, tasks fail with -1004. If it has no memory to give, the process
+/// stops.
 ///
 /// **The environment** is not read, with one exception: if SSLKEYLOGFILE is set, libcurl appends the keys of
 /// its TLS connections to the file of that name.
