@@ -36,9 +36,6 @@ class CookieJar {
     if (count > 300 || size > 256U << 10) curl_easy_setopt(handle, CURLOPT_COOKIELIST, "ALL");
   }
 
-  /// Releases what curl holds.
-  void close() noexcept { share_.reset(); }
-
  private:
   struct Deleter {
     void operator()(CURLSH* share) const noexcept { curl_share_cleanup(share); }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <pthread.h>
 #include <thread>
+#include <type_traits>
 #include <utility>
 
 namespace orvane {
@@ -52,14 +53,16 @@ void ExitGate::close(std::chrono::milliseconds limit) {
     std::this_thread::sleep_for(std::chrono::microseconds(100));
 }
 
+static_assert(std::is_trivially_destructible_v<ExitGate>);  // The gates outlive all statics.
+
 ExitGate& curlGate() {
-  static auto* const gate = new ExitGate;
-  return *gate;
+  static ExitGate gate;
+  return gate;
 }
 
 ExitGate& handlerGate() {
-  static auto* const gate = new ExitGate;
-  return *gate;
+  static ExitGate gate;
+  return gate;
 }
 
 void closeGatesAtExit() {

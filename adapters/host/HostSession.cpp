@@ -8,6 +8,7 @@
 #include <list>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -26,7 +27,7 @@ namespace orvane {
 class SessionThread : public std::enable_shared_from_this<SessionThread> {
  public:
   explicit SessionThread(HostSessionConfiguration configuration)
-      : totalTimeout_(configuration.totalTimeout), engine_(std::move(configuration)) {}
+      : totalTimeout_(configuration.totalTimeout), engine_(std::in_place, std::move(configuration)) {}
 
   /// Throws std::system_error if the system has no thread to give.
   void start(URLRequest request, DataTaskHandler handler) {
@@ -37,7 +38,7 @@ class SessionThread : public std::enable_shared_from_this<SessionThread> {
     inbox_.push_back({std::move(request), std::move(handler), Clock::now() + totalTimeout_});
     ++tasks_;
     if (std::exchange(isWaiting_, false)) {
-      engine_.wake();
+      engine_->wake();
     } else {
       workCame_.notify_one();
     }
@@ -54,9 +55,11 @@ class SessionThread : public std::enable_shared_from_this<SessionThread> {
 
   /// Returns true once every task has ended and its handler has returned, or false after `limit`.
   bool waitUntilIdle(std::chrono::milliseconds limit) {
-    constexpr std::chrono::milliseconds longest = std::chrono::years(10);  // The clock's range has an end.
+    using std::chrono::milliseconds;
+    constexpr milliseconds longest = std::chrono::years(10);  // The clock's range has an end.
+    const milliseconds time = std::clamp(limit, milliseconds(0), longest);
     std::unique_lock lock(mutex_);
-    return becameIdle_.wait_for(lock, std::min(limit, longest), [this] { return tasks_ == 0; });
+    return becameIdle_.wait_for(lock, time, [this] { return tasks_ == 0; });
   }
 
   /// Says that no task comes any more.
@@ -70,25 +73,28 @@ class SessionThread : public std::enable_shared_from_this<SessionThread> {
   void serve() try {
     std::unique_lock lock(mutex_);
     for (;;) {
-      workCame_.wait(lock, [this] { return !inbox_.empty() || !engine_.isIdle() || isClosed_; });
-      if (inbox_.empty() && engine_.isIdle()) break;
+      workCame_.wait(lock, [this] { return !inbox_.empty() || !engine_->isIdle() || isClosed_; });
+      if (inbox_.empty() && engine_->isIdle()) break;
       std::vector<DataTask> arrived = std::exchange(inbox_, {});
       lock.unlock();
-      std::list<HandlerCall> due = engine_.advance(std::move(arrived));
+      std::list<HandlerCall> due = engine_->advance(std::move(arrived));
       lock.lock();
       calls_.swap(due);
       if (!calls_.empty()) {
         callHandlers(lock);
-      } else if (inbox_.empty() && !engine_.isIdle()) {
+      } else if (inbox_.empty() && !engine_->isIdle()) {
         isWaiting_ = true;
         lock.unlock();
-        engine_.wait();
+        engine_->wait();
         lock.lock();
         isWaiting_ = false;
       }
     }
     lock.unlock();
-    engine_.close();
+    {
+      const ExitGate::Pass pass(curlGate());
+      engine_.reset();  // Here and not in the destructor, which may run on a thread that must not block.
+    }
     curlGate().enterUntilThreadEnds();
   } catch (const std::bad_alloc&) {
     fatal("HostSession: there is not enough memory");
@@ -111,7 +117,7 @@ class SessionThread : public std::enable_shared_from_this<SessionThread> {
   }
 
   const std::chrono::milliseconds totalTimeout_;
-  TransferEngine engine_;  // Used by the thread alone, except for wake().
+  std::optional<TransferEngine> engine_;  // Used by the thread alone, except for wake().
 
   std::mutex mutex_;  // For all that follows.
   std::condition_variable workCame_;

@@ -1,7 +1,6 @@
 #include "adapters/host/HostTextRules.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <string_view>
 #include <utf8proc.h>
@@ -16,17 +15,10 @@ bool isHexDigit(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
-constexpr bool isForbidden(char c) {
+bool isForbidden(char c) {
   const auto byte = static_cast<unsigned char>(c);
   return byte <= 0x20 || byte == 0x7F || std::string_view("\"<>\\^`{|}").find(c) != std::string_view::npos;
 }
-
-/// Says for each byte if it is an ASCII character that a URL may contain.
-constexpr auto isAllowed = [] {
-  std::array<bool, 256> allowed{};
-  for (std::size_t c = 0; c < 0x80; ++c) allowed[c] = !isForbidden(static_cast<char>(c));
-  return allowed;
-}();
 
 bool hasWholeEscapes(std::string_view text) {
   for (std::size_t at = text.find('%'); at != text.npos; at = text.find('%', at + 1)) {
@@ -50,14 +42,8 @@ bool isPort(std::string_view port) {
 }  // namespace
 
 bool HostTextRules::isURL(std::string_view text) const {
-  for (std::size_t at = 0; at < text.size();) {
-    const auto byte = static_cast<unsigned char>(text[at]);
-    if (isAllowed[byte]) {
-      ++at;
-    } else if (byte < 0x80 || !decodeUTF8(text, at)) {
-      return false;
-    }
-  }
+  for (std::size_t at = 0; at < text.size();)
+    if (isForbidden(text[at]) || !decodeUTF8(text, at)) return false;
   if (!hasWholeEscapes(text)) return false;
   if (std::count(text.begin(), text.end(), '#') > 1) return false;
   const URLParts parts = splitURL(text);

@@ -90,28 +90,26 @@ Transfer::Transfer(TransferContext& context) : context_(context), handle_(curl_e
   // The engine sees to time-outs, across redirects. curl divides this one among the addresses of a host.
   set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(asInt(configuration.idleTimeout)));
   set(CURLOPT_ERRORBUFFER, errorText_.data());
-  set(CURLOPT_PRIVATE, this);
+  for (const CURLoption self : {CURLOPT_PRIVATE, CURLOPT_WRITEDATA, CURLOPT_HEADERDATA, CURLOPT_XFERINFODATA,
+                                CURLOPT_PREREQDATA, CURLOPT_OPENSOCKETDATA})
+    set(self, this);
 
   const auto write = +[](char* bytes, std::size_t, std::size_t size, void* self) {
     return static_cast<Transfer*>(self)->take(bytes, size);
   };
-  set(CURLOPT_WRITEDATA, this);
   set(CURLOPT_WRITEFUNCTION, write);
   const auto writeHeader = +[](char* bytes, std::size_t, std::size_t size, void* self) {
     return static_cast<Transfer*>(self)->takeHeaderLine({bytes, size});
   };
-  set(CURLOPT_HEADERDATA, this);
   set(CURLOPT_HEADERFUNCTION, writeHeader);
   const auto progress = +[](void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) {
     return static_cast<Transfer*>(self)->noteProgress(received, sent) ? 0 : 1;
   };
   set(CURLOPT_NOPROGRESS, 0L);
-  set(CURLOPT_XFERINFODATA, this);
   set(CURLOPT_XFERINFOFUNCTION, progress);
   const auto open = +[](void* self, curlsocktype, curl_sockaddr* address) {
     return static_cast<Transfer*>(self)->openSocket(*address);
   };
-  set(CURLOPT_OPENSOCKETDATA, this);
   set(CURLOPT_OPENSOCKETFUNCTION, open);
   const auto beforeSending = +[](void* self, char*, char*, int, int) {
     auto& transfer = *static_cast<Transfer*>(self);
@@ -119,7 +117,6 @@ Transfer::Transfer(TransferContext& context) : context_(context), handle_(curl_e
     transfer.exchange_.wasSent = true;
     return mayGoOn ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
   };
-  set(CURLOPT_PREREQDATA, this);
   set(CURLOPT_PREREQFUNCTION, beforeSending);
 }
 
@@ -202,7 +199,7 @@ curl_socket_t Transfer::openSocket(const curl_sockaddr& address) noexcept {
 }
 
 std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {
-  exchange_.lastActivity = context_.now;
+  exchange_.lastActivity = Clock::now();
   if (size > context_.configuration.maximumBodySize - exchange_.body.size())
     return refuse(SessionFailure::dataTooLarge);
   if (exchange_.body.empty()) {
@@ -221,7 +218,7 @@ std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {
 }
 
 std::size_t Transfer::takeHeaderLine(std::string_view line) noexcept {
-  exchange_.lastActivity = context_.now;
+  exchange_.lastActivity = Clock::now();
   exchange_.headerSize += line.size();
   if (exchange_.headerSize > maximumHeaderSize || ++exchange_.headerLines > maximumHeaderLines)
     return refuse(SessionFailure::dataTooLarge);
@@ -236,7 +233,7 @@ std::size_t Transfer::takeHeaderLine(std::string_view line) noexcept {
 
 /// Returns false to end the exchange.
 bool Transfer::noteProgress(curl_off_t received, curl_off_t sent) noexcept {
-  if (received + sent != exchange_.bytes) exchange_.lastActivity = context_.now;
+  if (received + sent != exchange_.bytes) exchange_.lastActivity = Clock::now();
   exchange_.bytes = received + sent;
   // Before decompression. curl itself checks that only since 8.4.
   if (static_cast<std::uint64_t>(received) > context_.configuration.maximumBodySize)
@@ -274,8 +271,10 @@ SessionFailure Transfer::failure(CURLcode result) const {
   const bool isNamed = curl_version_info(CURLVERSION_NOW)->version_num >= 0x080600;
   if (isNamed ? static_cast<int>(result) == 100 : result == CURLE_OUT_OF_MEMORY && !exchange_.isHeaderWhole)
     return SessionFailure::dataTooLarge;
-  long verification = 0;
+  long verification = 0, proxyAnswer = 0;
   curl_easy_getinfo(handle(), CURLINFO_SSL_VERIFYRESULT, &verification);
+  curl_easy_getinfo(handle(), CURLINFO_HTTP_CONNECTCODE, &proxyAnswer);
+  if (proxyAnswer >= 300) return SessionFailure::cannotConnectToHost;
   return sessionFailure(result, verification);
 }
 

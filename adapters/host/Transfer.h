@@ -33,7 +33,7 @@ struct TransferContext {
   HostSessionConfiguration configuration = {};
   CurlSlist reroutes = {};
   CookieJar cookies = {};
-  Clock::time_point now = {};  ///< When curl was last asked what has arrived. Activity is dated by it.
+  Clock::time_point now = {};  ///< When curl was last asked what has arrived.
 };
 
 /// One HTTP exchange on an easy handle of curl's. The handle and its buffers serve one task after another.

@@ -52,6 +52,8 @@ TransferEngine::TransferEngine(HostSessionConfiguration configuration) : context
 std::list<HandlerCall> TransferEngine::advance(std::vector<DataTask>&& arrived) {
   const ExitGate::Pass pass(curlGate());
   context_.now = Clock::now();
+  for (; !waiting_.empty() && waiting_.front().deadline <= context_.now; waiting_.pop_front())
+    fail(std::move(waiting_.front()), SessionFailure::timedOut);
   for (DataTask& task : arrived) accept(std::move(task));
   int left = 0;
   if (multi_) curl_multi_perform(multi_.get(), &left);
@@ -75,19 +77,13 @@ void TransferEngine::wait() {
     std::this_thread::sleep_for(milliseconds(20));  // Does not spin where poll() fails.
 }
 
-void TransferEngine::close() {
-  const ExitGate::Pass pass(curlGate());
-  idle_.clear();
-  multi_.reset();
-  context_.cookies.close();
-}
-
 void TransferEngine::accept(DataTask&& task) {
   const URLParts parts = splitURL(task.request.url());
   if (!isSupportedScheme(parts.scheme)) return fail(std::move(task), SessionFailure::unsupportedURL);
   if (parts.host.empty() || task.request.url().find('\0') != std::string::npos)
     return fail(std::move(task), SessionFailure::badURL);
   if (headSize(task.request) > maximumHeadSize) return fail(std::move(task), SessionFailure::requestTooLarge);
+  if (task.deadline <= context_.now) return fail(std::move(task), SessionFailure::timedOut);
   task.host = hostKey(parts);
   if (isConnectionFree(task.host)) {
     admit(std::move(task));
@@ -142,8 +138,6 @@ void TransferEngine::giveUpOverdue() {
   for (const auto& transfer : running_)
     if (transfer->end() <= context_.now) overdue.push_back(transfer.get());
   for (Transfer* transfer : overdue) settle(*transfer, CURLE_OPERATION_TIMEDOUT);
-  for (; !waiting_.empty() && waiting_.front().deadline <= context_.now; waiting_.pop_front())
-    fail(std::move(waiting_.front()), SessionFailure::timedOut);
 }
 
 /// Takes the transfer back from curl, and gives its connection to the next task.

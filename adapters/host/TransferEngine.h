@@ -36,15 +36,11 @@ class TransferEngine {
 
   /// Returns when there may be something to do. Call it only while isIdle() is false.
   void wait();
-  /// Makes the present wait() return, or the next one. From any thread, once the engine is about to wait.
+  /// Makes the present wait() return, or the next one. From any thread while isIdle() is false.
   void wake() noexcept { curl_multi_wakeup(multi_.get()); }
 
   /// Returns true if there are no tasks.
   bool isIdle() const noexcept { return running_.empty() && waiting_.empty(); }
-
-  /// Releases all that is curl's, when there are no tasks any more. Separate from the destructor, which may
-  /// run on a thread that must not block.
-  void close();
 
  private:
   struct MultiDeleter {

@@ -34,14 +34,14 @@ struct HostSessionConfiguration {
   /// Limits the time of a task from its start, waiting for a connection and redirects included. A task beyond
   /// the limit fails with -1001. Default: 7 days. Lower it if the reply is of use for a short time only.
   std::chrono::milliseconds totalTimeout = std::chrono::hours(7 * 24);
-  /// Limits how long the peer may leave what was sent to it without an acknowledgement. A connection beyond
-  /// the limit ends, and its transfer fails with -1005, or with -1001 if it was being made. Default: 15 s, so
-  /// that a dead network is reported before `idleTimeout`. Has no effect where the system lacks
-  /// TCP_USER_TIMEOUT: Linux has it.
+  /// Limits how long data may stay unacknowledged, or unsent because the peer does not read. The connection
+  /// then ends, and its transfer fails with -1005; with -1001 while it connects, with -1200 in a TLS
+  /// handshake. Default: 15 s, so that a dead network is reported before `idleTimeout`. Has no effect where
+  /// the system lacks TCP_USER_TIMEOUT: Linux has it.
   std::chrono::milliseconds acknowledgementTimeout = std::chrono::seconds(15);
   /// Limits how long a connection may have been idle if a request is to use it. After that a new one is made.
-  /// Default: 4 s, since many servers close an idle connection after 5 s, and a network that has forgotten it
-  /// does not say so: the request would wait for `idleTimeout`. Counts whole seconds. Below 2 s, no
+  /// Default: 4 s, since many servers close an idle connection after 5 s, and a router on the way may forget
+  /// it without a word: the request would then wait for `idleTimeout`. Counts whole seconds. Below 2 s, no
   /// connection is used again.
   std::chrono::milliseconds keepAlive = std::chrono::seconds(4);
   /// Limits the body of a reply in bytes, before and after decompression. A larger one fails with -1103.
@@ -54,7 +54,7 @@ struct HostSessionConfiguration {
   /// Limits the connections to all hosts together, including those that are kept alive. Further tasks wait.
   /// Default: 64. Raise it to use many hosts at once; each connection takes a descriptor.
   std::size_t maximumConnections = 64;
-  /// The URL of a proxy for all requests. Default: empty, which means none. The environment is not read.
+  /// The URL of a proxy for all requests. Default: empty, which means none.
   std::string proxy = {};
   /// Where to send requests instead. The first that fits a request is used, also after a redirect. Default:
   /// none. Set it for a test service or a tunnel.
@@ -70,21 +70,24 @@ class SessionThread;
 ///
 /// **One thread** starts with the first task, and ends after the last one once the session is destroyed. It
 /// transfers, and calls the handlers between its looks at the transfers, one at a time, in the order in which
-/// the tasks finished. A slow handler delays all other tasks of the session, and loses no reply: what arrived
-/// meanwhile is read before any time-out is judged. Only a connection that was being made can time out.
+/// the tasks finished. A slow handler delays all other tasks of the session. What arrived meanwhile is read
+/// before the idle time-out is judged, so no reply is lost. A connection that was being made, and a task
+/// beyond `totalTimeout`, can time out.
 ///
-/// **Cookies** and kept-alive connections live as long as the session. Nothing is stored. All cookies are
-/// dropped when a transfer leaves more than 300 of them, or more than 256 KiB. The Cookie field of a request
-/// and the session's cookies are sent in one line. libcurl limits that line to 8 KiB: it leaves out the
-/// request's own field if the session's cookies for the host fill the line.
+/// **Cookies** live as long as the session. Nothing is stored. All cookies are dropped when a transfer leaves
+/// more than 300 of them, or more than 256 KiB. The Cookie field of a request and the session's cookies are
+/// sent in one line. libcurl limits that line to 8 KiB: it leaves out the request's own field if the
+/// session's cookies for the host fill the line.
 ///
 /// **Limits.** The URL and the header fields of a request take at most 256 KiB. A compressed body ends where
 /// its stream ends. A stream that is cut short is not an error. Host names beyond ASCII need a UTF-8 locale.
-/// If the system has no descriptor to give, tasks fail with -1004. If it has no memory to give, the process
-/// stops.
+/// If the system has no descriptor to give, tasks fail with -1004, or with -1003 while a name is looked up.
+/// If it has no memory to give, the constructor and startDataTask throw std::bad_alloc, and the session's
+/// thread stops the process. A proxy that answers CONNECT with a refusal that never ends delays all tasks for
+/// up to `idleTimeout`.
 ///
-/// **The environment** is not read, with one exception: if SSLKEYLOGFILE is set, libcurl appends the keys of
-/// its TLS connections to the file of that name.
+/// **The environment.** Proxies in it are ignored. libcurl appends the keys of its TLS connections to the
+/// file named by SSLKEYLOGFILE, and OpenSSL reads its own variables, such as OPENSSL_CONF.
 ///
 /// **The end of the process** waits for threads inside libcurl, and for session threads that are ending, for
 /// at most three seconds, and up to half a second for a running handler. No handler begins after that.
@@ -116,7 +119,8 @@ class ORVANE_API HostSession final : public URLSession {
 
   /// Waits until no task is left: each has called its handler, which has returned, or was cancelled. Returns
   /// true then, or false after `limit`. A program that is about to end calls it, so that its last requests
-  /// are sent. Must not be called by a handler of the session, whose task is left until the handler returns.
+  /// are sent. The session must outlive the call. Must not be called by a handler of the session, whose task
+  /// is left until the handler returns.
   bool waitUntilIdle(std::chrono::milliseconds limit);
 
  private:
