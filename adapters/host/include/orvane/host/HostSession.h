@@ -41,8 +41,8 @@ struct HostSessionConfiguration {
   std::chrono::milliseconds acknowledgementTimeout = std::chrono::seconds(15);
   /// Limits how long a connection may have been idle if a request is to use it. After that a new one is made.
   /// Default: 4 s, since many servers close an idle connection after 5 s, and a router on the way may forget
-  /// it without a word: the request would then wait for `idleTimeout`. Counts whole seconds. Below 2 s, no
-  /// connection is used again.
+  /// it without a word: the request would then wait for `idleTimeout`. Counts whole seconds from the reading
+  /// of the last reply. Below 2 s, no connection is used again.
   std::chrono::milliseconds keepAlive = std::chrono::seconds(4);
   /// Limits the body of a reply in bytes, before and after decompression. A larger one fails with -1103.
   /// Default: 64 MiB. Lower it if memory is scarce. Limits that cannot be set: 20 redirects, and for a header
