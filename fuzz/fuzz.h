@@ -19,7 +19,8 @@ struct Stop {
   std::string what;
 };
 
-/// Returns the value that nlohmann::json reads under the rules that ours adds, or a discarded one.
+/// Returns the value that nlohmann::json reads under the rules that ours adds, or a discarded one. Does not
+/// count values, so `text` must be too short for too many.
 nlohmann::json readByOther(std::string_view text);
 
 }  // namespace orvane

@@ -12,6 +12,7 @@ namespace orvane {
 namespace {
 
 constexpr std::size_t maximumDepth = 512;
+constexpr std::size_t maximumValues = 1'000'000;
 
 class Reader {
  public:
@@ -46,6 +47,7 @@ class Reader {
   // container while one inside it is open.
   std::array<Value*, maximumDepth> open_;
   std::size_t depth_ = 0;
+  std::size_t values_ = 1;  // The values read so far, with the one at top level. Not those kept as bytes.
   std::list<Value> duplicates_;  // The values of repeated keys, which are read and then dropped.
 };
 
@@ -100,20 +102,25 @@ bool Reader::contents() {
 }
 
 bool Reader::element(Array& array) {
-  if (Bytes* bytes = array.bytes()) {
+  Bytes* const bytes = array.bytes();
+  if (bytes) {
     readByteRun(text_, at_, *bytes);
     skipSpace();
   }
   Value value;
-  if (!isContainer()) {
-    if (!scalar(value)) return false;
-    array.push_back(std::move(value));
-    return true;
-  }
-  return open(array.pushContainer(emptyContainer()));
+  const bool isScalar = !isContainer();
+  if (isScalar && !scalar(value)) return false;
+  const std::int64_t* const integer = value.integer();
+  // An element that is not a byte value turns those before it from bytes into values.
+  if (!bytes || !integer || !std::in_range<std::uint8_t>(*integer)) values_ += bytes ? bytes->size() + 1 : 1;
+  if (values_ > maximumValues) return false;
+  if (!isScalar) return open(array.pushContainer(emptyContainer()));
+  array.push_back(std::move(value));
+  return true;
 }
 
 bool Reader::member(Map& map) {
+  if (++values_ > maximumValues) return false;
   std::string key;
   if (!string(key)) return false;
   skipSpace();

@@ -84,6 +84,13 @@ std::string headerLines(int count) {
   return lines;
 }
 
+std::string arrayOfArrays(int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text += ",[]";
+  text.front() = '[';
+  return text + "]";
+}
+
 constexpr int statusCount = 398;
 
 Answer goodWithStatus(int request) {
@@ -175,6 +182,7 @@ std::vector<Fault> makeFaults() {
       {"An empty body", always(reply(""))},
       {"A page of HTML", always(reply("<html>", "", "502 Bad Gateway"))},
       {"JSON nested too deep", always(reply(std::string(200'000, '[') + std::string(200'000, ']')))},
+      {"JSON of more than a million values", compressed(gzip(arrayOfArrays(1'000'000)))},
       {"A refusal: \"code\" is 7, \"msg\" is \"Busy\"", always(reply(refusal))},
       {"A refusal without \"msg\"", always(reply(R"({"code":7})"))},
       {"An array", always(reply("[" + good + "]"))},

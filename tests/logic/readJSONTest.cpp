@@ -81,6 +81,24 @@ TEST(ReadJSON, NestsTo512AndNoDeeper) {
   EXPECT_EQ(reread(std::string(200'000, '[')), "error");
 }
 
+TEST(ReadJSON, ReadsAMillionValuesAndNoMore) {
+  std::string zeros;
+  for (int i = 0; i < 1'500'000; ++i) zeros += "0,";
+  EXPECT_EQ(readJSON("[" + zeros + "0]")->array()->bytes()->size(), 1'500'001U);
+  EXPECT_FALSE(readJSON("[" + zeros + "[]]"));
+  // The last elements of the outer array, each with the number of its values.
+  const std::pair<std::string, std::size_t> elements[] = {
+      {"0", 1},       {R"("")", 1},   {"{}", 1},        {"[[[]]]", 3},
+      {"[0,255]", 1}, {"[0,256]", 3}, {"[0,1,[2]]", 4}, {R"({"":0,"":{"":1}})", 4}};
+  for (const auto& [element, values] : elements) {
+    for (const std::size_t total : {1'000'000U, 1'000'001U}) {
+      // Two arrays, byte values that count because of the -1 after them, and the element.
+      const std::string text = "[[" + zeros.substr(0, 2 * (total - 3 - values)) + "-1]," + element + "]";
+      EXPECT_EQ(readJSON(text).has_value(), total == 1'000'000) << element << total;
+    }
+  }
+}
+
 TEST(ReadJSON, KeepsIntegerRealAndBooleanApart) {
   const Value value = *readJSON("[1,1.0,true,300,18446744073709551616]");
   const Array& array = *value.array();
