@@ -19,15 +19,6 @@ NSURLRequest* platformRequest(const URLRequest& request) {
   return made;
 }
 
-/// In bytes. The default limit of a host session, too.
-constexpr NSUInteger maximumBodySize = 64U << 20;
-
-NSError* tooLarge() {
-  constexpr NSInteger dataLengthExceedsMaximum = -1103;
-  NSDictionary* const words = @{NSLocalizedDescriptionKey : @"The server's reply is too large."};
-  return [NSError errorWithDomain:@"NSURLErrorDomain" code:dataLengthExceedsMaximum userInfo:words];
-}
-
 /// Refers to the bytes of `data` in place. Only mutable data is copied: `copy` returns immutable data itself.
 Body lentBody(NSData* data) {
   NSData* const kept = [[data copy] autorelease];
@@ -36,7 +27,6 @@ Body lentBody(NSData* data) {
 
 /// An error may come with a response and with the part of the body that arrived before it.
 DataTaskResult resultOf(NSData* body, NSURLResponse* response, NSError* error) {
-  if (!error && [body length] > maximumBodySize) error = tooLarge();
   if (error) return {std::nullopt, std::nullopt, makeError(error)};
   DataTaskResult result;
   // NSURLSession may report an empty body as nil.

@@ -10,9 +10,8 @@ namespace orvane {
 /// which must be serial and not the main queue, as it is unless the application gives the session another.
 /// The NSURLSession remains the application's: it is not invalidated here.
 ///
-/// Reads a body where NSURLSession left it, without a copy: the body keeps the NSData, and releases it on any
-/// thread. Reports a body of more than 64 MiB as NSURLErrorDomain -1103. NSURLSession has received all of it
-/// by then.
+/// Reads a body of any size where NSURLSession left it, without a copy: the body keeps the NSData, and
+/// releases it on any thread.
 ///
 /// In a file that also imports Orvane.h, `using namespace orvane` makes OrvaneManager and OVDeviceInfoTool
 /// ambiguous, because both languages have classes of these names. Write `orvane::` there.
