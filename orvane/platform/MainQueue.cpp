@@ -30,7 +30,18 @@ bool MainQueue::run(std::chrono::milliseconds limit) {
   return runUntil(&end);
 }
 
-/// Runs tasks, each without holding the lock. Returns true if stop() ended it, false at the limit.
+/// Runs the first task without holding the lock. If the task throws, only that task is gone.
+void MainQueue::runFirst(std::unique_lock<std::mutex>& lock) {
+  {
+    const Task task = std::move(tasks_.front());
+    tasks_.pop_front();
+    lock.unlock();
+    task();
+  }
+  lock.lock();
+}
+
+/// Runs tasks. Returns true if stop() ended it, false at the limit.
 bool MainQueue::runUntil(const std::chrono::steady_clock::time_point* limit) {
   const auto isDue = [this] { return stopped_ || !tasks_.empty(); };
   std::unique_lock lock(mutex_);
@@ -41,25 +52,17 @@ bool MainQueue::runUntil(const std::chrono::steady_clock::time_point* limit) {
       return false;
     }
     if (std::exchange(stopped_, false)) return true;
-    {
-      const Task task = std::move(tasks_.front());
-      tasks_.pop_front();
-      lock.unlock();
-      task();
-    }
-    lock.lock();
+    runFirst(lock);
   } while (!limit || std::chrono::steady_clock::now() < *limit);
   return std::exchange(stopped_, false);
 }
 
 std::size_t MainQueue::runPending() {
-  std::deque<Task> pending;
-  {
-    const std::lock_guard lock(mutex_);
-    pending.swap(tasks_);
-  }
-  for (Task& task : pending) std::exchange(task, nullptr)();
-  return pending.size();
+  std::unique_lock lock(mutex_);
+  const std::size_t pending = tasks_.size();
+  std::size_t ran = 0;
+  for (; ran < pending && !tasks_.empty(); ++ran) runFirst(lock);  // A task may have run others.
+  return ran;
 }
 
 void MainQueue::stop() {

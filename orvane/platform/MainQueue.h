@@ -13,7 +13,8 @@ namespace orvane {
 
 /// A main queue for a program without an event loop: tasks wait until the program runs them. Serial, first
 /// in, first out. Only one thread at a time may be inside run() or runPending(). The other operations may be
-/// used from any thread, and from tasks.
+/// used from any thread, and from tasks. An exception that leaves a task also leaves run() or runPending().
+/// The tasks after it wait for the next run.
 class ORVANE_API MainQueue final : public DispatchQueue {
  public:
   void async(Task task) override;
@@ -32,6 +33,7 @@ class ORVANE_API MainQueue final : public DispatchQueue {
   void stop();
 
  private:
+  void runFirst(std::unique_lock<std::mutex>& lock);
   bool runUntil(const std::chrono::steady_clock::time_point* limit);
 
   std::mutex mutex_;

@@ -2,6 +2,8 @@
 #include <functional>
 #include <future>
 #include <gtest/gtest.h>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "orvane/platform/MainQueue.h"
@@ -33,6 +35,28 @@ TEST(MainQueue, RunsInOrderUntilStopped) {
   const auto other = std::async(std::launch::async, [&] { queue.async([&] { queue.stop(); }); });
   EXPECT_TRUE(queue.run(std::chrono::hours(1)));
   EXPECT_EQ(ran, (std::vector<int>{1, 2, 3, 4}));
+}
+
+TEST(MainQueue, KeepsTheTasksAfterOneThatThrows) {
+  for (const bool isPending : {true, false}) {
+    MainQueue queue;
+    std::string ran;
+    const auto run = [&] { isPending ? void(queue.runPending()) : queue.run(); };
+    queue.async([&] { ran += "1"; });
+    queue.async([] { throw std::runtime_error("a task"); });
+    queue.async([&] { ran += "2"; });
+    queue.async([&] {
+      ran += "3";
+      queue.runPending();
+      queue.stop();
+    });
+    queue.async([&] { ran += "4"; });
+    EXPECT_THROW(run(), std::runtime_error);
+    queue.async([&] { ran += "5"; });
+    EXPECT_EQ(ran, "1");
+    run();
+    EXPECT_EQ(ran, "12345");
+  }
 }
 
 TEST(PostingQueue, HandsTasksToTheLoop) {
