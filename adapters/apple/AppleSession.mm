@@ -52,7 +52,7 @@ void AppleSession::startDataTask(URLRequest request, DataTaskHandler handler) {
   @autoreleasepool {
     [[session() dataTaskWithRequest:platformRequest(request)
                   completionHandler:^(NSData* body, NSURLResponse* response, NSError* error) {
-                    (*kept)(resultOf(body, response, error));
+                    if (*kept) (*kept)(resultOf(body, response, error));
                   }] resume];
   }
 }

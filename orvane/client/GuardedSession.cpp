@@ -39,7 +39,7 @@ void GuardedSession::startDataTask(URLRequest request, DataTaskHandler handler) 
       DecodedReply decoded = decodeReply(reply);
       const JudgedReply judged = judge(std::move(decoded.result), std::move(decoded.error));
       if (!judged.flaw.empty()) reply = {.body = refusal, .response = HTTPResponse{200}, .error = nullptr};
-      handler(std::move(reply));
+      if (handler) handler(std::move(reply));
     };
   }
   session_->startDataTask(std::move(request), std::move(handler));

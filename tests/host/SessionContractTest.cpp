@@ -23,6 +23,7 @@ TEST_F(SessionContract, HandlersComeOnceInTheBackgroundOneAtATime) {
   std::atomic<int> calls = 0;
   std::atomic<bool> busy = false;
   std::promise<void> all;
+  session->startDataTask(good, nullptr);
   const auto caller = std::make_shared<const std::thread::id>(std::this_thread::get_id());
   for (int i = 0; i < count; ++i) {
     session->startDataTask(good, [&, caller](const DataTaskResult& result) {

@@ -15,6 +15,8 @@ TEST(GuardedSession, PutsARefusalInThePlaceOfAFailedLogin) {
                         [&](const auto& result) { response = result.response; });
   session->answer(failed({}));
   EXPECT_EQ(response.value().statusCode, 200);
+  guarded.startDataTask(session->requests.front(), nullptr);
+  session->answer(failed({}));
   guarded.cancelAllOperations();
   EXPECT_EQ(session->cancellations, 1);
 }

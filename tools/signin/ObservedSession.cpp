@@ -41,7 +41,7 @@ void ObservedSession::startDataTask(orvane::URLRequest request, orvane::DataTask
       const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
       Terminal::writeError(timeText() + " " + trace->replyLine(url, result, took));
     }
-    handler(std::move(result));
+    if (handler) handler(std::move(result));
   };
   inner_.startDataTask(std::move(request), std::move(observed));
 }
