@@ -10,6 +10,7 @@
 ///
 /// Not part of orvane/orvane.h. The library itself uses no coroutines.
 
+#include <atomic>
 #include <coroutine>
 #include <exception>
 #include <functional>
@@ -56,8 +57,9 @@ struct Outcome<void> {
 ///
 /// It runs on the caller's thread up to its first `co_await`. While a call is in progress, the library keeps
 /// the coroutine as it keeps a `finished`; where it would release `finished` without calling it, it destroys
-/// the coroutine. An exception that leaves the coroutine ends the process by std::terminate. Pass what the
-/// coroutine needs as parameters, by value: the captures of a lambda are destroyed with the lambda.
+/// the coroutine, on the main queue. An exception that leaves the coroutine ends the process by
+/// std::terminate. Pass what the coroutine needs as parameters, by value: the captures of a lambda are
+/// destroyed with the lambda.
 struct Detached {
   /// What the language asks of a coroutine's type.
   struct promise_type {
@@ -73,6 +75,7 @@ struct Detached {
 };
 
 /// A call that starts when it is awaited. It always resumes the coroutine on the main queue, with an Outcome.
+/// If the session throws, `co_await` throws its exception at once, on the thread that awaits the call.
 ///
 /// Any coroutine that accepts foreign awaitables can await it, once. A coroutine of another type than
 /// Detached belongs to its owner, which may destroy it on the main queue while the call is in progress. If
@@ -90,7 +93,7 @@ class [[nodiscard]] AwaitableCall {
   AwaitableCall& operator=(AwaitableCall&&) = delete;
   ///@}
   ~AwaitableCall() {
-    if (pending_) pending_->coroutine = nullptr;
+    if (pending_) pending_->takeCoroutine();
   }
 
   /// The members that the compiler uses.
@@ -99,17 +102,28 @@ class [[nodiscard]] AwaitableCall {
 
   template <class Promise>
   void await_suspend(std::coroutine_handle<Promise> coroutine) {
-    pending_ = std::make_shared<Pending>(Pending{coroutine, {}});
-    constexpr bool isDetached = std::is_same_v<Promise, Detached::promise_type>;
-    auto resume = [pending = pending_,
-                   owner = Owner(isDetached ? coroutine.address() : nullptr)](auto... results) mutable {
-      pending->outcome = {std::move(results)...};
-      static_cast<void>(owner.release());
-      if (const auto suspended = std::exchange(pending->coroutine, nullptr)) suspended.resume();
-    };
     // The coroutine, and this object in it, may be gone before the call to start() returns.
     const Start start = std::move(start_);
-    start(onMainQueue(std::move(resume)));
+    const auto pending = pending_ = std::make_shared<Pending>();
+    // Destroys a Detached coroutine that was not taken when neither this function nor the callback holds it
+    // any more. This function holds it because a session that throws releases the callback first.
+    std::shared_ptr<void> owner;
+    if constexpr (std::is_same_v<Promise, Detached::promise_type>)
+      owner.reset(pending.get(), [pending](void*) { destroyOnMainQueue(pending->takeCoroutine()); });
+    auto resume = onMainQueue([pending, owner](auto... results) {
+      const auto suspended = pending->takeCoroutine();
+      if (!suspended) return;
+      pending->outcome = {std::move(results)...};
+      suspended.resume();
+    });
+    pending->coroutine = coroutine.address();
+    try {
+      start(std::move(resume));
+    } catch (...) {
+      // The coroutine gets the exception. It cannot if it has gone on, because the session called back, too.
+      if (!pending->takeCoroutine()) std::terminate();
+      throw;
+    }
   }
 
   Outcome<T> await_resume() noexcept { return std::move(pending_->outcome); }
@@ -117,13 +131,19 @@ class [[nodiscard]] AwaitableCall {
 
  private:
   struct Pending {
-    std::coroutine_handle<> coroutine;  // Null once it was resumed or destroyed.
-    Outcome<T> outcome;
+    /// Returns the coroutine to the first caller, and null to any other.
+    std::coroutine_handle<> takeCoroutine() {
+      void* const taken = coroutine.exchange(nullptr);
+      return taken ? std::coroutine_handle<>::from_address(taken) : std::coroutine_handle<>();
+    }
+
+    std::atomic<void*> coroutine = nullptr;
+    Outcome<T> outcome = {};
   };
-  struct Destroy {
-    void operator()(void* coroutine) const { std::coroutine_handle<>::from_address(coroutine).destroy(); }
-  };
-  using Owner = std::unique_ptr<void, Destroy>;
+
+  static void destroyOnMainQueue(std::coroutine_handle<> coroutine) {
+    if (coroutine) platform().mainQueue->async([coroutine] { coroutine.destroy(); });
+  }
 
   Start start_;
   std::shared_ptr<Pending> pending_;

@@ -57,6 +57,16 @@ Coroutine sendCode(OrvaneManager* manager, Record& record, [[maybe_unused]] std:
   record.say(std::string(), sent.error);
 }
 
+template <class Coroutine>
+Coroutine trySendingCode(OrvaneManager* manager, Record& record,
+                         [[maybe_unused]] std::shared_ptr<int> alive) {
+  try {
+    co_await requestCode(*manager, "1", "2");
+  } catch (const std::runtime_error& error) {
+    record.said += error.what();
+  }
+}
+
 class AwaitTest : public OnFakes {};
 using AwaitDeathTest = AwaitTest;
 
@@ -90,17 +100,20 @@ TEST_F(AwaitTest, GoesOnLaterWhereTheCallFailsAtOnce) {
   EXPECT_TRUE(record.hasEnded());
 }
 
-TEST_F(AwaitTest, DestroysADetachedCoroutineWhoseCallIsDropped) {
+TEST_F(AwaitTest, DestroysADetachedCoroutineWhoseCallIsDroppedOnTheMainQueue) {
   Record record;
   OrvaneManager::CodeFinished kept;
   TestManager keeping([&](auto finished) { kept = std::move(finished); });
   sendCode<Detached>(&keeping, record, record.alive);
   EXPECT_FALSE(record.hasEnded());
-  kept = nullptr;
+  std::thread([&] { kept = nullptr; }).join();
+  EXPECT_FALSE(record.hasEnded());
+  fakeMainQueue().runPending();
   EXPECT_TRUE(record.hasEnded());
 
   TestManager dropping([](const auto&) {});  // While the coroutine is being suspended.
   sendCode<Detached>(&dropping, record, record.alive);
+  fakeMainQueue().runPending();
   EXPECT_TRUE(record.hasEnded());
   EXPECT_EQ(record.said, "");
 }
@@ -121,6 +134,40 @@ TEST_F(AwaitTest, LeavesAForeignCoroutineToItsOwner) {
   EXPECT_EQ(finishAfter([](Owned& coroutine) { std::exchange(coroutine.handle, nullptr).destroy(); }), "");
   EXPECT_EQ(finishAfter([&](Owned&) { kept = nullptr; }), "");
   EXPECT_TRUE(record.hasEnded());
+}
+
+using CodeFinished = OrvaneManager::CodeFinished;
+
+/// What a session may have done with a handler before it throws.
+void drop(CodeFinished, CodeFinished&) {}
+void keep(CodeFinished finished, CodeFinished& kept) {
+  kept = std::move(finished);
+}
+void call(CodeFinished finished, CodeFinished&) {
+  finished(nullptr);
+}
+
+TEST_F(AwaitDeathTest, AnExceptionOfTheSessionReachesTheCoroutine) {
+  for (const auto act : {drop, keep, call}) {
+    Record record;
+    CodeFinished kept;
+    TestManager throwing([&](auto finished) {
+      act(std::move(finished), kept);
+      throw std::runtime_error("no thread to be had");
+    });
+    EXPECT_DEATH(sendCode<Detached>(&throwing, record, record.alive), "no thread to be had");
+
+    trySendingCode<Detached>(&throwing, record, record.alive);
+    EXPECT_EQ(std::exchange(record.said, ""), "no thread to be had");
+    EXPECT_TRUE(record.hasEnded());
+    const Owned owned = trySendingCode<Owned>(&throwing, record, record.alive);
+    EXPECT_EQ(record.said, "no thread to be had");
+    if (kept) kept(nullptr);
+    kept = nullptr;
+    fakeMainQueue().runPending();  // Finds nothing to resume or destroy.
+    owned.handle.destroy();
+    EXPECT_TRUE(record.hasEnded());
+  }
 }
 
 Detached failing() {
