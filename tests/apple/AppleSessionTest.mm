@@ -33,7 +33,7 @@ DataTaskResult resultOf(NSData* data) {
 
 TEST(AppleSession, ReadsABodyOfAnySizeInPlace) {
   @autoreleasepool {
-    for (const NSUInteger size : {NSUInteger{1}, NSUInteger{1} << 30}) {
+    for (const NSUInteger size : {1U, (64U << 20) + 1}) {
       SCOPED_TRACE(size);
       // Takes no memory, because its pages are not touched.
       NSData* const data = [[NSData alloc] initWithBytesNoCopy:calloc(size, 1) length:size freeWhenDone:YES];
