@@ -15,7 +15,7 @@ function(orvane_compile_options target)
   target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
   target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections
     -Wall -Wextra -Wpedantic -Wconversion
-    $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wthread-safety> $<$<BOOL:${ORVANE_WERROR}>:-Werror>)
+    $<$<BOOL:${ORVANE_WERROR}>:-Werror>)
   set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
 

@@ -11,7 +11,6 @@ namespace orvane {
 class CurlSlist {
  public:
   curl_slist* get() const noexcept { return list_.get(); }
-  void clear() noexcept { list_.reset(); }
   void append(const std::string& line) {
     curl_slist* longer = curl_slist_append(list_.get(), line.c_str());
     if (!longer) throw std::bad_alloc();

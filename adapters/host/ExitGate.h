@@ -14,7 +14,6 @@ class ExitGate {
    public:
     explicit Pass(ExitGate& gate) : gate_(gate) { gate_.enter(); }
     Pass(const Pass&) = delete;
-    Pass& operator=(const Pass&) = delete;
     ~Pass() { gate_.leave(); }
 
    private:

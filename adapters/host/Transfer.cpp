@@ -20,8 +20,6 @@
 namespace orvane {
 namespace {
 
-constexpr const char* userAgent = "Orvane/" ORVANE_VERSION;
-
 /// Limits on all header lines of an exchange: interim replies, the reply, trailers. Below the limits that
 /// some versions of curl have.
 constexpr std::size_t maximumHeaderSize = 256U << 10;  // In bytes.
@@ -67,7 +65,7 @@ Transfer::Transfer(TransferContext& context) : context_(context), handle_(curl_e
   set(CURLOPT_PROTOCOLS_STR, "http,https");
   set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
   set(CURLOPT_PATH_AS_IS, 1L);
-  set(CURLOPT_USERAGENT, userAgent);
+  set(CURLOPT_USERAGENT, "Orvane/" ORVANE_VERSION);
   set(CURLOPT_ACCEPT_ENCODING, "");
   set(CURLOPT_COOKIEFILE, "");
   set(CURLOPT_SHARE, context.cookies.share());
@@ -155,7 +153,7 @@ void Transfer::setMethodAndBody() {
 void Transfer::setHeaders() {
   const URLRequest& request = task_.request;
   const bool hasBody = request.body() && !request.body()->empty();
-  headers_.clear();
+  headers_ = {};
   headers_.append("Expect:");  // No pause before a large body.
   if (!hasBody && !request.value("Content-Type")) headers_.append("Content-Type:");
   const char* cookie = nullptr;  // Separate, so that curl puts it into one line with the jar's.
@@ -203,12 +201,9 @@ std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {
   if (size > context_.configuration.maximumBodySize - exchange_.body.size())
     return refuse(SessionFailure::dataTooLarge);
   if (exchange_.body.empty()) {
-    // The server's announcement is only a hint.
-    constexpr curl_off_t greatestReservation = 1 << 20;
-    curl_off_t announced = 0;
+    curl_off_t announced = 0;  // Only a hint, so little is reserved for it.
     curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
-    exchange_.body.reserve(
-        static_cast<std::size_t>(std::clamp<curl_off_t>(announced, 0, greatestReservation)));
+    exchange_.body.reserve(static_cast<std::size_t>(std::clamp<curl_off_t>(announced, 0, 1 << 20)));
   }
   const auto* const first = reinterpret_cast<const std::uint8_t*>(bytes);
   exchange_.body.insert(exchange_.body.end(), first, first + size);

@@ -43,7 +43,6 @@ class Transfer {
   /// `context` outlives the transfer.
   explicit Transfer(TransferContext& context);
   Transfer(const Transfer&) = delete;
-  Transfer& operator=(const Transfer&) = delete;
 
   CURL* handle() const noexcept { return handle_.get(); }
   const std::string& host() const noexcept { return task_.host; }

@@ -63,7 +63,13 @@ std::list<HandlerCall> TransferEngine::advance(std::vector<DataTask>&& arrived) 
     curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
     settle(*transfer, result);
   }
-  giveUpOverdue();
+  for (std::size_t at = 0; at < running_.size();) {
+    if (running_[at]->end() > context_.now) {
+      ++at;
+    } else {
+      settle(*running_[at], CURLE_OPERATION_TIMEDOUT);  // Removes it.
+    }
+  }
   return std::exchange(due_, {});
 }
 
@@ -131,13 +137,6 @@ bool TransferEngine::open() {
     curl_multi_setopt(multi_.get(), option, static_cast<long>(most));
   curl_multi_setopt(multi_.get(), quickExit, 1L);
   return true;
-}
-
-void TransferEngine::giveUpOverdue() {
-  std::vector<Transfer*> overdue;
-  for (const auto& transfer : running_)
-    if (transfer->end() <= context_.now) overdue.push_back(transfer.get());
-  for (Transfer* transfer : overdue) settle(*transfer, CURLE_OPERATION_TIMEDOUT);
 }
 
 /// Takes the transfer back from curl, and gives its connection to the next task.

@@ -29,7 +29,6 @@ class TransferEngine {
  public:
   explicit TransferEngine(HostSessionConfiguration configuration);
   TransferEngine(const TransferEngine&) = delete;
-  TransferEngine& operator=(const TransferEngine&) = delete;
 
   /// Takes tasks, and does what can be done now. Returns the calls of the tasks that have finished.
   std::list<HandlerCall> advance(std::vector<DataTask>&& arrived);
@@ -51,7 +50,6 @@ class TransferEngine {
   bool isConnectionFree(const std::string& host) const;
   bool admit(DataTask&& task);
   bool open();
-  void giveUpOverdue();
   void settle(Transfer& transfer, CURLcode result);
   void admitNext();
   void follow(DataTask&& task, int statusCode, const std::string& location);

@@ -52,9 +52,7 @@ class Reader {
 };
 
 bool Reader::accept(char c) noexcept {
-  if (at_ == text_.size() || text_[at_] != c) return false;
-  ++at_;
-  return true;
+  return accept(std::string_view(&c, 1));
 }
 
 bool Reader::accept(std::string_view word) noexcept {
