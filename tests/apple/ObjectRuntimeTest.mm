@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #import <objc/runtime.h>
 
-#include "adapters/apple/AppleTextRules.h"
 #import "adapters/apple/platformText.h"
 #import "orvane/apple/platformError.h"
 #include "orvane/orvane.h"
@@ -107,12 +106,6 @@ TEST(PlatformError, KeepsItsIdentityAndItsWords) {
     NSError* const given = orvane::platformError(std::exchange(carried, nullptr));
     EXPECT_EQ(given, identity);
     EXPECT_EQ([given code], -7);
-
-    NSError* const made = orvane::platformError(std::make_shared<const orvane::Error>(
-        orvane::Error{"", std::numeric_limits<int>::min(), {{"error", "建"}, {"n", 1}}}));
-    EXPECT_TRUE([[made domain] isEqual:@""]);
-    EXPECT_EQ([made code], std::numeric_limits<int>::min());
-    EXPECT_TRUE([[made userInfo] isEqual:@{@"error" : @"建"}]);
     EXPECT_EQ(orvane::makeError(nil), nullptr);
     EXPECT_EQ(orvane::platformError(nullptr), nil);
   }
@@ -138,17 +131,6 @@ TEST(OVDeviceInfoTool, ReadsTheDevice) {
   standins::facts().hasCarrier = false;
   EXPECT_EQ(utf8([tool getcarrierName]), "nil");
   standins::facts() = before;
-}
-
-TEST(AppleTextRules, AskThePlatform) {
-  const orvane::AppleTextRules rules;
-  for (const char* url : {"", "http://h:80/p?q#f", "/p", "http://[::1]/", "http://h/%20"})
-    EXPECT_TRUE(rules.isURL(url)) << url;
-  for (const char* other : {"http://h:8x/", "\xFF"}) EXPECT_FALSE(rules.isURL(other)) << other;
-  for (const char32_t c : {U'a', U'é', U'中', U'\u0301', U'٣', U'\U00010400'})
-    EXPECT_TRUE(rules.isAlphanumeric(c)) << static_cast<unsigned>(c);
-  for (const char32_t c : {U' ', U'€', U'😀', U'\0', U'\U0010FFFF'})
-    EXPECT_FALSE(rules.isAlphanumeric(c)) << static_cast<unsigned>(c);
 }
 
 }  // namespace

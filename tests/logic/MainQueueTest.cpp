@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "orvane/platform/MainQueue.h"
-#include "orvane/platform/PostingQueue.h"
 
 namespace orvane::test {
 namespace {
@@ -57,16 +56,6 @@ TEST(MainQueue, KeepsTheTasksAfterOneThatThrows) {
     run();
     EXPECT_EQ(ran, "12345");
   }
-}
-
-TEST(PostingQueue, HandsTasksToTheLoop) {
-  std::vector<Task> posted;
-  PostingQueue queue([&](Task task) { posted.push_back(std::move(task)); });
-  int ran = 0;
-  queue.async([&] { ++ran; });
-  EXPECT_EQ(ran, 0);
-  posted.at(0)();
-  EXPECT_EQ(ran, 1);
 }
 
 TEST(DispatchQueue, AGroupNotifiesAfterItsTask) {

@@ -40,7 +40,9 @@ TEST_F(OVDeviceInfoToolTest, MachineIdentifiersNameModels) {
        {"", "iPad6,7", "iPad6,3", "iPhone8,4", "iPhone9,1", "iPod6,1", "iPhone3,4", "iPad5,5", "iphone8,1",
         "iPhone8,1 ", "iPhone8", "iPhone8,12", "X86_64", "aarch64"}) {
     EXPECT_EQ(deviceNameForMachine(other), DeviceName::Unknown) << other;
+    EXPECT_EQ(fromRawValue<DeviceName>(other), std::nullopt) << other;
   }
+  EXPECT_EQ(hashValue(DeviceName::Unknown), std::size(rows) - 1);
 }
 
 TEST_F(OVDeviceInfoToolTest, ReadsTheMachineFieldUpToItsPadding) {

@@ -5,18 +5,6 @@
 namespace orvane::test {
 namespace {
 
-TEST(DecodeUTF8, ReadsTheFirstAndTheLastCodePointOfEachLength) {
-  const std::u32string codePoints = U"\x01\x7F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF";
-  const std::string text = "\x01\x7F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF";
-  std::size_t position = 0;
-  std::string written;
-  for (const char32_t codePoint : codePoints) {
-    EXPECT_EQ(decodeUTF8(text, position), codePoint);
-    appendUTF8(written, codePoint);
-    EXPECT_EQ(text.substr(0, position), written);
-  }
-}
-
 TEST(DecodeUTF8, RefusesWhatIsNotWellFormed) {
   const std::pair<const char*, std::vector<const char*>> groups[] = {
       {"cut short", {"", "\xC3", "\xE4\xB8", "\xF0\x9F\x98", "\xC3x", "\xE4\xB8x", "\xE4\xB8\xC0"}},

@@ -59,8 +59,9 @@ TEST(ReadJSON, RefusesAllElse) {
        {"[", "[1", "[1,", "[1,]", "[,1]", "[1 2]", "[255,256", "[abcd,1,x", "[0,12345,6", "[2555,]",
         "[\0]"s}},
       {"numbers and words",
-       {"[01]", "[-]", "[+1]", "[.5]", "[1.]", "[1e]", "[1e+]", "[0x1]", "[00]", "[-01]", "[1e400]", "[NaN]",
-        "[Infinity]", "[tru]", "[True]", "[nul]", "[1e9223372036854775807]"}},
+       {"[01]", "[-]", "[+1]", "[.5]", "[1.]", "[1e]", "[1e+]", "[0x1]", "[00]", "[-01]", "[1e400]",
+        "[-1e309]", "[1.797693134862315808e308]", "[NaN]", "[Infinity]", "[tru]", "[True]", "[nul]",
+        "[1e9223372036854775807]"}},
       {"escapes",
        {"['a']", "[\"]", "[\"\\]", "[\"\\", "[\"\\x\"]", "[\"\\u12", "[\"\\u12\"]", "[\"\\u12g4\"]",
         "[\"\\u+123\"]"}},
@@ -126,22 +127,15 @@ TEST(ReadJSON, ReadsByteArraysTheFastWayLikeThePlainWay) {
     const Value value = *readJSON(text);
     ASSERT_EQ(asText(writeJSON(value)), asText(writeJSON(expected)));
     ASSERT_EQ(value.array()->bytes() != nullptr, expected.bytes() != nullptr);
+    const std::size_t comma = text.find(',', random() % 190);
+    ASSERT_EQ(reread(std::string(text).replace(comma, 1, "<")), "error");  // The same low half.
+    ASSERT_EQ(reread(std::string(text).insert(comma + 1, "0")), "error");
     // Characters that have the low half of a digit in common with it.
     char& digit = text[text.find_first_of("0123456789", random() % 190)];
     for (const int high : {0x10, 0x50, 0x80, 0xB0}) {
       digit = static_cast<char>(high | (digit & 15));
       ASSERT_EQ(reread(text), "error") << text;
     }
-  }
-}
-
-TEST(ReadJSON, RefusesWhatOnlyLooksLikeByteValues) {
-  std::string others;
-  for (int i = 0; i < 100; ++i) others += ",1";
-  for (int number = 0; number < 100; ++number) {
-    const std::string digits = std::to_string(number);
-    EXPECT_EQ(reread("[0" + digits + others + "]"), "error") << number;
-    EXPECT_EQ(reread("[" + digits + "<" + others + "]"), "error") << number;  // It has a comma's low half.
   }
 }
 

@@ -26,45 +26,6 @@ bool readsBack(double real, const std::string& text) {
   return read == real;
 }
 
-void checkKnownReals() {
-  constexpr double greatest = std::numeric_limits<double>::max();
-  constexpr double least = std::numeric_limits<double>::denorm_min();
-  const std::tuple<double, const char*, const char*> rows[] = {
-      {-0.0, "-0", "-0"},
-      {0.1, "0.1", "0.1"},
-      {0.1 + 0.2, "0.30000000000000004", "0.3"},
-      {-1.0 / 3, "-0.3333333333333333", "-0.3333333333333333"},
-      {0x1p53 - 1, "9007199254740991", "9007199254740991"},
-      {0x1p53, "9007199254740992", "9007199254740992"},
-      {0x1p53 + 2, "9007199254740994", "9007199254740994"},
-      {1e15, "1e+15", "1000000000000000"},
-      {greatest, "1.7976931348623157e+308", "1.797693134862316e+308"},
-      {least, "4.94065645841247e-324", "4.940656458412465e-324"}};
-  for (const auto& [real, text, rounded] : rows) {
-    EXPECT_EQ(writeReal(real), text);
-    EXPECT_EQ(writeReal(real, 16), rounded);
-  }
-
-  const std::string zeros(20'000, '0');
-  const std::pair<std::string, std::optional<double>> texts[] = {
-      {"-12.5e-1", -1.25},
-      {"0." + zeros + "125e20001", 1.25},
-      {"125" + zeros + "e-20002", 1.25},
-      {"0e999999999999999999999", 0},
-      {"1.5e-99999999999999999999", 0},
-      {"1.5e99999999999999999999", std::nullopt},
-      {"-1e309", std::nullopt},
-      // Just below and above the middle between the greatest double and the next power of two, between zero
-      // and the least double, and between two integers.
-      {"1.797693134862315807e308", greatest},
-      {"1.797693134862315808e308", std::nullopt},
-      {"2.4703282292062327e-324", 0},
-      {"2.4703282292062328e-324", least},
-      {"9007199254740993", 0x1p53},
-      {"9007199254740993." + zeros + "1", 0x1p53 + 2}};
-  for (const auto& [text, real] : texts) EXPECT_EQ(readReal(text), real) << text.substr(0, 50);
-}
-
 void checkRandomReals() {
   std::mt19937_64 random(11);
   for (std::uint64_t round = 0; round < 20'000; ++round) {
@@ -86,12 +47,8 @@ void checkRandomReals() {
   }
 }
 
-TEST(RealText, WritesWhatReadsBack) {
-  checkKnownReals();
+TEST(RealText, ReadsBackAlsoWithADecimalPointOfTwoBytes) {
   checkRandomReals();
-}
-
-TEST(RealText, DoesTheSameWithADecimalPointOfTwoBytes) {
   const std::string folder = testing::TempDir() + "locale-" + std::to_string(::getpid());
   const auto run = [](const std::string& command) { return std::system(command.c_str()) == 0; };
   if (run("mkdir " + folder + " && localedef -i ps_AF -f UTF-8 " + folder + "/ps_AF"))
@@ -100,7 +57,6 @@ TEST(RealText, DoesTheSameWithADecimalPointOfTwoBytes) {
   run("rm -r " + folder);
   ASSERT_TRUE(isSet) << "localedef or the source of the locale ps_AF is missing.";
   EXPECT_GT(std::string(std::localeconv()->decimal_point).size(), 1U);
-  checkKnownReals();
   checkRandomReals();
   std::setlocale(LC_NUMERIC, "C");
 }
