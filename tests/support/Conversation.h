@@ -34,7 +34,9 @@ class Conversation {
   std::string hear(std::string_view text) {
     char buffer[4096];
     ssize_t count = 0;
-    while (heard_.find(text) == heard_.npos && (count = read(terminal_, buffer, sizeof buffer)) > 0) {
+    const auto readMore = [&] { return (count = read(terminal_, buffer, sizeof buffer)) > 0; };
+    // Reads twice, because Linux may fail a read when the program ends, with output that is still to come.
+    while (heard_.find(text) == heard_.npos && (readMore() || readMore())) {
       heard_.append(buffer, static_cast<std::size_t>(count));
     }
     const std::string before = heard_.substr(0, heard_.find(text));
