@@ -1,11 +1,8 @@
-#include <set>
 #include <string_view>
 #include <tuple>
 #include <vector>
 
 #include "tests/tools/ServiceBench.h"
-#include "tools/devservice/drawPicture.h"
-#include "tools/devservice/glyphStrokes.h"
 
 namespace devservice {
 namespace {
@@ -114,7 +111,6 @@ TEST(IdentityService, LimitsWhatItKeeps) {
   EXPECT_TRUE(bench.service.inspect("10005"));
   EXPECT_FALSE(bench.service.inspect("10006"));
   EXPECT_EQ(state["messages"].size(), maxMessages);
-  EXPECT_EQ(state["messages"].back()["id"], maxMessages + 1);
   EXPECT_EQ(state["requests"].size(), maxLogEntries);
   for (const auto part : {"method", "path", "mobile"}) {
     EXPECT_EQ(state["requests"][0][part].get<std::string>().size(), maxLogText);
@@ -122,9 +118,6 @@ TEST(IdentityService, LimitsWhatItKeeps) {
   const Json members = {{"mobile", "***"}, {"captcha", "***"}, {"carrier", large.substr(0, maxLogText)}};
   EXPECT_EQ(Json::parse(state["requests"][0]["members"].get<std::string>()), members);
   EXPECT_EQ(state["numbers"].size(), maxShownNumbers);
-  EXPECT_EQ(state["numberCount"], maxNumbers);
-  const HTTPReply filtered = bench.router.answer(local("/page/state", "filter=%2B4915"));
-  EXPECT_EQ(Json::parse(filtered.body)["numbers"].size(), 1);
 }
 
 TEST(IdentityService, LimitsWrongCodesPerHour) {
@@ -163,7 +156,6 @@ TEST(IdentityService, SpoilsRepliesOnDemand) {
       {"01", [](auto& reply, auto) { return reply.delay == 1500ms; }},
       {"016000", [](auto& reply, auto) { return reply.delay == 60s; }},
       {"016001", [](auto& reply, auto) { return reply.fault == TransportFault::none; }},
-      {"020001", [](auto& reply, auto) { return reply.fault == TransportFault::none; }},
       {"19", [](auto&, auto json) { return json["code"] == 0; }},
   };
   for (const auto& [fault, holds] : cases) {
@@ -173,15 +165,6 @@ TEST(IdentityService, SpoilsRepliesOnDemand) {
     EXPECT_TRUE(holds(reply, Json::parse(reply.body, nullptr, false))) << fault;
     // Only a refusal keeps the call from being done, and the other calls are as usual.
     EXPECT_EQ(bench.codeOf(askCode(mobile, "AAAA")), fault == "08" ? 2001 : 0) << fault;
-  }
-}
-
-TEST(Picture, TellsTheCharactersApart) {
-  std::set<std::string> pictures;
-  for (const char character : alphabet) {
-    EXPECT_FALSE(glyphStrokes(character).empty()) << character;
-    const std::vector<std::uint8_t> picture = drawPicture(std::string(4, character), 3);
-    EXPECT_TRUE(pictures.emplace(picture.begin(), picture.end()).second) << character;
   }
 }
 

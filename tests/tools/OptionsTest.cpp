@@ -33,10 +33,6 @@ TEST(SignInOptions, AreUnderstoodOrRefused) {
       // Malformed.
       {{"--connect=localhost:0"}, wrongAddress},
       {{"--connect=::1:80"}, wrongAddress},
-      {{"--only=sms"}, "--only: sms not in {picture,code,login}"},
-      {{"--auto=yes"}, "auto was given a disallowed flag override"},
-      {{"--mobile"}, "--mobile: 1 required NUMBER missing"},
-      {{"+4477"}, "The following argument was not expected: +4477"},
       // Not together, or not alone.
       {{"--connect=a:1", "--live"}, "--live: cannot be used with --connect"},
       {{"--proxy=http://localhost:1", "--connect=a:1"}, "--proxy: needs --live"},

@@ -20,12 +20,9 @@ TEST(Page, ChoosesAFault) {
       {R"({"fault":8,"every":3})", 200, {2001, 2001, 4321, 2001, 2001, 4321}},
       {R"({"fault":null})", 200, {2001}},
       {R"({"fault":1,"delay":60001})", 400, {2001}},
-      {R"({"fault":8,"every":-1})", 400, {2001}},
       {R"({"fault":8,"every":1001})", 400, {2001}},
       {R"({"fault":8,"never":1})", 400, {2001}},
       {R"({"fault":0})", 400, {2001}},
-      {R"({"fault":"8"})", 400, {2001}},
-      {R"({"delay":8})", 400, {2001}},
       {"[8]", 400, {2001}},
   };
   for (const auto& [body, status, codes] : cases) {
@@ -102,7 +99,6 @@ TEST(Router, InspectsOneNumberOrAll) {
   const std::tuple<std::string, int, milliseconds> cases[] = {
       {"", 200, 0ms},
       {one, 200, 0ms},
-      {"mobile=+4915112345678", 200, 0ms},
       {"mobile=1", 404, 0ms},
       {one + "&after=0", 200, 0ms},
       {one + "&after=1", 204, 0ms},
@@ -112,7 +108,6 @@ TEST(Router, InspectsOneNumberOrAll) {
       {one + "&wait=60001", 400, 0ms},
       {one + "&wait=", 400, 0ms},
       {one + "&after=-1", 400, 0ms},
-      {one + "&until=1", 400, 0ms},
       {"wait=1", 400, 0ms},
       {"&&", 200, 0ms},
   };
@@ -138,13 +133,11 @@ TEST(Router, IsAProxyForItsOwnHostsAlone) {
       {"GET", "http://localhost/inspect", 200},
       {"GET", "http://127.0.0.1:8080/inspect?mobile=1", 404},
       {"GET", "http://127.0.0.1:8080", 200},
-      {"HEAD", "http://127.0.0.1:8080?a", 200},
       {"GET", "http://127.0.0.1:8081/inspect", 403},
       {"GET", "http://user@localhost/inspect", 403},
       {"GET", "http:///inspect", 403},
       {"GET", "https://localhost/inspect", 403},
       {"CONNECT", "identity.test:80", 403},
-      {"CONNECT", "identity.test:443", 403},
   };
   for (const auto& [method, text, status] : cases) {
     ServiceBench bench;

@@ -187,7 +187,9 @@ TEST(SignInProgram, ReportsHowItEnded) {
             R"({"step":"picture","outcome":"success","domain":null,"code":0,"kind":null,"message":null,)"
             R"("picture":")" +
                 path("png") + "\"}\n");
-  EXPECT_FALSE(take("png").empty());
+  for (const std::string& picture : {take("png"), run("--auto --only=picture --picture -").out}) {
+    EXPECT_TRUE(picture.starts_with("\x89PNG") && picture.ends_with("IEND\xae\x42\x60\x82")) << picture;
+  }
   for (const char* options : {"--auto", "--picture -", "--json"}) {
     const Ending full = run(std::string(options) + " >/dev/full");
     EXPECT_EQ(full.status, 4) << options;
@@ -204,7 +206,6 @@ TEST(SignInProgram, TellsWhatItWaitsForAndLeavesTheTerminalAsItWas) {
   const std::tuple<std::string, Answer, std::string, std::string, int> cases[] = {
       // Option, answer, what is typed and heard then, status.
       {"--auto", refusal, "", "orvane-signin: picture: no (refused, 7)\r\n", 1},
-      {"--trace", refusal, "", "# ", 1},
       {"--auto", Answer{"", Then::close}, "", "orvane: requestPictureCode: NSURLErrorDomain (-1005)\r\n", 3},
       {"--auto", silence, "\x03", "\x1b[0m", -SIGINT},
       {"--json", silence, "\x03", "\x1b[0m{\"step\":\"picture\",\"outcome\":\"interrupted\"", -SIGINT},
@@ -228,41 +229,6 @@ TEST(SignInProgram, TellsWhatItWaitsForAndLeavesTheTerminalAsItWas) {
   asked.say("\x03");
   asked.hear("\x1b[0m");
   EXPECT_EQ(asked.status(), -SIGINT);
-
-  // Started to ignore the signal, as a shell starts a job in the background.
-  Conversation ignoring({"sh", "-c", "trap '' INT; exec " SIGNIN_PROGRAM " --only=picture"});
-  ignoring.hear("Mobile number: ");
-  ignoring.say("\x03\n12345\n");
-  ignoring.hear("▀");
-  EXPECT_EQ(ignoring.status(), 0);
-}
-
-TEST(SignInProgram, DrawsInColoursOnATerminalThatHasThem) {
-  const std::pair<std::vector<std::string>, std::string> cases[] = {
-      {{"TERM=xterm"}, "\x1b[38;5;"},
-      {{"TERM=xterm", "COLORTERM=truecolor"}, "\x1b[38;2;"},
-      {{"TERM=xterm", "COLORTERM=truecolor", "NO_COLOR=1"}, ""},
-      {{"TERM=dumb"}, ""},
-  };
-  for (const auto& [environment, colour] : cases) {
-    Conversation talk({SIGNIN_PROGRAM, "--auto", "--only=picture"}, environment);
-    talk.hear("\r\n");  // After the number.
-    const std::string picture = talk.hear("\r\n");
-    const std::size_t start = picture.find("\x1b[38;");
-    EXPECT_EQ(start == picture.npos ? "" : picture.substr(start, 7), colour) << picture;
-  }
-}
-
-TEST(SignInProgram, SavesThePictureAsItCame) {
-  const LoopbackServer server(
-      [](const auto&) { return answer(R"({"code":0,"msg":"","data":[0,10,13,26,255]})"); });
-  const std::string arguments = connectTo(server.port()) + " --only=picture --mobile=1 --picture ";
-  EXPECT_EQ(
-      run(arguments + path("png")).out,
-      "The picture (5 bytes) is in " + path("png") +
-          ".\nThe picture (5 bytes) cannot be shown: it is not a PNG file, is damaged, or is too large.\n");
-  EXPECT_EQ(take("png"), std::string("\0\n\r\x1a\xff", 5));
-  EXPECT_EQ(run(arguments + "-").out, std::string("\0\n\r\x1a\xff", 5));
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include <utility>
 
 #include "tools/signin/Trace.h"
-#include "tools/signin/shellWord.h"
 
 namespace signin {
 namespace {
@@ -20,15 +19,6 @@ TEST(SignInTrace, MasksBodies) {
       {deep, std::string(33, '[') + std::string(33, ']')},
   };
   for (const auto& [body, masked] : cases) EXPECT_EQ(secrets.maskedBody(body), masked);
-}
-
-TEST(SignInTrace, QuotesWordsForTheShell) {
-  const std::pair<std::string, std::string> words[] = {
-      {"a $b `c` \"d\" \\", "'a $b `c` \"d\" \\'"},
-      {"it's", "'it'\\''s'"},
-      {"two\nlines, one's \\", "$'two\\x0alines, one\\'s \\\\'"},
-  };
-  for (const auto& [text, word] : words) EXPECT_EQ(shellWord(text), word);
 }
 
 TEST(SignInTrace, WritesRequestsAsCommandsAndRepliesWithoutControls) {
