@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <cstring>
 #include <netinet/in.h>
+#include <poll.h>
 #include <string_view>
 #include <sys/socket.h>
 #include <thread>
@@ -51,6 +52,17 @@ class Client {
     return *this;
   }
 
+  /// Sends at most one byte per millisecond, until the server replies or ends the connection. Returns how
+  /// many were sent.
+  std::size_t drip(std::string_view text) {
+    std::size_t count = 0;
+    pollfd heard{descriptor_, POLLIN, 0};
+    while (count < text.size() && poll(&heard, 1, 1) == 0 &&
+           ::send(descriptor_, &text[count], 1, MSG_NOSIGNAL) == 1)
+      ++count;
+    return count;
+  }
+
   /// Returns a reply, or the part of it that came before the connection ended, or the error that it ended
   /// with.
   std::string receive() {
@@ -64,6 +76,12 @@ class Client {
   }
 
   Json codeOf(std::string_view text) { return bodyOf(send(text).receive())["code"]; }
+
+  /// Returns true if the server has closed the connection.
+  bool hasEnded() const {
+    char byte = 0;
+    return recv(descriptor_, &byte, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
+  }
 
  private:
   const int descriptor_ = socket(AF_INET, SOCK_STREAM, 0);
@@ -117,6 +135,25 @@ TEST(DevServer, LogsEachRequest) {
   const Server server(service, 0, [&](auto line) { logged = line; });
   Client(server).send("GET /%07\xc3 HTTP/1.1\r\n\r\n").receive();
   EXPECT_TRUE(logged.starts_with(R"(GET /\x07\xc3 404 {"code":1006,"msg":")")) << logged;
+}
+
+TEST(DevServer, EndsRequestsThatTakeTooLong) {
+  IdentityService service;
+  const Server server(service, 0, {}, {.request = 1ms});
+  std::string request = "GET / HTTP/1.1\r\n";
+  while (request.size() < maxHeadSize - 100) request += "X: y\r\n";
+  EXPECT_LT(Client(server).drip(request), request.size());
+}
+
+TEST(DevServer, ServesSoManyAtOnceAndEndsAnIdleOneForAnother) {
+  IdentityService service;
+  const Server server(service, 0, {}, {.connections = 2, .idle = 10min});
+  Client first(server), second(server), third(server);
+  for (Client* client : {&first, &second, &third}) {
+    EXPECT_FALSE(first.hasEnded() || second.hasEnded());
+    EXPECT_EQ(client->codeOf(callFor(number)), 2001);
+  }
+  EXPECT_TRUE(first.hasEnded() || second.hasEnded());
 }
 
 TEST(DevServer, TellsOfAMessageAsSoonAsItCame) {
