@@ -84,9 +84,9 @@ std::string headerLines(int count) {
   return lines;
 }
 
-std::string arrayOfArrays(int count) {
+std::string arrayOfNumbers(int count) {
   std::string text;
-  for (int i = 0; i < count; ++i) text += ",[]";
+  for (int i = 0; i < count; ++i) text += ",-1";
   text.front() = '[';
   return text + "]";
 }
@@ -182,7 +182,7 @@ std::vector<Fault> makeFaults() {
       {"An empty body", always(reply(""))},
       {"A page of HTML", always(reply("<html>", "", "502 Bad Gateway"))},
       {"JSON nested too deep", always(reply(std::string(200'000, '[') + std::string(200'000, ']')))},
-      {"JSON of more than a million values", compressed(gzip(arrayOfArrays(1'000'000)))},
+      {"JSON of more than a million values", compressed(gzip(arrayOfNumbers(1'000'000)))},
       {"A refusal: \"code\" is 7, \"msg\" is \"Busy\"", always(reply(refusal))},
       {"A refusal without \"msg\"", always(reply(R"({"code":7})"))},
       {"An array", always(reply("[" + good + "]"))},
