@@ -36,7 +36,8 @@ class Wire {
   /// Returns what curl sends, or nothing if it refuses the URL.
   std::string send(const URLRequest& request) {
     constexpr std::string_view reply = "HTTP/1.1 200 OK\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
-    transfer_.prepare({request, nullptr, {}});
+    context_.now = Clock::now();
+    transfer_.prepare({request, nullptr, Clock::time_point::max()});
     curl_multi_add_handle(multi_, transfer_.handle());
     int server = -1;
     for (int running = 1; running > 0;) {
