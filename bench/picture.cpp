@@ -34,7 +34,7 @@ class WaitingSession final : public URLSession {
   std::vector<DataTaskHandler> handlers_;
 };
 
-/// Runs each task at once, because handing over is no part of reading.
+/// Runs each task at once, so that handing over is not measured as reading.
 class ImmediateQueue final : public DispatchQueue {
  public:
   void async(Task task) override { task(); }
@@ -77,7 +77,7 @@ void comparePictures(WaitingSession& session, std::size_t size) {
               if (picture->back() != expected.back()) throw std::runtime_error("another picture");
             });
       }
-      // Making the requests is no part of reading.
+      // Making the requests is not measured as reading.
       const Cost cost = costOf(1, replies.size(), [&] { session.deliver(replies); });
       mean.wall += cost.wall / passes;
     }
