@@ -4,9 +4,10 @@
 #include <iostream>
 
 #include "orvane/await.h"
+#include "orvane/host/HostSession.h"
+#include "orvane/orvane.h"
 #include "orvane/platform/PostingQueue.h"
 
-#include "developmentSession.h"
 #include "readLine.h"
 
 using namespace orvane;
@@ -51,8 +52,11 @@ static asio::awaitable<void> signIn() {
 int main(int argc, char** argv) {
   auto& loop = *new asio::io_context;  // Never destroyed: the library may post to it until the process ends.
   const auto post = [&](Task task) { asio::post(loop, std::move(task)); };
-  const auto session = developmentSession(argc, argv);
-  installPlatform({.sharedSession = session, .mainQueue = std::make_shared<PostingQueue>(post)});
+  const std::string address = argc > 1 ? argv[1] : std::string(serviceBaseURL());
+  const auto session = std::make_shared<HostSession>();
+  installPlatform({.sharedSession = std::make_shared<ReaddressedSession>(session, address),
+                   .mainQueue = std::make_shared<PostingQueue>(post),
+                   .failureWords = message});
   const auto work = asio::make_work_guard(loop);
   int status = 0;
   asio::co_spawn(loop, signIn(), [&](std::exception_ptr failure) {

@@ -1,10 +1,12 @@
-// Signs in on the command line, with callbacks. The README has the same program as a coroutine.
+// Signs in on the command line, with callbacks. The README has the same program as a coroutine. Like the
+// other examples, it takes the service's address as its argument, such as http://127.0.0.1:8080.
 #include <fstream>
 #include <iostream>
 
+#include "orvane/host/HostSession.h"
 #include "orvane/host/hostMainQueue.h"
+#include "orvane/orvane.h"
 
-#include "developmentSession.h"
 #include "readLine.h"
 
 using namespace orvane;
@@ -15,8 +17,10 @@ static std::string ask(const char* question) {
 }
 
 int main(int argc, char** argv) {
-  const auto session = developmentSession(argc, argv);
-  installPlatform({.sharedSession = session});
+  const std::string address = argc > 1 ? argv[1] : std::string(serviceBaseURL());
+  const auto session = std::make_shared<HostSession>();
+  installPlatform(
+      {.sharedSession = std::make_shared<ReaddressedSession>(session, address), .failureWords = message});
   OrvaneManager& manager = OrvaneManager::shareManager();
   const std::string mobile = ask("Mobile number: ");
   int status = 1;
@@ -35,8 +39,7 @@ int main(int argc, char** argv) {
   };
   const auto codeSent = [&](ErrorPtr error) {
     if (failed(error)) return;
-    // A login always reports on the main queue; the other calls do so with onMainQueue().
-    manager.requestLogin(mobile, ask("The code in the text message: "), loggedIn);
+    manager.requestLogin(mobile, ask("The code in the text message: "), onMainQueue(loggedIn));
   };
   const auto pictureCame = [&](std::optional<Bytes> picture, ErrorPtr error) {
     if (failed(error)) return;

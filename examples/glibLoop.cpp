@@ -1,9 +1,11 @@
 // Signs in with GLib's main loop, which is also GTK's. No call blocks the loop.
 #include <glib-unix.h>
+#include <iostream>
 
+#include "orvane/host/HostSession.h"
+#include "orvane/orvane.h"
 #include "orvane/platform/PostingQueue.h"
 
-#include "developmentSession.h"
 #include "readLine.h"
 
 using namespace orvane;
@@ -31,8 +33,11 @@ static bool failed(const ErrorPtr& error) {
 }
 
 int main(int argc, char** argv) {
-  const auto session = developmentSession(argc, argv);
-  installPlatform({.sharedSession = session, .mainQueue = std::make_shared<PostingQueue>(g_idle_add_once)});
+  const std::string address = argc > 1 ? argv[1] : std::string(serviceBaseURL());
+  const auto session = std::make_shared<HostSession>();
+  installPlatform({.sharedSession = std::make_shared<ReaddressedSession>(session, address),
+                   .mainQueue = std::make_shared<PostingQueue>(g_idle_add_once),
+                   .failureWords = message});
   auto& manager = OrvaneManager::shareManager();
   std::string mobile;
 
@@ -45,7 +50,7 @@ int main(int argc, char** argv) {
   const auto codeSent = [&](ErrorPtr error) {
     if (failed(error)) return;
     ask("The code in the text message: ",
-        [&](std::string code) { manager.requestLogin(mobile, code, loggedIn); });
+        [&](std::string code) { manager.requestLogin(mobile, code, onMainQueue(loggedIn)); });
   };
   const auto pictureCame = [&](std::optional<Bytes> picture, ErrorPtr error) {
     if (failed(error)) return;

@@ -2,11 +2,13 @@
 #include <QCoreApplication>
 #include <QSaveFile>
 #include <QSocketNotifier>
+#include <iostream>
 
 #include "orvane/await.h"
+#include "orvane/host/HostSession.h"
+#include "orvane/orvane.h"
 #include "orvane/platform/PostingQueue.h"
 
-#include "developmentSession.h"
 #include "readLine.h"
 
 using namespace orvane;
@@ -63,8 +65,11 @@ int main(int argc, char** argv) {
   const auto post = [&application](Task task) {
     QMetaObject::invokeMethod(&application, std::move(task), Qt::QueuedConnection);
   };
-  const auto session = developmentSession(argc, argv);
-  installPlatform({.sharedSession = session, .mainQueue = std::make_shared<PostingQueue>(post)});
+  const std::string address = argc > 1 ? argv[1] : std::string(serviceBaseURL());
+  const auto session = std::make_shared<HostSession>();
+  installPlatform({.sharedSession = std::make_shared<ReaddressedSession>(session, address),
+                   .mainQueue = std::make_shared<PostingQueue>(post),
+                   .failureWords = message});
   QMetaObject::invokeMethod(
       &application, [] { signIn(); }, Qt::QueuedConnection);
   const int status = QCoreApplication::exec();

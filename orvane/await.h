@@ -168,7 +168,7 @@ inline auto requestCode(OrvaneManager& manager, std::string mobile, std::string 
 }
 
 /// Awaits OrvaneManager::requestLogin, under the same conditions. Like that call, it stops the process if the
-/// transfer fails or the reply is not JSON.
+/// transfer fails or the reply is not JSON, unless the platform has failureWords.
 inline auto requestLogin(OrvaneManager& manager, std::string mobile, std::string code) {
   using Finished = OrvaneManager::LoginFinished;
   return AwaitableCall<std::string, Finished>(

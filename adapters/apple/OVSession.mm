@@ -2,9 +2,8 @@
 #import "adapters/apple/platformText.h"
 #import "adapters/apple/registerQualifiedName.h"
 #import "orvane/apple/AppleSession.h"
-#include "orvane/client/GuardedSession.h"
-#include "orvane/client/serviceBaseURL.h"
-#include "orvane/network/HTTPSUpgradeSession.h"
+#include "orvane/network/ReaddressedSession.h"
+#include "orvane/network/serviceBaseURL.h"
 #include "orvane/platform/Platform.h"
 
 @implementation OVSession
@@ -18,14 +17,15 @@
 }
 
 + (void)useSession:(NSURLSession*)session failureMessage:(NSString*)failureMessage encrypted:(BOOL)encrypted {
-  std::shared_ptr<orvane::URLSession> used = std::make_shared<orvane::AppleSession>(session);
+  orvane::Platform platform;
+  platform.sharedSession = std::make_shared<orvane::AppleSession>(session);
   if (encrypted) {
-    const std::vector<std::string> hosts = {std::string(orvane::serviceHost())};
-    used = std::make_shared<orvane::HTTPSUpgradeSession>(std::move(used), hosts);
+    platform.sharedSession = std::make_shared<orvane::ReaddressedSession>(
+        std::move(platform.sharedSession), std::string("https://").append(orvane::serviceHost()));
   }
   if (failureMessage)
-    used = std::make_shared<orvane::GuardedSession>(std::move(used), orvane::utf8(failureMessage));
-  orvane::installPlatform({.sharedSession = std::move(used)});
+    platform.failureWords = [words = orvane::utf8(failureMessage)](const orvane::Error&) { return words; };
+  orvane::installPlatform(std::move(platform));
 }
 
 - (instancetype)init {

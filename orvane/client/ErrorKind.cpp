@@ -56,20 +56,25 @@ std::string_view sentence(ErrorKind kind) {
   return sentences[hashValue(kind)];
 }
 
-}  // namespace
-
-ErrorKind kind(const Error& error) {
-  if (error.userInfo.empty() && !error.platformError) return ErrorKind::refused;
+/// The kind of an error that is no refusal.
+ErrorKind failureKind(const Error& error) {
   if (error.domain == "NSURLErrorDomain") return urlErrorKind(error.code);
   if (error.domain != NetworkTool::errorDomain) return ErrorKind::other;
   const std::string* reason = text(error, "error");
   return reason && *reason == requestNotBuilt ? ErrorKind::notSent : ErrorKind::notReadable;
 }
 
+}  // namespace
+
+ErrorKind kind(const Error& error) {
+  if (error.cause) return failureKind(*error.cause);
+  return error.userInfo.empty() && !error.platformError ? ErrorKind::refused : failureKind(error);
+}
+
 std::string message(const Error& error) {
   const ErrorKind errorKind = kind(error);
-  const std::string* own =
-      errorKind == ErrorKind::refused ? &error.domain : text(error, "NSLocalizedDescription");
+  const bool hasWords = error.cause || errorKind == ErrorKind::refused;
+  const std::string* own = hasWords ? &error.domain : text(error, "NSLocalizedDescription");
   return own && !own->empty() ? *own : std::string(sentence(errorKind));
 }
 

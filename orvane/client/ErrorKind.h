@@ -28,12 +28,13 @@ inline constexpr std::array<std::string_view, 7> errorKindNames = {
 template <>
 inline constexpr std::span<const std::string_view> rawValues<ErrorKind> = errorKindNames;
 
-/// Returns the kind of an error that `finished` received. An error that has neither user information nor a
+/// Returns the kind of an error that `finished` received: that of its cause, if it has one. Of the others, an
+/// error that has neither user information nor a
 /// platform error counts as a refusal, whatever its domain: the domain of a refusal is the service's text.
 ORVANE_API ErrorKind kind(const Error& error);
 
-/// Returns one sentence for a person: the message of a refusal, the platform's description of its error, or
-/// an English sentence if there is neither.
+/// Returns one sentence for a person: the message of a refusal, the application's own words for a failure,
+/// the platform's description of its error, or an English sentence if there is none of these.
 ORVANE_API std::string message(const Error& error);
 
 }  // namespace orvane

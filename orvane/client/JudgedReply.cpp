@@ -66,10 +66,12 @@ ErrorPtr refusal(std::string message, std::int64_t code) {
   return std::make_shared<const Error>(Error{std::move(message), code, {}});
 }
 
-/// Returns the refusal in a reply to the picture or the SMS-code call, or null for a success.
+/// Returns the refusal in a reply to the picture or the SMS-code call, or null for a success or a flaw.
 ErrorPtr refusalIn(Reply& reply) {
   const std::int64_t code = reply.code();
-  return code == 0 ? nullptr : refusal(reply.msg(), code);
+  if (code == 0) return nullptr;
+  std::string message = reply.msg();
+  return reply.flaw().empty() ? refusal(std::move(message), code) : nullptr;
 }
 
 }  // namespace
@@ -77,7 +79,7 @@ ErrorPtr refusalIn(Reply& reply) {
 JudgedReply judgePictureCode(std::optional<Value> result, ErrorPtr error) {
   if (error) return {.error = std::move(error)};
   Reply reply(std::move(result));
-  if (ErrorPtr refused = refusalIn(reply)) return {.error = std::move(refused), .flaw = reply.flaw()};
+  if (ErrorPtr refused = refusalIn(reply)) return {.error = std::move(refused)};
   std::optional<Bytes> picture = reply.picture();
   return {.picture = std::move(picture), .flaw = reply.flaw()};
 }

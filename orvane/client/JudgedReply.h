@@ -18,7 +18,8 @@ struct JudgedReply {
   std::optional<std::string> message = {};
   ErrorPtr error = {};
 
-  /// Says what the call cannot read; it stops the process with this text. Empty if it can read everything.
+  /// Says what the call cannot read. Empty if it can read everything. With a flaw, `error` is NetworkTool's
+  /// or the session's, if it reported one, and the other members mean nothing.
   std::string_view flaw = {};
 };
 

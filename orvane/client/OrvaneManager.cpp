@@ -8,16 +8,36 @@
 #include "orvane/client/ServiceCall.h"
 #include "orvane/client/reportDevice.h"
 #include "orvane/client/sharedManagerMaker.h"
+#include "orvane/network/networkToolError.h"
+#include "orvane/platform/Platform.h"
 
 namespace orvane {
 namespace {
 
 constexpr auto ignore = [](const auto&...) {};
 
-/// Returns a reply that the call could read, and stops the process for any other.
-JudgedReply flawless(const ServiceCall& call, JudgedReply reply) {
-  if (!reply.flaw.empty()) fatal(std::string(call.name).append(": ").append(reply.flaw));
-  return reply;
+/// Makes the error of a call that cannot read its reply, with the application's words. `cause` is null if the
+/// reply was JSON.
+ErrorPtr failure(const ServiceCall& call, ErrorPtr cause) {
+  if (!cause) cause = networkToolError(replyNotDecoded);
+  Error error{platform().failureWords(*cause), call.failureCode, {}};
+  error.cause = std::move(cause);
+  return std::make_shared<const Error>(std::move(error));
+}
+
+/// Hands `reply` to `finish` if the call could read it. Otherwise stops the process or, if the application
+/// has words for failures, hands over an error on the main queue.
+template <class Finish>
+void conclude(const ServiceCall& call, JudgedReply reply, Finish finish) {
+  if (reply.flaw.empty()) return finish(std::move(reply));
+  if (!platform().failureWords) fatal(std::string(call.name).append(": ").append(reply.flaw));
+  const bool isOnMainQueue = !reply.error;  // As every reply that is JSON.
+  auto report = [&call, cause = std::move(reply.error), finish = std::move(finish)]() mutable {
+    ErrorPtr error = failure(call, std::move(cause));
+    finish({.message = error->domain, .error = error});
+  };
+  if (isOnMainQueue) return report();
+  platform().mainQueue->async(std::move(report));
 }
 
 void trace(const ServiceCall& call, const Error& error) {
@@ -53,30 +73,34 @@ void OrvaneManager::setAppClientId(std::string clientId) {
 void OrvaneManager::requestPictureCode(std::string mobile, PictureCodeFinished finished) {
   if (!finished) finished = ignore;
   send(pictureCodeCall, clientId(), {{"mobile", std::move(mobile)}},
-       [finished = std::move(finished)](std::optional<Value> result, ErrorPtr error) {
+       [finished = std::move(finished)](std::optional<Value> result, ErrorPtr error) mutable {
          if (error) trace(pictureCodeCall, *error);
-         JudgedReply reply = flawless(pictureCodeCall, judgePictureCode(std::move(result), std::move(error)));
-         finished(std::move(reply.picture), std::move(reply.error));
+         conclude(pictureCodeCall, judgePictureCode(std::move(result), std::move(error)),
+                  [finished = std::move(finished)](JudgedReply reply) {
+                    finished(std::move(reply.picture), std::move(reply.error));
+                  });
        });
 }
 
 void OrvaneManager::requestCode(std::string mobile, std::string codeNumber, CodeFinished finished) {
   if (!finished) finished = ignore;
   send(codeCall, clientId(), {{"mobile", std::move(mobile)}, {"captcha", std::move(codeNumber)}},
-       [finished = std::move(finished)](std::optional<Value> result, ErrorPtr error) {
-         finished(flawless(codeCall, judgeCode(std::move(result), std::move(error))).error);
+       [finished = std::move(finished)](std::optional<Value> result, ErrorPtr error) mutable {
+         conclude(codeCall, judgeCode(std::move(result), std::move(error)),
+                  [finished = std::move(finished)](JudgedReply reply) { finished(std::move(reply.error)); });
        });
 }
 
 void OrvaneManager::requestLogin(std::string mobile, std::string code, LoginFinished finished) {
   if (!finished) finished = ignore;
   Map body = {{"mobile", mobile}, {"verificationCode", std::move(code)}};
+  auto finish = [finished = std::move(finished), mobile = std::move(mobile)](JudgedReply reply) {
+    if (!reply.error) reportDevice(mobile);
+    finished(std::move(reply.message), std::move(reply.error));
+  };
   send(loginCall, clientId(), std::move(body),
-       [finished = std::move(finished), mobile = std::move(mobile)](std::optional<Value> result,
-                                                                    ErrorPtr error) {
-         JudgedReply reply = flawless(loginCall, judgeLogin(std::move(result), std::move(error)));
-         if (!reply.error) reportDevice(mobile);
-         finished(std::move(reply.message), std::move(reply.error));
+       [finish = std::move(finish)](std::optional<Value> result, ErrorPtr error) mutable {
+         conclude(loginCall, judgeLogin(std::move(result), std::move(error)), std::move(finish));
        });
 }
 

@@ -23,8 +23,12 @@ namespace orvane {
 /// | the reply is not JSON | NetworkTool's error; a login stops the process | the session queue |
 ///
 /// Stops the process, without calling `finished`, if the reply lacks a member that the call reads or has one
-/// of another kind, and if an argument is not UTF-8. docs/errors.md lists what can go wrong and what becomes
-/// of it.
+/// of another kind, and if an argument is not UTF-8.
+///
+/// **With Platform::failureWords** nothing that the network does stops the process. Where a call would stop,
+/// `finished` receives on the main queue an error whose domain is the application's words, whose code is -1,
+/// or 1 for a login, and whose `cause` is what happened. docs/errors.md lists what can go wrong, and what to
+/// do then.
 ///
 /// A call throws what its session throws when it starts the request; then `finished` is not called. A
 /// HostSession throws std::system_error if it has no thread yet and the system has none to give.
@@ -39,6 +43,7 @@ class ORVANE_API OrvaneManager {
   /// Receives the reason why the code was not sent, or null if it was.
   using CodeFinished = std::function<void(ErrorPtr error)>;
   /// Receives the service's message, for an accepted and for a refused login, and for a refused one an error.
+  /// After a failure with Platform::failureWords: the words, and an error.
   using LoginFinished = std::function<void(std::optional<std::string> message, ErrorPtr error)>;
 
   /// Returns the shared manager, which is made on first use and never destroyed.
@@ -73,8 +78,8 @@ class ORVANE_API OrvaneManager {
 
   /// Logs in with `code`, which came by SMS. The error of a refusal always has the code 1.
   ///
-  /// Warning: stops the process if the transfer fails or the reply is not JSON, because the reply is read
-  /// before the error.
+  /// Warning: without Platform::failureWords, stops the process if the transfer fails or the reply is not
+  /// JSON, because the reply is read before the error.
   ///
   /// After an accepted login a report is sent to the service: the system's version, the carrier's name and
   /// the device's model. It is started before `finished` is called, and its outcome is ignored. A process

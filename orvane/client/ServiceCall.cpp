@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "orvane/client/serviceBaseURL.h"
+#include "orvane/network/serviceBaseURL.h"
 
 namespace orvane {
 namespace {

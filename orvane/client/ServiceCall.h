@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,11 +13,13 @@ namespace orvane {
 struct ServiceCall {
   std::string_view name;  ///< Names the call in the line that a stop writes.
   std::string_view path;  ///< Follows serviceBaseURL().
+  /// The code of the error that the call reports if it cannot read its reply and does not stop the process.
+  std::int64_t failureCode = -1;
 };
 
 inline constexpr ServiceCall pictureCodeCall = {"requestPictureCode", "/tenant/verify/captcha"};
 inline constexpr ServiceCall codeCall = {"requestCode", "/tenant/getVerifyCode"};
-inline constexpr ServiceCall loginCall = {"requestLogin", "/tenant/submitVerifyCode"};
+inline constexpr ServiceCall loginCall = {"requestLogin", "/tenant/submitVerifyCode", 1};
 inline constexpr ServiceCall deviceReportCall = {"requestLogin's report", "/tenant/submitMobileInformation"};
 
 /// Makes a call through the shared NetworkManager: stores the header set there and sends `body` as JSON. The

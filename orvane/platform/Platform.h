@@ -1,7 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <string>
 
+#include "orvane/base/Error.h"
 #include "orvane/base/Export.h"
 #include "orvane/platform/DeviceReadings.h"
 #include "orvane/platform/DispatchQueue.h"
@@ -22,14 +25,20 @@ struct Platform {
   std::shared_ptr<const TextRules> textRules = {};
   /// Reads facts about the device.
   std::shared_ptr<const DeviceReadings> deviceReadings = {};
+  /// Returns what to tell a person about a failure. Absent by default: then a login whose transfer fails, and
+  /// a reply that a call cannot read, stop the process. If present, such a call reports an error instead,
+  /// whose `cause` is the argument and whose domain is the words. Called on the main queue, once for each
+  /// such failure, just before `finished`. Must not throw.
+  std::function<std::string(const Error& cause)> failureWords = {};
 };
 
 /// Replaces services of the platform: for a test, or for an application with its own event loop, session or
-/// device readings. Where a member of `platform` is null, the adapter's own service is used. Call it at most
-/// once, before the first use of the library. A later or second call stops the process.
+/// device readings; and for one that must survive whatever the network sends. Where a service of `platform`
+/// is null, the adapter's own is used. Call it at most once, before the first use of the library. A later or
+/// second call stops the process.
 ORVANE_API void installPlatform(Platform platform);
 
-/// Returns the platform in use, with every member set. It never changes after the first call.
+/// Returns the platform in use, with every service set. It never changes after the first call.
 ORVANE_API const Platform& platform();
 
 }  // namespace orvane

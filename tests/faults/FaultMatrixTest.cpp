@@ -61,14 +61,18 @@ Ended run(std::vector<std::string> words) {
   return {status, usage.ru_maxrss, takeLines(output), takeLines(errors)};
 }
 
-/// What the guarded calls report where they would stop the process.
-const std::string failureMessage = "Keine Verbindung – \"später\"";
+/// How an application makes its calls.
+enum class Way { plain, withWords, withWordsAwaitedElsewhere };
+constexpr std::array ways = {Way::plain, Way::withWords, Way::withWordsAwaitedElsewhere};
+
+/// The application's words for a call that would stop the process.
+const std::string failureWords = "Keine Verbindung – \"später\"";
 
 /// The outcome of a call that timed out before the service had its request, as on a busy machine it may.
 const std::string notMet = "the fault was not met";
 
 /// What the call comes to, in the page's words; what is not in order, in others.
-std::string outcome(const std::string& call, const Fault& fault, bool isGuarded) {
+std::string outcome(const std::string& call, const Fault& fault, Way way) {
   LoopbackServer sound([](const auto&) { return LoopbackServer::Answer{reply(R"({"code":0,"msg":"ok"})")}; });
   std::atomic<int> requests = 0;
   LoopbackServer faulty([&](const auto&) { return fault.script(requests++); });
@@ -83,7 +87,8 @@ std::string outcome(const std::string& call, const Fault& fault, bool isGuarded)
                                     std::to_string(fault.totalTimeout.count()),
                                     std::to_string(bodyLimit),
                                     std::to_string(fault.calls)};
-  if (isGuarded) words.push_back(failureMessage);
+  if (way != Way::plain) words.push_back(failureWords);
+  if (way == Way::withWordsAwaitedElsewhere) words.push_back("http://own.example:80/");
   const Ended ended = run(std::move(words));
 
   std::set<std::string> outcomes;
@@ -107,25 +112,29 @@ std::string outcome(const std::string& call, const Fault& fault, bool isGuarded)
   return disorder;
 }
 
-/// What becomes of a promise once a guard is around the session.
-std::string guarded(const std::string& promise, const std::string& call) {
-  return promise == "stops" ? failureMessage + (call == "requestLogin" ? " 1" : " -1") : promise;
+/// What becomes of the promise of a row once the application has words: the error tells its cause.
+std::string withWords(const std::string& promise, const Row& row, const std::string& call) {
+  if (promise != "stops") return promise;
+  const auto cause = row.find("outcome");
+  return failureWords + (call == "requestLogin" ? " 1 for " : " -1 for ") +
+         (cause == row.end() ? "com.brovent.error -1" : cause->second);
 }
 
-TEST(FaultMatrix, IsAsThePageSaysAndNeverStopsWithAGuard) {
+TEST(FaultMatrix, IsAsThePageSaysAndNeverStopsWithWords) {
   const std::vector<Row> rows = rowsOfTheErrorsPage(rowName);
   const std::vector<Fault> faults = makeFaults();
   ASSERT_EQ(rows.size(), faults.size());
-  constexpr std::size_t rowSize = 2 * calls.size();
+  constexpr std::size_t rowSize = ways.size() * calls.size();
   std::vector<std::string> seen(faults.size() * rowSize);
   std::atomic<std::size_t> next = 0;
-  const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
   std::vector<std::thread> workers;
   for (std::size_t i = 0; i < calls.size(); ++i) {
     workers.emplace_back([&] {
       for (std::size_t at = next++; at < seen.size(); at = next++) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
         do {
-          seen[at] = outcome(calls[at % calls.size()], faults[at / rowSize], at % rowSize >= calls.size());
+          seen[at] =
+              outcome(calls[at % calls.size()], faults[at / rowSize], ways[at % rowSize / calls.size()]);
         } while (seen[at] == notMet && std::chrono::steady_clock::now() < end);
       }
     });
@@ -134,10 +143,11 @@ TEST(FaultMatrix, IsAsThePageSaysAndNeverStopsWithAGuard) {
   for (std::size_t at = 0; at < seen.size(); ++at) {
     const Row& row = rows[at / rowSize];
     const std::string call = calls[at % calls.size()];
-    const bool isGuarded = at % rowSize >= calls.size();
+    const std::string expected = promise(row, call);
+    const std::size_t way = at % rowSize / calls.size();
     ASSERT_EQ(row.at(rowName), faults[at / rowSize].name);
-    EXPECT_EQ(seen[at], isGuarded ? guarded(promise(row, call), call) : promise(row, call))
-        << row.at(rowName) << ", " << call;
+    EXPECT_EQ(seen[at], ways[way] == Way::plain ? expected : withWords(expected, row, call))
+        << row.at(rowName) << ", " << call << ", way " << way;
   }
 }
 

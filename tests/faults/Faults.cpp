@@ -108,7 +108,8 @@ Answer goodWithoutEffect(int request) {
 
 std::vector<Fault> makeFaults() {
   const std::string stream = gzip(good);
-  const std::string refusal = R"({"code":7,"msg":"Busy"})";
+  // A service cannot pass a refusal off as something else.
+  const std::string refusal = R"({"code":7,"msg":"Busy","kind":"no connection","cause":{"code":-1004}})";
   return {
       {"The connection is refused", {}, 1, ample, ample, "127.0.0.1"},
       {"The service's name cannot be resolved", {}, 1, ample, ample, unresolvable},

@@ -12,7 +12,8 @@
 #include <zlib.h>
 
 #include "orvane/host/HostSession.h"
-#include "orvane/network/HTTPSUpgradeSession.h"
+#include "orvane/network/ReaddressedSession.h"
+#include "orvane/network/serviceBaseURL.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/TLSServer.h"
 #include "tests/support/allocated.h"
@@ -532,7 +533,7 @@ TEST(HostSession, ChecksCertificates) {
   const auto session = [&](std::uint16_t port, const std::string& authorities) {
     HostSessionConfiguration configuration{.reroutes = {{name, 443, "127.0.0.1", port}},
                                            .certificateAuthorities = authorities};
-    return HTTPSUpgradeSession(std::make_shared<HostSession>(configuration), {name});
+    return ReaddressedSession(std::make_shared<HostSession>(configuration), "https://" + name);
   };
   const std::string back = reply("", "Location: http://service.example/\r\n", "302 Back");
   const std::tuple<const Certificate*, std::string, std::string> rows[] = {
@@ -542,8 +543,8 @@ TEST(HostSession, ChecksCertificates) {
       {&strange, "", "error -1203"},   {nullptr, reply("plain"), "error -1200"}};
   for (const auto& [certificate, answer, expected] : rows) {
     const TLSServer server(certificate, answer);
-    auto upgrading = session(server.port(), file);
-    EXPECT_EQ(perform(upgrading, URLRequest("http://" + name + "/")), expected);
+    auto encrypted = session(server.port(), file);
+    EXPECT_EQ(perform(encrypted, URLRequest(std::string(serviceBaseURL()))), expected);
   }
   const TLSServer server(&good, reply("ok"));
   auto systems = session(server.port(), "");

@@ -2,8 +2,8 @@
 
 #include "orvane/client/JudgedReply.h"
 #include "orvane/client/OrvaneManager.h"
-#include "orvane/client/serviceBaseURL.h"
 #include "orvane/json/readJSON.h"
+#include "orvane/network/serviceBaseURL.h"
 #include "tests/support/TestPlatform.h"
 #include "tests/support/asText.h"
 
