@@ -20,6 +20,8 @@ constexpr std::string_view rawValue(E value) noexcept {
 }
 
 /// Returns the position of a case in the order of declaration, counted from 0.
+///
+/// Promised: it is the position and no mixed hash, so applications may store it. The order of cases is fixed.
 template <class E>
 constexpr std::size_t hashValue(E value) noexcept {
   return static_cast<std::size_t>(value);

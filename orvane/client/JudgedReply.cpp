@@ -95,6 +95,7 @@ JudgedReply judgeLogin(std::optional<Value> result, ErrorPtr error) {
   // Reads the reply before the error, so that a failed transfer stops the process.
   Reply reply(std::move(result));
   std::string message = reply.msg();
+  // Promised: this text, "network error", for a reply together with an error. NetworkTool never reports both.
   if (error) return {.message = "网络错误", .error = std::move(error), .flaw = reply.flaw()};
   constexpr std::int64_t refusalCode = 1;  // The same for all refusals of a login.
   if (reply.code() != 0) error = refusal(message, refusalCode);

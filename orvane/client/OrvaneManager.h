@@ -36,6 +36,8 @@ namespace orvane {
 /// The calls may be made from any thread. If two threads make calls while the client identifier changes,
 /// either call may carry either identifier. `finished` may be empty and must not throw. The library keeps it
 /// until the call ends. It does not keep the manager, which may be destroyed earlier.
+///
+/// Promised: the order of the virtual functions, on which subclasses that were compiled earlier depend.
 class ORVANE_API OrvaneManager {
  public:
   /// Receives the bytes of the picture, which may be empty, or an error.

@@ -8,7 +8,8 @@ struct Model {
   DeviceName name;
 };
 
-// Never extended: the service knows these models and no others, so a later one is Unknown to it too.
+// Promised: these models and no others. The names travel to the service, which may not expect more of them,
+// so a later model is Unknown.
 constexpr std::array<Model, 52> models = {{
     {"iPhone3,1", DeviceName::iPhone4},     {"iPhone3,2", DeviceName::iPhone4},
     {"iPhone3,3", DeviceName::iPhone4},     {"iPhone4,1", DeviceName::iPhone4S},

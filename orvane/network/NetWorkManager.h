@@ -5,6 +5,8 @@
 namespace orvane {
 
 /// The one NetworkTool that all service calls share, with its stored header set. May be used from any thread.
+///
+/// Promised: the names NetWorkManager of the file, NetworkManager of the class, and cancleAllNetwork.
 class NetworkManager {
  public:
   /// Returns the shared instance, which is made on first use and never destroyed.

@@ -26,12 +26,15 @@ using Parameters = Map;
 /// May be used from any thread. A tool keeps a header set and a session. Each is replaced as a whole: a call
 /// that races with a replacement uses the old one or the new one, never a mixture. A request in flight keeps
 /// its completion and nothing of the tool, so destroying a tool cancels nothing.
+///
+/// Promised: the order of the virtual functions, on which subclasses that were compiled earlier depend.
 class ORVANE_API NetworkTool {
  public:
   /// Called at most once, with either a result (a map or an array) or an error. Must not throw.
   using Completion = std::function<void(std::optional<Value> result, ErrorPtr error)>;
 
-  /// The domain of the errors that the tool makes itself.
+  /// The domain of the errors that the tool makes itself. Promised: applications compare this text, so it
+  /// stays, whatever the library is called.
   static constexpr std::string_view errorDomain = "com.brovent.error";
 
   NetworkTool();
@@ -40,7 +43,8 @@ class ORVANE_API NetworkTool {
   NetworkTool& operator=(const NetworkTool&) = delete;
   virtual ~NetworkTool();
 
-  /// Runs an empty task in a group on the global queue and an empty notification on the main queue.
+  /// Runs an empty task in a group on the global queue and an empty notification on the main queue. Promised,
+  /// although it has no effect: applications may call or override it.
   virtual void demoGCDGroup();
 
   /// Replaces the header set of later requests as a whole. An empty set changes nothing.
@@ -79,8 +83,9 @@ class ORVANE_API NetworkTool {
   virtual std::optional<std::string> queryString(const std::optional<Parameters>& parameters);
 
   /// Drops the handlers that wait on the session queue and have not started. Does not stop any transfer, and
-  /// completions that are already queued on the main queue are still called. The spelling is part of the
-  /// interface.
+  /// completions that are already queued on the main queue are still called.
+  ///
+  /// Promised: the spelling.
   virtual void cancleAllNetwork();
 
   /// The session that requests run on. Unless another was set before, the first use chooses the platform's
