@@ -1,5 +1,6 @@
 #import "orvane/apple/AppleSession.h"
 
+#import "adapters/apple/RedirectGuard.h"
 #import "adapters/apple/platformText.h"
 #import "adapters/apple/retained.h"
 #import "orvane/apple/platformError.h"
@@ -36,6 +37,27 @@ DataTaskResult resultOf(NSData* body, NSURLResponse* response, NSError* error) {
   return result;
 }
 
+/// The error that NSURLSession makes for a URL to which it cannot go.
+NSError* unsupportedURL(NSURL* url) {
+  return [NSError errorWithDomain:NSURLErrorDomain
+                             code:NSURLErrorUnsupportedURL
+                         userInfo:@{
+                           NSLocalizedDescriptionKey : @"unsupported URL",
+                           NSURLErrorFailingURLErrorKey : url,
+                           NSURLErrorFailingURLStringErrorKey : [url absoluteString],
+                         }];
+}
+
+/// Gives the task a delegate, where tasks can have one of their own. Does nothing on other systems.
+void guardRedirects(NSURLSessionTask* task, std::shared_ptr<RefusedURL> refused) {
+  if (@available(iOS 15.0, macOS 12.0, macCatalyst 15.0, *)) {
+    if (![task respondsToSelector:@selector(setDelegate:)]) return;
+    OVRedirectGuard* const guard = [[[OVRedirectGuard alloc] init] autorelease];
+    guard->refused = std::move(refused);
+    [task setDelegate:guard];
+  }
+}
+
 }  // namespace
 
 AppleSession::AppleSession(NSURLSession* session) : session_(retained(session)) {
@@ -49,11 +71,21 @@ NSURLSession* AppleSession::session() const {
 
 void AppleSession::startDataTask(URLRequest request, DataTaskHandler handler) {
   const auto kept = std::make_shared<const DataTaskHandler>(std::move(handler));
+  const auto refused = std::make_shared<RefusedURL>();
   @autoreleasepool {
-    [[session() dataTaskWithRequest:platformRequest(request)
-                  completionHandler:^(NSData* body, NSURLResponse* response, NSError* error) {
-                    if (*kept) (*kept)(resultOf(body, response, error));
-                  }] resume];
+    NSURLRequest* const made = platformRequest(request);
+    const std::shared_ptr<const void> first = retained([made URL]);
+    NSURLSessionDataTask* const task =
+        [session() dataTaskWithRequest:made
+                     completionHandler:^(NSData* body, NSURLResponse* response, NSError* error) {
+                       // Without a guard the task went on to a plain reply.
+                       if (losesEncryption((NSURL*)first.get(), [response URL]))
+                         *refused = retained([response URL]);
+                       NSError* const refusal = *refused ? unsupportedURL((NSURL*)refused->get()) : nil;
+                       if (*kept) (*kept)(resultOf(body, response, refusal ? refusal : error));
+                     }];
+    guardRedirects(task, refused);
+    [task resume];
   }
 }
 

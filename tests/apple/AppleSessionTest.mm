@@ -1,9 +1,12 @@
-// What AppleSession makes of the data that an NSURLSession hands over.
+// What AppleSession makes of the data and the redirects that an NSURLSession hands over.
 
 #import <Foundation/Foundation.h>
 #include <gtest/gtest.h>
 
 #import "orvane/apple/AppleSession.h"
+#import "orvane/apple/platformError.h"
+#include "tests/apple/standins/standins.h"
+#include "tests/support/FakeSession.h"
 
 /// Calls each handler with `data` and a response before the task is resumed.
 @interface DataSession : NSURLSession {
@@ -17,6 +20,20 @@
                            completionHandler:(void (^)(NSData*, NSURLResponse*, NSError*))handler {
   handler(data, [[[NSHTTPURLResponse alloc] init] autorelease], nil);
   return nil;
+}
+@end
+
+/// Follows no redirect.
+@interface StayingDelegate : NSObject <NSURLSessionTaskDelegate>
+@end
+
+@implementation StayingDelegate
+- (void)URLSession:(NSURLSession*)session
+                          task:(NSURLSessionTask*)task
+    willPerformHTTPRedirection:(NSHTTPURLResponse*)response
+                    newRequest:(NSURLRequest*)request
+             completionHandler:(void (^)(NSURLRequest*))completionHandler {
+  completionHandler(nil);
 }
 @end
 
@@ -51,6 +68,67 @@ TEST(AppleSession, ReadsABodyOfAnySizeInPlace) {
     [changing resetBytesInRange:NSMakeRange(0, 2)];
     EXPECT_EQ(std::string(result.body->begin(), result.body->end()), "{}");
   }
+}
+
+/// Answers each request at once, and notes its URL.
+class NotingSession final : public URLSession {
+ public:
+  void startDataTask(URLRequest request, DataTaskHandler handler) override {
+    visited += request.url() + " ";
+    handler(test::replied("{}"));
+  }
+  void cancelAllOperations() override {}
+
+  std::string visited;
+};
+
+TEST(AppleSession, DoesNotReturnFromHTTPSToHTTP) {
+  standins::Redirects& redirects = standins::redirects();
+  redirects.locations = {{"https://s/down", "http://s/1"},
+                         {"http://s/up", "https://s/down"},
+                         {"http://s/over", "http://s/2"},
+                         {"https://s/over", "https://s/2"}};
+  struct Row {
+    const char* url;
+    bool tasksHaveDelegates;
+    bool sessionDecides;
+    std::string_view outcome;  // A status, or the URL of an error.
+    std::string_view visited;
+  };
+  const Row rows[] = {
+      {"https://s/down", true, false, "http://s/1", "https://s/down "},
+      {"http://s/up", true, false, "http://s/1", "http://s/up https://s/down "},
+      {"http://s/over", true, false, "200", "http://s/over http://s/2 "},
+      {"https://s/over", true, false, "200", "https://s/over https://s/2 "},
+      {"https://s/over", true, true, "307", "https://s/over "},
+      {"https://s/down", true, true, "http://s/1", "https://s/down "},
+      // Where tasks have no delegates, the reply over plain HTTP is the first sign.
+      {"https://s/down", false, false, "http://s/1", "https://s/down http://s/1 "},
+      {"http://s/up", false, false, "200", "http://s/up https://s/down http://s/1 "},
+      {"https://s/over", false, false, "200", "https://s/over https://s/2 "},
+      {"https://s/down", false, true, "307", "https://s/down "},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(&row - rows);
+    redirects.tasksHaveDelegates = row.tasksHaveDelegates;
+    @autoreleasepool {
+      const auto noting = std::make_shared<NotingSession>();
+      NSURLSession* const session = standins::sessionOver(noting);
+      if (row.sessionDecides) session->delegate = [[[StayingDelegate alloc] init] autorelease];
+      DataTaskResult result;
+      AppleSession(session).startDataTask(URLRequest(row.url), [&](const auto& given) { result = given; });
+      EXPECT_EQ(noting->visited, row.visited);
+      ASSERT_NE(!result.error, !result.response);
+      if (result.response) {
+        EXPECT_EQ(std::to_string(result.response->statusCode), row.outcome);
+        continue;
+      }
+      EXPECT_EQ(description(*result.error), "NSURLErrorDomain (-1002)");
+      EXPECT_EQ(*result.error->userInfo.at("NSErrorFailingURLStringKey").text(), row.outcome);
+      EXPECT_TRUE([[platformError(result.error) localizedDescription] isEqual:@"unsupported URL"]);
+    }
+  }
+  redirects = {};
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 #import <Block.h>
 #import <Foundation/Foundation.h>
 #include <atomic>
+#import <objc/runtime.h>
 
+#import "adapters/apple/retained.h"
 #include "orvane/platform/URLSession.h"
 #include "tests/apple/standins/standins.h"
 
@@ -39,7 +41,19 @@ NSError* errorOf(const orvane::Error& error) {
   return made;
 }
 
+NSHTTPURLResponse* responseTo(NSURLRequest* request, int statusCode) {
+  return [[[NSHTTPURLResponse alloc] initWithURL:[request URL]
+                                      statusCode:statusCode
+                                     HTTPVersion:@"HTTP/1.1"
+                                    headerFields:nil] autorelease];
+}
+
 }  // namespace
+
+standins::Redirects& standins::redirects() {
+  static auto* const redirects = new Redirects;
+  return *redirects;
+}
 
 /// The queue of a session whose tasks another session, the inner one, carries out.
 @interface DelegateQueue : NSOperationQueue {
@@ -55,14 +69,81 @@ NSError* errorOf(const orvane::Error& error) {
 }
 @end
 
-@implementation NSURLSessionDataTask
-- (void)resume {
-  start();
+@implementation NSURLSessionTask
+
+- (BOOL)respondsToSelector:(SEL)selector {
+  if (sel_isEqual(selector, @selector(setDelegate:)) && !standins::redirects().tasksHaveDelegates) return NO;
+  return [super respondsToSelector:selector];
 }
+
+- (void)setDelegate:(id<NSURLSessionTaskDelegate>)taskDelegate {
+  delegate = [taskDelegate retain];
+}
+
+- (void)resume {
+  [self carryOut:original];
+}
+
+- (void)carryOut:(NSURLRequest*)request {
+  const auto self_ = orvane::retained(self);
+  const auto sent = orvane::retained(request);
+  session->queue->inner->startDataTask(portable(request), [self_, sent](const auto& result) {
+    @autoreleasepool {
+      [(NSURLSessionTask*)self_.get() take:result of:(NSURLRequest*)sent.get()];
+    }
+  });
+}
+
+- (void)take:(orvane::DataTaskResult)result of:(NSURLRequest*)request {
+  const auto& locations = standins::redirects().locations;
+  const auto location = locations.find([[[request URL] absoluteString] UTF8String]);
+  if (location == locations.end()) {
+    [self finish:result of:request];
+    return;
+  }
+  result.response = orvane::HTTPResponse{307};
+  NSMutableURLRequest* const next = [[request mutableCopy] autorelease];
+  [next setURL:[NSURL URLWithString:text(location->second)]];
+  const auto decide = ^(NSURLRequest* continued) {
+    if (continued)
+      [self carryOut:continued];
+    else
+      [self finish:result of:request];
+  };
+  const SEL asked = @selector(URLSession:task:willPerformHTTPRedirection:newRequest:completionHandler:);
+  id decider = [delegate respondsToSelector:asked] ? delegate : [session delegate];
+  if ([decider respondsToSelector:asked])
+    [decider URLSession:session
+                              task:self
+        willPerformHTTPRedirection:responseTo(request, 307)
+                        newRequest:next
+                 completionHandler:decide];
+  else
+    decide(next);
+}
+
+- (void)finish:(const orvane::DataTaskResult&)result of:(NSURLRequest*)request {
+  // Like NSURLSession after a body that was cut, hands over an error with the part before it.
+  NSData* body = result.error ? [NSData dataWithBytes:"{}" length:2] : nil;
+  if (result.body && !result.body->empty())
+    body = [NSData dataWithBytes:result.body->data() length:result.body->size()];
+  NSURLResponse* response = nil;
+  if (result.response || result.error)
+    response = responseTo(request, result.response ? result.response->statusCode : 200);
+  finished(body, response, result.error ? errorOf(*result.error) : nil);
+}
+
 - (void)dealloc {
-  Block_release(start);
+  Block_release(finished);
+  [delegate release];
+  [original release];
+  [session release];
   [super dealloc];
 }
+
+@end
+
+@implementation NSURLSessionDataTask
 @end
 
 @implementation NSURLSession
@@ -87,29 +168,15 @@ NSError* errorOf(const orvane::Error& error) {
   return queue;
 }
 
+- (id<NSURLSessionDelegate>)delegate {
+  return delegate;
+}
+
 - (NSURLSessionDataTask*)dataTaskWithRequest:(NSURLRequest*)request completionHandler:(Handler)handler {
-  const std::shared_ptr<void> block((void*)Block_copy(handler), [](void* copied) { Block_release(copied); });
-  const auto finish = [block](const orvane::DataTaskResult& result) {
-    @autoreleasepool {
-      // Like NSURLSession after a body that was cut, hands over an error with the part before it.
-      NSData* body = result.error ? [NSData dataWithBytes:"{}" length:2] : nil;
-      if (result.body && !result.body->empty())
-        body = [NSData dataWithBytes:result.body->data() length:result.body->size()];
-      NSURLResponse* response = nil;
-      if (result.response || result.error)
-        response = [[[NSHTTPURLResponse alloc] initWithURL:nil
-                                                statusCode:result.response ? result.response->statusCode : 200
-                                               HTTPVersion:@"HTTP/1.1"
-                                              headerFields:nil] autorelease];
-      ((Handler)block.get())(body, response, result.error ? errorOf(*result.error) : nil);
-    }
-  };
   NSURLSessionDataTask* const task = [[[NSURLSessionDataTask alloc] init] autorelease];
-  const std::shared_ptr<orvane::URLSession> inner = queue->inner;
-  const orvane::URLRequest carried = portable(request);
-  task->start = Block_copy(^{
-    inner->startDataTask(carried, finish);
-  });
+  task->session = [self retain];
+  task->original = [request copy];
+  task->finished = Block_copy(handler);
   return task;
 }
 

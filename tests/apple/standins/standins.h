@@ -1,6 +1,7 @@
 #pragma once
 
 #import <Foundation/Foundation.h>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -25,6 +26,13 @@ struct Facts {
   double scale = 2;
 };
 Facts& facts();
+
+/// How tasks of NSURLSession are redirected. A test may change it while no task is under way.
+struct Redirects {
+  std::map<std::string, std::string> locations = {};  // By URL. The reply of such a URL has status 307.
+  bool tasksHaveDelegates = true;                     // False on systems before iOS 15.
+};
+Redirects& redirects();
 
 /// Sets the session that carries out the tasks of NSURLSession's shared session from now on.
 void setInnerSession(std::shared_ptr<orvane::URLSession> inner);

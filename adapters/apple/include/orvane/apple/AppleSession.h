@@ -10,6 +10,13 @@ namespace orvane {
 /// which must be serial and not the main queue, as it is unless the application gives the session another.
 /// The NSURLSession remains the application's: it is not invalidated here.
 ///
+/// Does not follow a redirect from https to http: the task fails with NSURLErrorUnsupportedURL. Before iOS 15
+/// and macOS 12 NSURLSession follows it, and the task fails afterwards, if its first URL was https and the
+/// reply came over http.
+///
+/// Each task has a delegate of its own, where the system supports that. It passes all other redirects on to
+/// the NSURLSession's delegate, which receives its other messages directly.
+///
 /// Reads a body of any size where NSURLSession left it, without a copy: the body keeps the NSData, and
 /// releases it on any thread.
 ///

@@ -1,0 +1,22 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+#include <memory>
+
+namespace orvane {
+
+/// Returns true if a request that continues from `from` to `to` is no longer encrypted: from https to http.
+bool losesEncryption(NSURL* from, NSURL* to);
+
+/// The URL (an NSURL) that a task did not continue to, or null. Used on the session's delegate queue alone.
+using RefusedURL = std::shared_ptr<const void>;
+
+}  // namespace orvane
+
+/// The delegate of one task. Does not let it continue from https to http: the task then ends with the reply
+/// that redirects. All other redirects are the decision of the session's own delegate, if it makes any.
+@interface OVRedirectGuard : NSObject <NSURLSessionTaskDelegate> {
+ @public
+  std::shared_ptr<orvane::RefusedURL> refused;
+}
+@end
