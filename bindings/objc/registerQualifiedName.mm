@@ -1,4 +1,4 @@
-#import "adapters/apple/registerQualifiedName.h"
+#import "bindings/objc/registerQualifiedName.h"
 
 #import <objc/runtime.h>
 #include <string>

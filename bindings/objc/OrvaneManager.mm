@@ -1,11 +1,12 @@
 #include "orvane/client/OrvaneManager.h"
 
-#import "adapters/apple/KeptBlock.h"
-#import "adapters/apple/Orvane/Orvane.h"
 #import "adapters/apple/platformText.h"
-#import "adapters/apple/registerQualifiedName.h"
 #import "orvane/apple/platformError.h"
 #include "orvane/client/sharedManagerMaker.h"
+
+#import "bindings/objc/KeptBlock.h"
+#import "bindings/objc/include/Orvane/Orvane.h"
+#import "bindings/objc/registerQualifiedName.h"
 
 namespace {
 

@@ -1,8 +1,9 @@
 #include "orvane/device/OVDeviceInfoTool.h"
 
-#import "adapters/apple/Orvane/Orvane.h"
 #import "adapters/apple/platformText.h"
-#import "adapters/apple/registerQualifiedName.h"
+
+#import "bindings/objc/include/Orvane/Orvane.h"
+#import "bindings/objc/registerQualifiedName.h"
 
 @implementation OVDeviceInfoTool
 

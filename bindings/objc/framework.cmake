@@ -2,13 +2,13 @@
 
 find_library(FOUNDATION Foundation REQUIRED)
 target_link_libraries(orvane_apple PRIVATE ${FOUNDATION})
-if(has_uikit)
+if(NOT CMAKE_SYSTEM_NAME STREQUAL "Darwin" OR ORVANE_CATALYST)
   find_library(UIKIT UIKit REQUIRED)
   find_library(CORE_TELEPHONY CoreTelephony REQUIRED)
   target_link_libraries(orvane_apple PRIVATE ${UIKIT} ${CORE_TELEPHONY})
 endif()
 
-set(header ${CMAKE_CURRENT_SOURCE_DIR}/Orvane/Orvane.h)
+set(header ${CMAKE_CURRENT_SOURCE_DIR}/include/Orvane/Orvane.h)
 set(module_map ${CMAKE_CURRENT_SOURCE_DIR}/framework/module.modulemap)
 set(privacy ${CMAKE_CURRENT_SOURCE_DIR}/framework/PrivacyInfo.xcprivacy)
 target_sources(orvane_apple PRIVATE ${header} ${module_map} ${privacy})

@@ -1,10 +1,11 @@
-#import "adapters/apple/Orvane/Orvane.h"
 #import "adapters/apple/platformText.h"
-#import "adapters/apple/registerQualifiedName.h"
 #import "orvane/apple/AppleSession.h"
 #include "orvane/network/ReaddressedSession.h"
 #include "orvane/network/serviceBaseURL.h"
 #include "orvane/platform/Platform.h"
+
+#import "bindings/objc/include/Orvane/Orvane.h"
+#import "bindings/objc/registerQualifiedName.h"
 
 @implementation OVSession
 
