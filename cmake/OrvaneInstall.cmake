@@ -13,7 +13,8 @@ install(TARGETS orvane EXPORT OrvaneTargets
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE COMPONENT development
   FILE_SET HEADERS COMPONENT development
-  FILE_SET host_headers COMPONENT development)
+  FILE_SET host_headers COMPONENT development
+  FILE_SET c_headers COMPONENT development)
 install(EXPORT OrvaneTargets NAMESPACE Orvane:: DESTINATION ${package_dir} COMPONENT development)
 
 configure_package_config_file(cmake/OrvaneConfig.cmake.in ${PROJECT_BINARY_DIR}/OrvaneConfig.cmake

@@ -1,0 +1,113 @@
+#ifndef ORVANE_ORVANE_C_H
+#define ORVANE_ORVANE_C_H
+
+/**
+ * Sign-in by mobile phone number, for C and for languages that call C.
+ *
+ * A program prepares the library once, and then makes three calls: orvane_request_picture_code() fetches a
+ * picture to read, orvane_request_code() has a code sent by SMS, orvane_request_login() logs in with it.
+ *
+ * Each call sends one request and returns. Later it calls `finished` exactly once, and then `release` exactly
+ * once, both with `context`, on the thread of the program's event loop, to which orvane_setup::post posts.
+ * `finished` may be null if the outcome does not matter, and `release` if there is nothing to release. Both
+ * may make calls, and must not throw or jump out. A pointer that they receive is valid until they return.
+ *
+ * Strings are UTF-8, end with a zero byte, and are copied before a function returns. All functions may be
+ * called from any thread. Nothing that the network does stops the process. A mistake in the program does,
+ * with one line on standard error: a null string, a string that is not UTF-8, a call before orvane_prepare(),
+ * or a second orvane_prepare().
+ */
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The library hides all other names. */
+#pragma GCC visibility push(default)
+
+/** The kinds of failure that a program may treat differently. docs/errors.md says what to do after each. */
+typedef enum orvane_kind {
+  ORVANE_REFUSED,       /**< The service refused the call. */
+  ORVANE_NOT_SENT,      /**< The request could not be built or sent. */
+  ORVANE_NO_CONNECTION, /**< The connection failed or was lost. The service may have received the request. */
+  ORVANE_TIMED_OUT,     /**< No reply came in time. The service may have received the request. */
+  ORVANE_NOT_SECURE,    /**< No secure connection could be made. */
+  ORVANE_NOT_READABLE,  /**< A reply came that could not be read. */
+  ORVANE_OTHER          /**< Anything else. */
+} orvane_kind;
+
+/** Why a call failed. */
+typedef struct orvane_failure {
+  orvane_kind kind;   /**< What a program may treat differently. */
+  int64_t code;       /**< The service's code, always 1 after a login; or the code of the transfer's error. */
+  const char* domain; /**< The service's message, the program's words, or the domain of `code`. */
+  const char* message; /**< One sentence for a person. */
+} orvane_failure;
+
+/** What orvane_prepare() needs to know. Set the members that are not used to zero. */
+typedef struct orvane_setup {
+  /** The service's address: "http://" or "https://", a host, and perhaps a port and a path. Null: the address
+      that is compiled into the library. The process stops if it is none. */
+  const char* address;
+
+  /** Posts a task to the program's event loop and returns: the loop later calls `run(task)`, once, and the
+      tasks in their order. Called on any thread, with `context`, until the process ends. Must not be null. */
+  void (*post)(void (*run)(void* task), void* task, void* context);
+
+  /** Returns what to tell a person if a call cannot report its reply: after a login without one, or after a
+      reply without a member that the call reads. Made with malloc(); the library frees it. Called on the
+      event loop's thread, with `context`. May be null or return null: then the library has an English
+      sentence. */
+  char* (*failure_words)(const orvane_failure* cause, void* context);
+
+  /** Handed to the two functions above. */
+  void* context;
+} orvane_setup;
+
+/** Prepares the library, once, before anything else is called. Copies `setup`. */
+void orvane_prepare(const orvane_setup* setup);
+
+/** Sets the client identifier that later calls send. Null clears it. Not to be called while another thread
+    makes a call. */
+void orvane_set_client_id(const char* client_id);
+
+/** Receives the bytes of the picture, or a failure. `failure` is null if and only if there is a picture,
+    which may be empty. */
+typedef void (*orvane_picture_finished)(const uint8_t* bytes, size_t size, const orvane_failure* failure,
+                                        void* context);
+
+/** Receives null if the code was sent. */
+typedef void (*orvane_code_finished)(const orvane_failure* failure, void* context);
+
+/** Receives the service's message, and a failure unless the login was accepted. */
+typedef void (*orvane_login_finished)(const char* message, const orvane_failure* failure, void* context);
+
+/** Fetches the picture verification code for a mobile number. Also writes the error of a failed transfer to
+    standard output: one line with its domain and code. */
+void orvane_request_picture_code(const char* mobile, orvane_picture_finished finished, void* context,
+                                 void (*release)(void* context));
+
+/** Asks the service to send a code by SMS. `picture_text` is what the user read from the picture. */
+void orvane_request_code(const char* mobile, const char* picture_text, orvane_code_finished finished,
+                         void* context, void (*release)(void* context));
+
+/** Logs in with the code that came by SMS. After an accepted login the library reports the system's version,
+    the carrier's name and the device's model to the service, and ignores the outcome. */
+void orvane_request_login(const char* mobile, const char* code, orvane_login_finished finished, void* context,
+                          void (*release)(void* context));
+
+/** Waits until no request is under way, or until `milliseconds` have passed, a day at most. Returns 1 if
+    none is. A program that ends after a login calls it, so that the report about the device is sent. It
+    does not wait for `finished`, which needs the event loop. */
+int orvane_wait_until_idle(int64_t milliseconds);
+
+#pragma GCC visibility pop
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,170 @@
+#include "bindings/c/include/orvane/orvane_c.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <system_error>
+
+#include "orvane/base/decodeUTF8.h"
+#include "orvane/base/fatal.h"
+#include "orvane/network/networkToolError.h"
+#include "orvane/orvane.h"
+#include "orvane/platform/PostingQueue.h"
+#include "orvane/platform/makeDefaultPlatform.h"
+
+#include "bindings/c/CountedSession.h"
+
+namespace orvane {
+namespace {
+
+static_assert(ORVANE_OTHER == hashValue(ErrorKind::other) && ORVANE_REFUSED == hashValue(ErrorKind::refused));
+
+std::atomic<CountedSession*> preparedSession = nullptr;
+
+bool isUTF8(std::string_view text) {
+  std::size_t at = 0;
+  while (at < text.size()) {
+    if (!decodeUTF8(text, at)) return false;
+  }
+  return true;
+}
+
+/// Returns an argument of the function `call`, or stops the process if it is no string.
+std::string argument(const char* string, const char* call) {
+  if (!string) fatal(std::string(call).append(": a string is null"));
+  if (!isUTF8(string)) fatal(std::string(call).append(": a string is not UTF-8"));
+  return string;
+}
+
+/// An error as C sees it. Valid as long as this object.
+class Failure {
+ public:
+  explicit Failure(const Error& error)
+      : domain_(error.domain),
+        message_(orvane::message(error)),
+        failure_{static_cast<orvane_kind>(kind(error)), error.code, domain_.c_str(), message_.c_str()} {}
+  Failure(const Failure&) = delete;
+  Failure& operator=(const Failure&) = delete;
+
+  operator const orvane_failure*() const { return &failure_; }
+
+ private:
+  const std::string domain_;
+  const std::string message_;
+  const orvane_failure failure_;
+};
+
+/// A call's `finished` with its context, which it releases when it is destroyed.
+template <class Finished>
+class Outcome {
+ public:
+  Outcome(Finished finished, void* context, void (*release)(void*))
+      : finished_(finished),
+        context_(
+            context, release ? release : [](void*) {}) {}
+
+  /// Calls `finished`, and releases the context. Called at most once.
+  template <class... Results>
+  void report(const ErrorPtr& error, Results... results) {
+    const auto context = std::move(context_);
+    if (!finished_) return;
+    if (!error) return finished_(results..., nullptr, context.get());
+    finished_(results..., Failure(*error), context.get());
+  }
+
+ private:
+  Finished finished_;
+  std::shared_ptr<void> context_;
+};
+
+/// Returns the shared manager for the function `call`, or stops the process if there is no platform for it.
+OrvaneManager& preparedManager(const char* call) {
+  if (!preparedSession.load()) fatal(std::string(call).append(": orvane_prepare() was not called"));
+  return OrvaneManager::shareManager();
+}
+
+/// Starts a call whose outcome `callback` receives: also if the session throws, because it has no thread.
+template <class Start, class Callback, class... Nothing>
+void start(const Start& makeCall, const Callback& callback, Nothing... nothing) {
+  try {
+    makeCall(callback);
+  } catch (const std::system_error&) {
+    callback(nothing..., networkToolError(requestNotBuilt));
+  }
+}
+
+std::string failureWords(const orvane_setup& setup, const Error& cause) {
+  if (!setup.failure_words) return message(cause);
+  const std::unique_ptr<char, void (*)(void*)> words(setup.failure_words(Failure(cause), setup.context),
+                                                     std::free);
+  return words ? argument(words.get(), "failure_words") : message(cause);
+}
+
+}  // namespace
+}  // namespace orvane
+
+using namespace orvane;
+
+void orvane_prepare(const orvane_setup* given) {
+  if (!given || !given->post) fatal("orvane_prepare: there is no function that posts");
+  const orvane_setup setup = *given;
+  const auto session = std::make_shared<CountedSession>(makeDefaultPlatform().sharedSession);
+  CountedSession* none = nullptr;
+  if (!preparedSession.compare_exchange_strong(none, session.get())) fatal("orvane_prepare: called again");
+  Platform platform{.sharedSession = session};
+  if (setup.address) {
+    platform.sharedSession =
+        std::make_shared<ReaddressedSession>(session, argument(setup.address, "orvane_prepare"));
+  }
+  platform.mainQueue = std::make_shared<PostingQueue>(
+      [setup](void (*run)(void*), void* task) { setup.post(run, task, setup.context); });
+  platform.failureWords = [setup](const Error& cause) { return failureWords(setup, cause); };
+  installPlatform(std::move(platform));
+}
+
+void orvane_set_client_id(const char* client_id) {
+  constexpr const char* call = "orvane_set_client_id";
+  OrvaneManager& manager = preparedManager(call);
+  manager.setClientId(client_id ? std::optional(argument(client_id, call)) : std::nullopt);
+}
+
+void orvane_request_picture_code(const char* mobile, orvane_picture_finished finished, void* context,
+                                 void (*release)(void* context)) {
+  constexpr const char* call = "orvane_request_picture_code";
+  OrvaneManager& manager = preparedManager(call);
+  const auto callback = onMainQueue(
+      [outcome = Outcome(finished, context, release)](std::optional<Bytes> bytes, ErrorPtr error) mutable {
+        outcome.report(error, bytes ? bytes->data() : nullptr, bytes ? bytes->size() : 0);
+      });
+  start([&](auto done) { manager.requestPictureCode(argument(mobile, call), done); }, callback,
+        std::optional<Bytes>());
+}
+
+void orvane_request_code(const char* mobile, const char* picture_text, orvane_code_finished finished,
+                         void* context, void (*release)(void* context)) {
+  constexpr const char* call = "orvane_request_code";
+  OrvaneManager& manager = preparedManager(call);
+  const auto callback = onMainQueue(
+      [outcome = Outcome(finished, context, release)](ErrorPtr error) mutable { outcome.report(error); });
+  start([&](auto done) { manager.requestCode(argument(mobile, call), argument(picture_text, call), done); },
+        callback);
+}
+
+void orvane_request_login(const char* mobile, const char* code, orvane_login_finished finished, void* context,
+                          void (*release)(void* context)) {
+  constexpr const char* call = "orvane_request_login";
+  OrvaneManager& manager = preparedManager(call);
+  const auto callback = onMainQueue([outcome = Outcome(finished, context, release)](
+                                        std::optional<std::string> message, ErrorPtr error) mutable {
+    outcome.report(error, message ? message->c_str() : nullptr);
+  });
+  start([&](auto done) { manager.requestLogin(argument(mobile, call), argument(code, call), done); },
+        callback, std::optional<std::string>());
+}
+
+int orvane_wait_until_idle(int64_t milliseconds) {
+  preparedManager("orvane_wait_until_idle");
+  const std::int64_t longest = std::chrono::milliseconds(std::chrono::hours(24)).count();
+  return preparedSession.load()->waitUntilIdle(
+      std::chrono::milliseconds(std::clamp<std::int64_t>(milliseconds, 0, longest)));
+}
