@@ -1,6 +1,6 @@
 #include "adapters/apple/AppleQueue.h"
 
-#include <memory>
+#include <dispatch/dispatch.h>
 
 namespace orvane {
 namespace {
@@ -14,11 +14,16 @@ void runKept(void* task) {
   (*owned)();
 }
 
-}  // namespace
+class AppleQueue final : public DispatchQueue {
+ public:
+  explicit AppleQueue(dispatch_queue_t queue) : queue_(queue) {}
 
-void AppleQueue::async(Task task) {
-  dispatch_async_f(queue_, keep(std::move(task)), runKept);
-}
+  void async(Task task) override { dispatch_async_f(queue_, keep(std::move(task)), runKept); }
+  void asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification) override;
+
+ private:
+  dispatch_queue_t queue_;
+};
 
 void AppleQueue::asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification) {
   const auto* theirs = dynamic_cast<const AppleQueue*>(notified.get());
@@ -30,6 +35,16 @@ void AppleQueue::asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, 
   dispatch_group_async_f(group, queue_, keep(std::move(task)), runKept);
   dispatch_group_notify_f(group, theirs->queue_, keep(std::move(notification)), runKept);
   dispatch_release(group);
+}
+
+}  // namespace
+
+std::shared_ptr<DispatchQueue> appleMainQueue() {
+  return std::make_shared<AppleQueue>(dispatch_get_main_queue());
+}
+
+std::shared_ptr<DispatchQueue> appleGlobalQueue() {
+  return std::make_shared<AppleQueue>(dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0));
 }
 
 }  // namespace orvane

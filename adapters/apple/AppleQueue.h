@@ -1,23 +1,16 @@
 #pragma once
 
-#include <dispatch/dispatch.h>
+#include <memory>
 
 #include "orvane/platform/DispatchQueue.h"
 
 namespace orvane {
 
-/// A queue of libdispatch's that lives until the process ends: the main queue or the global one.
-class AppleQueue final : public DispatchQueue {
- public:
-  explicit AppleQueue(dispatch_queue_t queue) : queue_(queue) {}
-
-  void async(Task task) override;
-
-  /// Uses a dispatch group if `notified` is a queue of libdispatch's, too.
-  void asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification) override;
-
- private:
-  dispatch_queue_t queue_;
-};
+/// Returns libdispatch's queue of this kind, which lives until the process ends. A group of one of them that
+/// notifies the other is a group of libdispatch's.
+///@{
+std::shared_ptr<DispatchQueue> appleMainQueue();
+std::shared_ptr<DispatchQueue> appleGlobalQueue();
+///@}
 
 }  // namespace orvane

@@ -11,7 +11,7 @@ namespace {
 
 NSURLRequest* platformRequest(const URLRequest& request) {
   NSURL* const url = [NSURL URLWithString:platformText(request.url())];
-  NSMutableURLRequest* const made = [[[NSMutableURLRequest alloc] initWithURL:url] autorelease];
+  NSMutableURLRequest* const made = [NSMutableURLRequest requestWithURL:url];
   [made setHTTPMethod:platformText(request.method())];
   if (const std::optional<Bytes>& body = request.body())
     [made setHTTPBody:[NSData dataWithBytes:body->data() length:body->size()]];
@@ -22,7 +22,7 @@ NSURLRequest* platformRequest(const URLRequest& request) {
 
 /// Refers to the bytes of `data` in place. Only mutable data is copied: `copy` returns immutable data itself.
 Body lentBody(NSData* data) {
-  NSData* const kept = [[data copy] autorelease];
+  NSData* const kept = autoreleased([data copy]);
   return {{static_cast<const std::uint8_t*>([kept bytes]), [kept length]}, retained(kept)};
 }
 
@@ -52,7 +52,7 @@ NSError* unsupportedURL(NSURL* url) {
 void guardRedirects(NSURLSessionTask* task, std::shared_ptr<RefusedURL> refused) {
   if (@available(iOS 15.0, macOS 12.0, macCatalyst 15.0, *)) {
     if (![task respondsToSelector:@selector(setDelegate:)]) return;
-    OVRedirectGuard* const guard = [[[OVRedirectGuard alloc] init] autorelease];
+    OVRedirectGuard* const guard = autoreleased([[OVRedirectGuard alloc] init]);
     guard->refused = std::move(refused);
     [task setDelegate:guard];
   }
@@ -66,7 +66,7 @@ AppleSession::AppleSession(NSURLSession* session) : session_(retained(session)) 
 }
 
 NSURLSession* AppleSession::session() const {
-  return (NSURLSession*)session_.get();
+  return objectIn<NSURLSession>(session_);
 }
 
 void AppleSession::startDataTask(URLRequest request, DataTaskHandler handler) {
@@ -79,9 +79,9 @@ void AppleSession::startDataTask(URLRequest request, DataTaskHandler handler) {
         [session() dataTaskWithRequest:made
                      completionHandler:^(NSData* body, NSURLResponse* response, NSError* error) {
                        // Without a guard the task went on to a plain reply.
-                       if (losesEncryption((NSURL*)first.get(), [response URL]))
+                       if (losesEncryption(objectIn<NSURL>(first), [response URL]))
                          *refused = retained([response URL]);
-                       NSError* const refusal = *refused ? unsupportedURL((NSURL*)refused->get()) : nil;
+                       NSError* const refusal = *refused ? unsupportedURL(objectIn<NSURL>(*refused)) : nil;
                        if (*kept) (*kept)(resultOf(body, response, refusal ? refusal : error));
                      }];
     guardRedirects(task, refused);

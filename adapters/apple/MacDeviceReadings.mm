@@ -1,6 +1,9 @@
 // The readings on macOS, where a device has neither a vendor identifier nor a carrier nor a built-in screen
 // to report.
 
+#include <TargetConditionals.h>
+#if TARGET_OS_OSX
+
 #import "adapters/apple/AppleDeviceReadings.h"
 #import "adapters/apple/platformText.h"
 
@@ -36,3 +39,5 @@ double AppleDeviceReadings::screenScale() const {
 }
 
 }  // namespace orvane
+
+#endif

@@ -5,7 +5,7 @@
 
 namespace orvane {
 
-/// Returns true if a request that continues from `from` to `to` is no longer encrypted: from https to http.
+/// Returns true if a redirect from `from` to `to` leaves encryption: from https to http.
 bool losesEncryption(NSURL* from, NSURL* to);
 
 /// The URL (an NSURL) that a task did not continue to, or null. Used on the session's delegate queue alone.

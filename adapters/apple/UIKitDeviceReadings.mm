@@ -1,11 +1,15 @@
 // The readings on iOS and on Mac Catalyst.
 
+#include <TargetConditionals.h>
+#if TARGET_OS_IPHONE
+
 #import <CoreTelephony/CTCarrier.h>
 #import <CoreTelephony/CTTelephonyNetworkInfo.h>
 #import <UIKit/UIKit.h>
 
 #import "adapters/apple/AppleDeviceReadings.h"
 #import "adapters/apple/platformText.h"
+#import "adapters/apple/retained.h"
 
 // The carrier and the main screen are deprecated. Their successors do not report the same facts.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
@@ -32,7 +36,7 @@ std::optional<std::string> AppleDeviceReadings::identifierForVendor() const {
 
 std::optional<std::string> AppleDeviceReadings::carrierName() const {
   @autoreleasepool {
-    CTTelephonyNetworkInfo* const info = [[[CTTelephonyNetworkInfo alloc] init] autorelease];
+    CTTelephonyNetworkInfo* const info = autoreleased([[CTTelephonyNetworkInfo alloc] init]);
     return optionalUTF8([[info subscriberCellularProvider] carrierName]);
   }
 }
@@ -51,3 +55,5 @@ double AppleDeviceReadings::screenScale() const {
 }
 
 }  // namespace orvane
+
+#endif

@@ -20,7 +20,7 @@ ErrorPtr makeError(NSError* error) {
 
 NSError* platformError(const ErrorPtr& error) {
   if (!error) return nil;
-  if (error->platformError) return [[(NSError*)error->platformError.get() retain] autorelease];
+  if (error->platformError) return objectIn<NSError>(error->platformError);
   NSMutableDictionary* const userInfo = [NSMutableDictionary dictionary];
   for (const auto& [key, value] : error->userInfo) {
     if (const std::string* text = value.text())

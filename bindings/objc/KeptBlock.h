@@ -11,12 +11,12 @@ template <class Block>
 class KeptBlock {
  public:
   explicit KeptBlock(Block block) {
-    if (block) block_.reset((void*)Block_copy(block), [](void* copied) { Block_release(copied); });
+    if (block) block_.reset(_Block_copy((__bridge const void*)block), _Block_release);
   }
 
   template <class... Arguments>
   void operator()(Arguments... arguments) const {
-    if (block_) ((Block)block_.get())(arguments...);
+    if (block_) ((__bridge Block)block_.get())(arguments...);
   }
 
  private:

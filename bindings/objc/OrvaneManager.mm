@@ -55,10 +55,12 @@ std::unique_ptr<orvane::OrvaneManager> makeSharedManager() {
   return [super init];
 }
 
+#if !__has_feature(objc_arc)
 - (void)dealloc {
   [clientId release];
   [super dealloc];
 }
+#endif
 
 - (void)setAppClientId:(NSString*)identifier {
   [self setClientId:identifier ? identifier : @""];
