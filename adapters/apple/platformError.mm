@@ -5,6 +5,20 @@
 
 namespace orvane {
 
+namespace {
+
+/// The key of the cause in the user information of a failure in the application's words.
+NSString* const causeKey = @"OrvaneCause";
+
+NSDictionary* wordsAndCause(const Error& error) {
+  return @{
+    NSLocalizedDescriptionKey : platformText(error.domain),
+    causeKey : platformError(error.cause),
+  };
+}
+
+}  // namespace
+
 ErrorPtr makeError(NSError* error) {
   if (!error) return nullptr;
   Map userInfo;
@@ -14,14 +28,15 @@ ErrorPtr makeError(NSError* error) {
     const Class text = [NSString class];
     if ([key isKindOfClass:text] && [value isKindOfClass:text]) userInfo.emplace(utf8(key), utf8(value));
   }
-  return std::make_shared<const Error>(
-      Error{utf8([error domain]), [error code], std::move(userInfo), retained(error)});
+  return std::make_shared<const Error>(Error{utf8([error domain]), [error code], std::move(userInfo),
+                                             retained(error), makeError([entries objectForKey:causeKey])});
 }
 
 NSError* platformError(const ErrorPtr& error) {
   if (!error) return nil;
   if (error->platformError) return objectIn<NSError>(error->platformError);
   NSMutableDictionary* const userInfo = [NSMutableDictionary dictionary];
+  if (error->cause) [userInfo addEntriesFromDictionary:wordsAndCause(*error)];
   for (const auto& [key, value] : error->userInfo) {
     if (const std::string* text = value.text())
       [userInfo setObject:platformText(*text) forKey:platformText(key)];

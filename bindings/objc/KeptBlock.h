@@ -15,8 +15,9 @@ class KeptBlock {
   }
 
   template <class... Arguments>
-  void operator()(Arguments... arguments) const {
-    if (block_) ((__bridge Block)block_.get())(arguments...);
+  auto operator()(Arguments... arguments) const {
+    using Result = decltype(((__bridge Block)block_.get())(arguments...));
+    return block_ ? ((__bridge Block)block_.get())(arguments...) : Result();
   }
 
  private:

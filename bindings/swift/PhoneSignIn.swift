@@ -1,7 +1,7 @@
 import Foundation
 
-/// Signs a user in with a mobile phone number, in three calls. ``PhoneSignInClient`` makes them at the identity
-/// service. An application's tests use a type of their own instead.
+/// Signs a user in with a mobile phone number, in three calls. ``PhoneSignInClient`` makes them at the
+/// identity service. An application's tests use a type of their own instead.
 ///
 /// A call throws a ``SignInError``, or `CancellationError` if its task is cancelled, and nothing else.
 public protocol PhoneSignIn: Sendable {

@@ -5,7 +5,8 @@ import OrvaneC
 /// Makes the calls of a sign-in at the identity service. Nothing that the network does ends the process.
 ///
 /// Make one client, when the application starts, and share it: a second one ends the process. It may be used
-/// from any task and any actor. The library needs the main dispatch queue to run, as it does in an application.
+/// from any task and any actor. The library needs the main dispatch queue to run, as it does in an
+/// application.
 public struct PhoneSignInClient: PhoneSignIn {
   /// Prepares the library.
   /// - Parameters:

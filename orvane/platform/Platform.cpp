@@ -22,6 +22,7 @@ bool putInUse(Platform candidate) {
   complete(&Platform::globalQueue);
   complete(&Platform::textRules);
   complete(&Platform::deviceReadings);
+  complete(&Platform::failureWords);
 
   auto completed = std::make_unique<const Platform>(std::move(candidate));
   const Platform* none = nullptr;

@@ -179,10 +179,13 @@ TEST(SignInCalls, NilIsAnEmptyTextOrNoBlock) {
   [manager setClientId:nil];
 }
 
-void useSession(BOOL encrypted) {
-  [NSClassFromString(@"Orvane.OVSession") useSession:[NSURLSession sharedSession]
-                                      failureMessage:@"No connection."
-                                           encrypted:encrypted];
+void useSession(NSString* address) {
+  NSURL* const url = address ? [NSURL URLWithString:address] : nil;
+  [NSClassFromString(@"Orvane.OVSession") useSession:nil
+                                             address:url
+                                        failureWords:^(NSError* cause) {
+                                          return [@"No login: " stringByAppendingString:[cause domain]];
+                                        }];
 }
 
 /// Ends the process well unless `act` stops it. The session reports neither a body nor an error.
@@ -212,8 +215,8 @@ TEST(SignInCallsDeathTest, FatalCasesStopTheProcess) {
          const orvane::AppleSession session(none);
        },
        "there is no NSURLSession"},
-      {[] { [OVDeviceInfoTool getSystemName], useSession(NO); }, "installPlatform: the platform is in use"},
-      {[] { useSession(NO), useSession(NO); }, "installPlatform: the platform is in use"},
+      {[] { [OVDeviceInfoTool getSystemName], useSession(nil); }, "OVSession: the library is in use"},
+      {[] { useSession(@"ftp://own.example"); }, "ReaddressedSession: the address does not begin"},
   };
   for (const Row& row : rows)
     EXPECT_EXIT(leaveAfter(row.act), testing::KilledBySignal(SIGABRT), row.complaint)
@@ -223,30 +226,70 @@ TEST(SignInCallsDeathTest, FatalCasesStopTheProcess) {
 void signInByAnotherSession() {
   devservice::IdentityService identities;
   const devservice::Server server(identities);
-  [OVSession useSession:standins::sessionOver(sessionTo(server.port())) failureMessage:@"No connection."];
+  useSession(@"http://not.used.example");
+  [OVSession useSession:standins::sessionOver(sessionTo(server.port())) address:nil failureWords:nil];
   signIn([OrvaneManager shareManager], @"+447700900004", identities);
   _exit(testing::Test::HasFailure() ? 1 : 0);
 }
 
-/// Logs in, and receives status 200 and a page of HTML.
-void logInBehindAPortal(BOOL encrypted) {
-  useCanned({replied("<html>Sign in to this network</html>")});
-  useSession(encrypted);
+/// Logs in, and receives `result`.
+void logIn(NSString* address, const DataTaskResult& result, const char* domain, OVErrorKind kind) {
+  useCanned({result});
+  useSession(address);
+  __block OVErrorKind told = OVErrorKindOther;
+  __block std::string message;
+  const std::string words = std::string("No login: ") + domain;
+  [[OrvaneManager shareManager] requestLogin:@"1"
+                                        code:@"2"
+                                    finished:^(NSString* text, NSError* error) {
+                                      told = OVKindOfError(error);
+                                      message = bytesOf(OVMessageOfError(error));
+                                      EXPECT_EQ(bytesOf(text), message);
+                                      EXPECT_EQ(bytesOf([error localizedDescription]), message);
+                                      orvane::hostMainQueue().stop();
+                                    }];
+  orvane::hostMainQueue().run();
+  EXPECT_EQ(told, kind);
+  EXPECT_EQ(message, words);
   const Outcome outcome = perform([OrvaneManager shareManager], Call::login, @"1", @"2");
-  EXPECT_EQ(outcome.answer, "No connection.");
-  EXPECT_EQ(outcome.error, "No connection. 1 0");
+  EXPECT_EQ(outcome.answer, words);
+  EXPECT_EQ(outcome.error, words + " 1 2");
   EXPECT_TRUE(outcome.isOnMainQueue);
-  EXPECT_TRUE(CannedSession::lastURL.starts_with(encrypted ? "https://" : "http://"))
+  EXPECT_TRUE(CannedSession::lastURL.starts_with(address ? "https://own.example/v1/tenant" : "http://"))
       << CannedSession::lastURL;
   _exit(testing::Test::HasFailure() ? 1 : 0);
+}
+
+void logInBehindAPortal() {
+  logIn(nil, replied("<html>Sign in to this network</html>"), "com.brovent.error", OVErrorKindNotReadable);
+}
+
+void logInWithoutANetwork() {
+  const DataTaskResult lost =
+      orvane::test::failed({"NSURLErrorDomain", -1009, {{"NSLocalizedDescription", "offline"}}});
+  logIn(@"https://own.example/v1/", lost, "NSURLErrorDomain", OVErrorKindNoConnection);
 }
 
 TEST(SignInCallsDeathTest, GoThroughTheSessionThatIsChosen) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const testing::ExitedWithCode well(0);
   EXPECT_EXIT(signInByAnotherSession(), well, "");
-  EXPECT_EXIT(logInBehindAPortal(NO), well, "");
-  EXPECT_EXIT(logInBehindAPortal(YES), well, "");
+  EXPECT_EXIT(logInBehindAPortal(), well, "");
+  EXPECT_EXIT(logInWithoutANetwork(), well, "");
+}
+
+TEST(SignInCalls, TellTheKindOfAnErrorAndASentence) {
+  @autoreleasepool {
+    NSError* const refusal = [NSError errorWithDomain:@"Busy" code:7 userInfo:nil];
+    EXPECT_EQ(OVKindOfError(refusal), OVErrorKindRefused);
+    EXPECT_EQ(bytesOf(OVMessageOfError(refusal)), "Busy");
+    // Apple's key. GNUstep's constant has another text.
+    NSError* const late = [NSError errorWithDomain:@"NSURLErrorDomain"
+                                              code:-1001
+                                          userInfo:@{@"NSLocalizedDescription" : @"Too late."}];
+    EXPECT_EQ(OVKindOfError(late), OVErrorKindTimedOut);
+    EXPECT_EQ(bytesOf(OVMessageOfError(late)), "Too late.");
+  }
 }
 
 std::size_t bytesInUse() {

@@ -17,7 +17,7 @@ void useOrvane(void) {
   OrvaneManager* manager = OrvaneManager.shareManager;
   manager.clientId = nil;
   [manager setAppClientId:[NSString stringWithFormat:@"%f %s", OrvaneVersionNumber, OrvaneVersionString]];
-  [OVSession useSession:NSURLSession.sharedSession failureMessage:nil];
+  [OVSession useSession:NSURLSession.sharedSession address:nil failureWords:nil];
   [[[OrvaneManager class] new] requestPictureCode:@"" finished:finished];
   [manager requestCode:@""
             codeNumber:[OVDeviceInfoTool getcarrierName]

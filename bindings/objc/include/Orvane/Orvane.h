@@ -121,29 +121,58 @@ __attribute__((visibility("default")))
 
 @end
 
-/// Sets the URL session of all calls. Without it they use NSURLSession's shared session, and a login stops
-/// the process if its request fails.
-///
-/// Call one of its methods at most once, before the first call of any manager and before OVDeviceInfoTool is
-/// used. Later they stop the process.
+/// The kinds of failure that an application may treat differently. docs/errors.md says what to do after each.
+typedef NS_ENUM(NSInteger, OVErrorKind) {
+  OVErrorKindRefused,       ///< The service refused the call.
+  OVErrorKindNotSent,       ///< The request could not be built or sent.
+  OVErrorKindNoConnection,  ///< The connection failed or was lost. The service may have received the request.
+  OVErrorKindTimedOut,      ///< No reply came in time. The service may have received the request.
+  OVErrorKindNotSecure,     ///< No secure connection could be made.
+  OVErrorKindNotReadable,   ///< A reply came that could not be read.
+  OVErrorKindOther,         ///< Anything else.
+};
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// Returns the kind of an error that a block received. An error without user information is a refusal.
+__attribute__((visibility("default"))) OVErrorKind OVKindOfError(NSError* error);
+
+/// Returns one sentence for a person: the message of a refusal, the application's own words for a failure,
+/// the system's description of its error, or an English sentence if there is none of these.
+__attribute__((visibility("default"))) NSString* OVMessageOfError(NSError* error);
+
+#ifdef __cplusplus
+}
+#endif
+
+/// Chooses how all calls reach the service, and what they say if they do not. Without it they use
+/// NSURLSession's shared session and the address that is compiled in, and a login stops the process if its
+/// request fails.
 ORVANE_SENDABLE
 __attribute__((visibility("default")))
 @interface OVSession : NSObject
 
-/// Sends all requests through `session`. Its delegate queue must be serial and not the main queue, as it is
-/// by default.
+/// Sends all requests through `session`, to `address`. The words keep every failure from stopping the
+/// process.
 ///
-/// With a `failureMessage` nothing that the network sends stops the process. Where a call would stop it, the
-/// block receives on the main queue a refusal with that message as its domain, and with the code -1, or 1 for
-/// a login. Nil changes nothing.
-+ (void)useSession:(NSURLSession*)session
-    failureMessage:(nullable NSString*)failureMessage ORVANE_NAME(use(_:failureMessage:));
-
-/// As above. If `encrypted` is true, also sends the requests to the service over HTTPS, which the service
-/// must offer on port 443.
-+ (void)useSession:(NSURLSession*)session
-    failureMessage:(nullable NSString*)failureMessage
-         encrypted:(BOOL)encrypted ORVANE_NAME(use(_:failureMessage:encrypted:));
+/// Nil stands for the shared session. The delegate queue of another must be serial and not the main queue, as
+/// it is by default. It must not be invalidated.
+///
+/// `address` is "http://" or "https://", a host, and perhaps a port and a path. The process stops if it is
+/// none. Nil stands for the address that is compiled in.
+///
+/// `failureWords` returns what to tell a person about a failure. Where a call would stop the process for what
+/// the network did, it calls the block with the cause, on the main queue. Then the call's own block receives,
+/// also on the main queue, an error whose domain is the words, and whose code is -1, or 1 for a login.
+/// OVKindOfError() tells the kind of its cause. With nil, such a call stops the process.
+///
+/// The last call counts. Once a manager has made a call, or OVDeviceInfoTool was used, it stops the process.
++ (void)useSession:(nullable NSURLSession*)session
+           address:(nullable NSURL*)address
+      failureWords:(nullable NSString*(ORVANE_SENDABLE ^)(NSError* cause))failureWords
+    ORVANE_NAME(use(_:address:failureWords:));
 
 /// Makes an object that has no use, since all methods are the class's.
 - (instancetype)init;

@@ -1,0 +1,27 @@
+#import "adapters/apple/platformText.h"
+#import "orvane/apple/platformError.h"
+#include "orvane/client/ErrorKind.h"
+
+#import "bindings/objc/include/Orvane/Orvane.h"
+
+static_assert(OVErrorKindRefused == orvane::hashValue(orvane::ErrorKind::refused) &&
+              OVErrorKindOther == orvane::hashValue(orvane::ErrorKind::other));
+
+namespace {
+
+/// Makes the error that C++ receives. A refusal has no user information, and C++ sees no object with it.
+orvane::Error errorOf(NSError* error) {
+  orvane::Error made = *orvane::makeError(error);
+  if ([[error userInfo] count] == 0) made.platformError = nullptr;
+  return made;
+}
+
+}  // namespace
+
+OVErrorKind OVKindOfError(NSError* error) {
+  return static_cast<OVErrorKind>(orvane::hashValue(orvane::kind(errorOf(error))));
+}
+
+NSString* OVMessageOfError(NSError* error) {
+  return orvane::platformText(orvane::message(errorOf(error)));
+}
