@@ -2,50 +2,59 @@
 import Foundation
 import PackageDescription
 
-// The library from source, for Swift. Builds without CMake.
+// The library from source, without CMake.
+//   OrvaneSignIn   the sign-in for Swift, on Apple's systems and on Linux
+//   Orvane         the classes for Objective-C, on Apple's systems
 
-// The service's address, if the application does not give one at run time.
+// The service's address, if the application gives none at run time: http:// and a host name.
 let baseURL = Context.environment["ORVANE_BASE_URL"] ?? "http://identity.orvane.example"
 
 #if os(Linux)
 let adapter = "adapters/host"
 let linked: [LinkerSetting] = [.linkedLibrary("curl"), .linkedLibrary("utf8proc")]
+let products: [Product] = []
+let targets: [Target] = []
 #else
 let adapter = "adapters/apple"
 let linked: [LinkerSetting] = [
   .linkedFramework("UIKit", .when(platforms: [.iOS, .macCatalyst])),
   .linkedFramework("CoreTelephony", .when(platforms: [.iOS, .macCatalyst])),
 ]
+let products: [Product] = [.library(name: "Orvane", targets: ["Orvane"])]
+let targets: [Target] = [
+  .target(
+    name: "Orvane", dependencies: ["OrvaneC"], path: "bindings",
+    exclude: ["c", "objc/CMakeLists.txt", "objc/framework", "objc/framework.cmake", "swift"],
+    sources: ["objc"], resources: [.copy("PrivacyInfo.xcprivacy")], publicHeadersPath: "objc/include",
+    cxxSettings: [.headerSearchPath(".."), .headerSearchPath("../adapters/apple/include")])
+]
 #endif
 
-/// What a native target leaves out of the whole checkout. A folder that is not there would be warned of.
+// What the target at the root leaves out. SwiftPM warns of a folder that is not there.
 let excluded = [
-  "CMakeLists.txt", "bench", "build", "cmake", "docs", "examples", "fuzz", "orvane/CMakeLists.txt",
-  "orvane/installed-headers.txt", "scripts", "tests", "tools", "\(adapter)/CMakeLists.txt",
-  "bindings/c/CMakeLists.txt", "bindings/swift",
+  "CMakeLists.txt", "\(adapter)/CMakeLists.txt", "bench", "bindings/PrivacyInfo.xcprivacy",
+  "bindings/c/CMakeLists.txt", "bindings/objc", "bindings/swift", "build", "cmake", "docs", "examples",
+  "fuzz", "orvane/CMakeLists.txt", "orvane/installed-headers.txt", "scripts", "tests", "tools",
 ].filter { FileManager.default.fileExists(atPath: "\(Context.packageDirectory)/\($0)") }
-
-/// A target of C++ and Objective-C++. Its path is the root, from which the sources include headers.
-func native(
-  _ name: String, dependencies: [Target.Dependency] = [], sources: [String], headers: String
-) -> Target {
-  .target(
-    name: name, dependencies: dependencies, path: ".", exclude: excluded, sources: sources,
-    publicHeadersPath: headers,
-    cxxSettings: [
-      .headerSearchPath("."), .headerSearchPath("\(adapter)/include"),
-      .define("ORVANE_BASE_URL", to: "\"\(baseURL)\""), .define("ORVANE_VERSION", to: "\"1.0\""),
-    ],
-    linkerSettings: linked)
-}
 
 let package = Package(
   name: "Orvane",
   platforms: [.iOS(.v13), .macOS(.v10_15), .macCatalyst(.v14)],
-  products: [.library(name: "OrvaneSignIn", targets: ["OrvaneSignIn"])],
-  targets: [
-    native("OrvaneC", sources: ["orvane", adapter, "bindings/c"], headers: "bindings/c/include"),
-    .target(name: "OrvaneSignIn", dependencies: ["OrvaneC"], path: "bindings/swift"),
+  products: products + [.library(name: "OrvaneSignIn", targets: ["OrvaneSignIn"])],
+  targets: targets + [
+    // The whole library with its interface for C. Its path is the root, from which it includes its headers: in
+    // targets for each folder, SwiftPM would make modules of the C++ headers.
+    .target(
+      name: "OrvaneC", path: ".", exclude: excluded, sources: ["orvane", adapter, "bindings/c"],
+      publicHeadersPath: "bindings/c/include",
+      cxxSettings: [
+        .headerSearchPath("."), .headerSearchPath("\(adapter)/include"),
+        .define("ORVANE_BASE_URL", to: "\"\(baseURL)\""), .define("ORVANE_VERSION", to: "\"1.0\""),
+      ],
+      linkerSettings: linked),
+    .target(
+      name: "OrvaneSignIn", dependencies: ["OrvaneC"], path: "bindings", exclude: ["c", "objc"],
+      sources: ["swift"], resources: [.copy("PrivacyInfo.xcprivacy")]),
   ],
   cxxLanguageStandard: .cxx20
 )

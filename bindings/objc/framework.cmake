@@ -10,7 +10,7 @@ endif()
 
 set(header ${CMAKE_CURRENT_SOURCE_DIR}/include/Orvane/Orvane.h)
 set(module_map ${CMAKE_CURRENT_SOURCE_DIR}/framework/module.modulemap)
-set(privacy ${CMAKE_CURRENT_SOURCE_DIR}/framework/PrivacyInfo.xcprivacy)
+set(privacy ${PROJECT_SOURCE_DIR}/bindings/PrivacyInfo.xcprivacy)
 target_sources(orvane_apple PRIVATE ${header} ${module_map} ${privacy})
 set_source_files_properties(${module_map} PROPERTIES MACOSX_PACKAGE_LOCATION Modules)
 set_target_properties(orvane_apple PROPERTIES
