@@ -50,12 +50,12 @@ static asio::awaitable<void> signIn() {
 }
 
 int main(int argc, char** argv) {
-  auto& loop = *new asio::io_context;  // Never destroyed: the library may post to it until the process ends.
-  const auto post = [&](Task task) { asio::post(loop, std::move(task)); };
+  asio::io_context loop;
+  const auto queue = std::make_shared<PostingQueue>([&](Task task) { asio::post(loop, std::move(task)); });
   const std::string address = argc > 1 ? argv[1] : std::string(serviceBaseURL());
   const auto session = std::make_shared<HostSession>();
   installPlatform({.sharedSession = std::make_shared<ReaddressedSession>(session, address),
-                   .mainQueue = std::make_shared<PostingQueue>(post),
+                   .mainQueue = queue,
                    .failureWords = message});
   const auto work = asio::make_work_guard(loop);
   int status = 0;
@@ -70,5 +70,6 @@ int main(int argc, char** argv) {
   });
   loop.run();
   session->waitUntilIdle(std::chrono::seconds(10));  // Until the report about the device is sent.
+  queue->close();                                    // Before the loop ends.
   return status;
 }

@@ -60,19 +60,19 @@ static Detached signIn() {
 }
 
 int main(int argc, char** argv) {
-  // Never destroyed: the library may post to it until the process ends.
-  auto& application = *new QCoreApplication(argc, argv);
-  const auto post = [&application](Task task) {
+  QCoreApplication application(argc, argv);
+  const auto queue = std::make_shared<PostingQueue>([&application](Task task) {
     QMetaObject::invokeMethod(&application, std::move(task), Qt::QueuedConnection);
-  };
+  });
   const std::string address = argc > 1 ? argv[1] : std::string(serviceBaseURL());
   const auto session = std::make_shared<HostSession>();
   installPlatform({.sharedSession = std::make_shared<ReaddressedSession>(session, address),
-                   .mainQueue = std::make_shared<PostingQueue>(post),
+                   .mainQueue = queue,
                    .failureWords = message});
   QMetaObject::invokeMethod(
       &application, [] { signIn(); }, Qt::QueuedConnection);
   const int status = QCoreApplication::exec();
   session->waitUntilIdle(std::chrono::seconds(10));  // Until the report about the device is sent.
+  queue->close();                                    // Before the loop ends.
   return status;
 }

@@ -16,8 +16,10 @@ class CountedSession final : public URLSession {
   explicit CountedSession(std::shared_ptr<URLSession> session) : session_(std::move(session)) {}
 
   void startDataTask(URLRequest request, DataTaskHandler handler) override {
-    session_->startDataTask(std::move(request), [counted = count(), handler = std::move(handler)](
-                                                    DataTaskResult result) { handler(std::move(result)); });
+    session_->startDataTask(std::move(request),
+                            [counted = count(), handler = std::move(handler)](DataTaskResult result) {
+                              if (handler) handler(std::move(result));
+                            });
   }
   void cancelAllOperations() override { session_->cancelAllOperations(); }
 

@@ -3,6 +3,8 @@
 #include <concepts>
 #include <functional>
 #include <memory>
+#include <mutex>
+#include <shared_mutex>
 #include <utility>
 
 #include "orvane/base/Export.h"
@@ -12,7 +14,7 @@ namespace orvane {
 
 /// A main queue for a program with an event loop: hands each task to a function that posts it to that loop.
 /// The function is called on the thread that queues the task, and must not run the task itself. Replies may
-/// come until the process ends, so the loop that it posts to must live that long.
+/// come until the process ends, so close() the queue before its loop is destroyed.
 class ORVANE_API PostingQueue final : public DispatchQueue {
  public:
   /// Posts with `post`.
@@ -24,7 +26,19 @@ class ORVANE_API PostingQueue final : public DispatchQueue {
   explicit PostingQueue(Post post)
       : post_([post](Task task) { post(runTask, std::make_unique<Task>(std::move(task)).release()); }) {}
 
-  void async(Task task) override { post_(std::move(task)); }
+  void async(Task task) override {
+    const std::shared_lock posting(posting_);
+    if (post_) post_(std::move(task));
+  }
+
+  /// Drops all tasks that come later: callbacks are not called any more, and coroutines neither resumed nor
+  /// destroyed. Waits for calls of the function that are under way, so it must not be called inside one. May
+  /// be called from any thread.
+  void close() {
+    std::function<void(Task)> closed;
+    const std::unique_lock lock(posting_);
+    closed.swap(post_);
+  }
 
  private:
   static void runTask(void* task) {
@@ -32,6 +46,8 @@ class ORVANE_API PostingQueue final : public DispatchQueue {
     (*owned)();
   }
 
+  // Shared by all that post, so that it delays none of them. Alone it lets close() wait for them.
+  std::shared_mutex posting_;
   std::function<void(Task)> post_;
 };
 

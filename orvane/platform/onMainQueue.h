@@ -13,7 +13,9 @@ namespace orvane {
 /// The callback itself may be called on any thread. Use it where `finished` or a completion must not run on
 /// the session queue:
 ///
-/// manager.requestCode(mobile, text, onMainQueue([this](ErrorPtr error) { show(error); }));
+/// manager.requestCode(mobile, text, onMainQueue([form = weak_from_this()](ErrorPtr error) {
+///   if (const auto open = form.lock()) open->show(error);
+/// }));
 ///
 /// `finished` must not be empty. Calls it at most once. It may have move-only captures. They are released
 /// with the last copy of the callback, even if the callback is never called.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "orvane/platform/MainQueue.h"
+#include "orvane/platform/PostingQueue.h"
 
 namespace orvane::test {
 namespace {
@@ -56,6 +57,29 @@ TEST(MainQueue, KeepsTheTasksAfterOneThatThrows) {
     run();
     EXPECT_EQ(ran, "12345");
   }
+}
+
+TEST(PostingQueue, DropsWhatComesAfterItsEndAndWaitsForWhatIsUnderWay) {
+  std::promise<void> posting, mayReturn;
+  std::vector<Task> posted;
+  PostingQueue queue([&](Task task) {
+    posting.set_value();
+    mayReturn.get_future().wait();
+    posted.push_back(std::move(task));
+  });
+  std::thread poster([&] { queue.async([] {}); });
+  posting.get_future().wait();
+  std::thread closer([&] {
+    queue.close();
+    EXPECT_EQ(posted.size(), 1U);
+  });
+  mayReturn.set_value();
+  poster.join();
+  closer.join();
+  const auto captured = std::make_shared<int>();
+  queue.async([captured] {});
+  EXPECT_EQ(posted.size(), 1U);
+  EXPECT_EQ(captured.use_count(), 1);
 }
 
 TEST(DispatchQueue, AGroupNotifiesAfterItsTask) {
