@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <latch>
+#include <list>
 #include <netinet/in.h>
 #include <poll.h>
 #include <string_view>
@@ -77,6 +79,12 @@ class Client {
 
   Json codeOf(std::string_view text) { return bodyOf(send(text).receive())["code"]; }
 
+  /// Returns true if the server has neither sent anything nor closed the connection.
+  bool isSilent() const {
+    char byte = 0;
+    return recv(descriptor_, &byte, 1, MSG_PEEK | MSG_DONTWAIT) < 0;
+  }
+
   /// Returns true if the server has closed the connection.
   bool hasEnded() const {
     char byte = 0;
@@ -105,11 +113,16 @@ TEST(DevServer, KeepsItsPortItsConnectionsAndFieldsAsTheyCame) {
 }
 
 TEST(DevServer, RefusesOrSpoils) {
+  const std::string chunked = "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n";
   const std::tuple<std::string, std::string, Json> cases[] = {
       {"GET / HTTP/1.1\r\n" + std::string(65'519, '\n') + "\r\n", "HTTP/1.1 400", 1009},
       {"POST / HTTP/1.1\r\nContent-Length: 99999\r\n\r\n" + std::string(99999, ' '), "HTTP/1.1 413", 1005},
       {"\x16\x03\x01\r\n\r\n", "HTTP/1.1 400", 1009},
-      {"POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nx\r\n", "HTTP/1.1 400", 1009},
+      {chunked + "x\r\n", "HTTP/1.1 400", 1009},
+      {chunked + "1;" + std::string(300'000, 'a'), "HTTP/1.1 413", 1005},
+      {chunked + "0\r\nX: " + std::string(300'000, 'a'), "HTTP/1.1 413", 1005},
+      {"POST / HTTP/1.1\r\nTransfer-Encoding: gzip\r\n\r\n", "HTTP/1.1 501", 1009},
+      {"\r\n\r\nGET /x HTTP/1.0\r\nConnection: keep-alive\r\n\r\n", "HTTP/1.0 404", 1006},
       {"GET /" + std::string(70'000, 'a') + " HTTP/1.1\r\n\r\n", "HTTP/1.1 431", 1005},
       {"GET /%00%2g%2 HTTP/1.1\r\n\r\n", "HTTP/1.1 404", 1006},
       {"GET /page/state HTTP/1.1\r\n\r\n", "HTTP/1.1 403", 1008},
@@ -123,6 +136,7 @@ TEST(DevServer, RefusesOrSpoils) {
   for (const auto& [text, start, code] : cases) {
     const std::string reply = Client(server).send(text).receive();
     EXPECT_TRUE(reply.starts_with(start)) << reply << " to " << text.substr(0, 300);
+    EXPECT_EQ(reply.starts_with("HTTP/1.0"), reply.find("Connection: keep-alive") != reply.npos);
     EXPECT_EQ(reply.starts_with("HTTP"), reply.find("\r\n\r\n{") != reply.npos);
     const Json body = bodyOf(reply);
     EXPECT_EQ(body.is_object() ? body.value("code", body) : Json(), code) << text.substr(0, 300);
@@ -170,11 +184,27 @@ TEST(DevServer, TellsOfAMessageAsSoonAsItCame) {
   EXPECT_EQ(bodyOf(script.receive())["code"], "000000");
 }
 
-TEST(DevServer, StopsWaitingForACallerThatHasLeft) {
+TEST(DevServer, KeepsLateAndSilentAndWaitingConnectionsApart) {
   IdentityService service;
-  const Server server(service, 0, {}, {.connections = 1});
-  Client(server).send(awaitMessage);
-  EXPECT_EQ(Client(server).codeOf(callFor(number)), 2001);
+  const Server server(service, 0, {}, {.connections = 1, .parked = 3, .idleWhenCrowded = 60s});
+  std::list<Client> parked;
+  const auto parks = [&](const std::string& request) {
+    parked.emplace_back(server).send(request);
+    EXPECT_EQ(Client(server).codeOf(callFor(number)), 2001);  // Answered after that request left its place.
+    if (parked.back().isSilent()) return true;
+    EXPECT_EQ(bodyOf(parked.back().receive())["code"], 1012);
+    parked.pop_back();
+    return false;
+  };
+  const std::string requests[] = {callFor("+999000000016000"), callFor("+99900000018"), awaitMessage};
+  for (const std::string& request : requests) EXPECT_TRUE(parks(request));
+  for (const std::string& request : requests) {
+    EXPECT_FALSE(parks(request));
+    parked.front().send("GET");  // The start of another request does not hide that the caller leaves.
+    parked.pop_front();
+    while (!parks(request)) {
+    }
+  }
 }
 
 TEST(DevServer, StopsAtOnce) {
@@ -190,6 +220,26 @@ TEST(DevServer, StopsAtOnce) {
   while (!service.inspect("+99900000001") || !service.inspect("+99900000018")) std::this_thread::yield();
   server.reset();
   for (Client* connection : {&fresh, &idle, &delayed, &silent, &script}) EXPECT_EQ(connection->receive(), "");
+}
+
+TEST(DevServer, StopsAtOnceIfALateCallIsNext) {
+  for (const std::string last : {"00000016000", "00000018"}) {
+    IdentityService service;
+    std::latch isBusy(1), isStopping(1);
+    int lines = 0;
+    std::optional<Server> server(std::in_place, service, std::uint16_t{0}, [&](auto) {
+      if (++lines > 1) return;
+      isBusy.count_down();
+      isStopping.wait();
+      // The server is most likely told to stop meanwhile, which is its next task then.
+      for (int turns = 0; turns < 1000; ++turns) std::this_thread::yield();
+    });
+    Client caller(*server);
+    caller.send(callFor(number) + callFor("+999" + last));
+    isBusy.wait();
+    isStopping.count_down();
+    server.reset();
+  }
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ enum class Code : int {
   malformedRequest = 1009,
   otherHost = 1010,
   unknownNumber = 1011,
+  tooManyWaiting = 1012,
   noPicture = 2001,
   wrongPictureText = 2002,
   noCode = 3001,

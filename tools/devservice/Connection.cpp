@@ -1,5 +1,6 @@
 #include "tools/devservice/Connection.h"
 
+#include <algorithm>
 #include <boost/asio/as_tuple.hpp>
 #include <boost/asio/experimental/awaitable_operators.hpp>
 #include <boost/asio/use_awaitable.hpp>
@@ -26,6 +27,8 @@ namespace http = boost::beast::http;
 constexpr auto awaited = asio::as_tuple(asio::use_awaitable);
 /// How long a connection stays open after a refusal, so that the caller can read the reason.
 constexpr std::chrono::seconds lingering{1};
+/// Bytes that were received but not parsed: a header, and what came with its end.
+constexpr std::size_t maxBuffered = 2 * maxHeadSize;
 
 std::string addressOf(const asio::ip::tcp::socket& socket) {
   boost::system::error_code error;
@@ -55,20 +58,32 @@ HTTPRequest requestFrom(const http::request<http::string_body>& message, const s
 int statusOf(boost::system::error_code error) {
   if (error == http::error::end_of_stream || error == http::error::partial_message) return 0;
   if (error == http::error::header_limit) return 431;
-  if (error == http::error::body_limit) return 413;
+  if (error == http::error::body_limit || error == http::error::buffer_overflow) return 413;
+  if (error == http::error::bad_transfer_encoding) return 501;
   return error.category() == make_error_code(http::error::bad_method).category() ? 400 : 0;
+}
+
+HTTPReply refusalOf(int status) {
+  if (status == 501) return makeRefusal(status, Code::malformedRequest, "Transfer-Encoding");
+  return makeRefusal(status, status == 400 ? Code::malformedRequest : Code::tooLarge);
+}
+
+bool hasUnknownCoding(const http::request<http::string_body>& message) {
+  const auto [first, last] = message.equal_range(http::field::transfer_encoding);
+  return std::any_of(first, last,
+                     [](const auto& field) { return !boost::beast::iequals(field.value(), "chunked"); });
 }
 
 }  // namespace
 
-Connection::Connection(Socket socket, Router& router, const ServerLimits& limits,
-                       std::function<void()> changed)
+Connection::Connection(Socket socket, Router& router, const ServerLimits& limits, Hooks hooks)
     : stream_(std::move(socket)),
       peer_(addressOf(stream_.socket())),
       router_(router),
       limits_(limits),
-      changed_(std::move(changed)),
+      hooks_(std::move(hooks)),
       pause_(stream_.get_executor()),
+      buffer_(maxBuffered),
       idleSince_(Clock::now()) {
   boost::system::error_code ignored;  // The next read fails as well then.
   stream_.socket().set_option(asio::ip::tcp::no_delay(true), ignored);
@@ -98,12 +113,13 @@ asio::awaitable<void> Connection::serve() {
     goesOn = !error && parser.keep_alive();
     HTTPReply reply;
     if (error) {
-      reply = makeRefusal(refused, refused == 400 ? Code::malformedRequest : Code::tooLarge);
+      reply = refusalOf(refused);
     } else {
       reply = co_await answer(request);
+      goesOn = goesOn && reply.status != 503;  // Makes room.
     }
     const std::uint64_t entry = router_.log(request, reply);
-    const bool isWhole = co_await write(request, reply, goesOn);
+    const bool isWhole = co_await write(parser.get(), reply, goesOn);
     router_.finish(entry, Clock::now() - start);
     goesOn = goesOn && isWhole;
     if (!error) continue;
@@ -116,15 +132,27 @@ asio::awaitable<void> Connection::serve() {
 
 /// Waits for the first byte of a request. Returns false if the connection has ended.
 asio::awaitable<bool> Connection::awaitRequest() {
+  skipEmptyLines();
   if (buffer_.size() > 0) co_return true;
   constexpr std::size_t enough = 4096;
   idleSince_ = Clock::now();
-  changed_();
+  hooks_.rested();
   stream_.expires_after(limits_.idle);
-  const auto [error, size] = co_await stream_.async_read_some(buffer_.prepare(enough), awaited);
+  boost::system::error_code failure;
+  while (!failure && buffer_.size() == 0) {
+    const auto [error, size] = co_await stream_.async_read_some(buffer_.prepare(enough), awaited);
+    buffer_.commit(size);
+    skipEmptyLines();
+    failure = error;
+  }
   idleSince_ = Clock::time_point::max();
-  buffer_.commit(size);
-  co_return !error;
+  co_return !failure;
+}
+
+/// Drops the ends of lines before a request, which some clients send after a body.
+void Connection::skipEmptyLines() {
+  const std::string_view received(static_cast<const char*>(buffer_.data().data()), buffer_.size());
+  buffer_.consume(std::min(received.find_first_not_of("\r\n"), received.size()));
 }
 
 asio::awaitable<boost::system::error_code> Connection::read(Parser& parser) {
@@ -133,6 +161,7 @@ asio::awaitable<boost::system::error_code> Connection::read(Parser& parser) {
   parser.body_limit(maxBodySize);
   stream_.expires_after(limits_.request);
   auto [error, size] = co_await http::async_read_header(stream_, buffer_, parser, awaited);
+  if (!error && hasUnknownCoding(parser.get())) error = http::error::bad_transfer_encoding;
   if (!error && boost::beast::iequals(parser.get()[http::field::expect], "100-continue")) {
     std::tie(error, size) = co_await asio::async_write(stream_, asio::buffer(interim), awaited);
   }
@@ -142,66 +171,69 @@ asio::awaitable<boost::system::error_code> Connection::read(Parser& parser) {
 
 asio::awaitable<HTTPReply> Connection::answer(const HTTPRequest& request) {
   HTTPReply reply = router_.answer(request);
+  if (reply.wait.count() == 0) hooks_.answered();
   const Clock::time_point end = Clock::now() + reply.wait;
-  bool isWatched = buffer_.size() == 0;
+  const bool isParkable = reply.fault == TransportFault::delay || reply.fault == TransportFault::silence ||
+                          reply.wait.count() > 0;
+  if (isParkable && !hooks_.mayPark()) co_return makeRefusal(503, Code::tooManyWaiting);
   while (reply.wait.count() > 0 && Clock::now() < end && stream_.socket().is_open()) {
     asksAgain_ = true;
-    pause_.expires_at(end);
-    const bool isReadable = co_await awaitPause(isWatched);
+    co_await park(end);
     asksAgain_ = false;
-    if (isReadable && hasEnded()) break;
-    if (isReadable) isWatched = false;  // The next request has come already.
     reply = router_.answer(request);
   }
-  changed_();
   co_return reply;
 }
 
-/// Waits until pause_ expires or is cancelled and, if it watches the socket, until something can be read.
-/// Returns true in the last case.
-asio::awaitable<bool> Connection::awaitPause(bool watches) {
+/// Waits until `end`, or until askAgain() is called. Closes the connection if the caller has left.
+asio::awaitable<void> Connection::park(Clock::time_point end) {
   using namespace asio::experimental::awaitable_operators;
-  if (!watches) {
-    co_await pause_.async_wait(awaited);
-    co_return false;
+  isParked_ = true;
+  hooks_.rested();
+  // The connection may have been closed before: the wait would not end by that any more.
+  for (bool isOver = false; !isOver && stream_.socket().is_open();) {
+    pause_.expires_at(end);
+    const auto first =
+        co_await (pause_.async_wait(awaited) || stream_.socket().async_wait(Socket::wait_read, awaited));
+    isOver = first.index() == 0;
+    if (!isOver && !takeAhead()) close();
   }
-  const auto first =
-      co_await (pause_.async_wait(awaited) || stream_.socket().async_wait(Socket::wait_read, awaited));
-  co_return first.index() == 1;
+  isParked_ = false;
 }
 
-/// Returns true if the caller has ended the connection. For a socket that can be read, else it blocks.
-bool Connection::hasEnded() {
-  char next = 0;
+/// Takes what the caller sends before it has the reply, so that its leaving is noticed. Returns false if the
+/// caller has left or sends too much. For a socket that can be read.
+bool Connection::takeAhead() {
   boost::system::error_code error;
-  stream_.socket().receive(asio::buffer(&next, 1), Socket::message_peek, error);
-  return error.failed();
+  const std::size_t ready = stream_.socket().available(error);
+  const std::size_t size = std::min(ready, maxBuffered - buffer_.size());
+  if (error || size == 0) return false;
+  buffer_.commit(stream_.socket().receive(buffer_.prepare(size), 0, error));
+  return !error;
 }
 
 /// Writes the reply with its fault. Returns false if the connection must be closed.
-asio::awaitable<bool> Connection::write(const HTTPRequest& request, const HTTPReply& reply, bool keepAlive) {
-  if (reply.fault == TransportFault::delay) {
-    pause_.expires_after(reply.delay);
-    co_await pause_.async_wait(awaited);
-  }
+asio::awaitable<bool> Connection::write(const Parser::value_type& message, const HTTPReply& reply,
+                                        bool keepAlive) {
+  if (reply.fault == TransportFault::delay) co_await park(Clock::now() + reply.delay);
+  if (reply.fault == TransportFault::silence) co_await park(Clock::now() + limits_.silence);
+  if (!stream_.socket().is_open()) co_return false;
   if (reply.fault == TransportFault::reset) {
     boost::system::error_code ignored;
     stream_.socket().set_option(Socket::linger(true, 0), ignored);
   }
-  if (reply.fault == TransportFault::reset || reply.fault == TransportFault::drop) co_return false;
-  if (reply.fault == TransportFault::silence) {
-    co_await awaitEnd(limits_.silence);
-    co_return false;
-  }
+  const bool isUnanswered = reply.fault == TransportFault::reset || reply.fault == TransportFault::drop ||
+                            reply.fault == TransportFault::silence;
+  if (isUnanswered) co_return false;
   const bool isCut = reply.fault == TransportFault::cut;
 
-  http::response<http::span_body<const char>> response(http::status(reply.status), 11);
+  http::response<http::span_body<const char>> response(http::status(reply.status), message.version());
   for (const auto& [name, value] : reply.headers) response.set(name, value);
   response.set(http::field::content_type, reply.contentType);
   if (reply.status != 204) response.content_length(reply.body.size());
   response.keep_alive(keepAlive);
   const std::size_t size = reply.body.size() / (isCut ? 2 : 1);
-  response.body() = {reply.body.data(), request.method == "HEAD" ? 0 : size};
+  response.body() = {reply.body.data(), message.method() == http::verb::head ? 0 : size};
   stream_.expires_after(limits_.request);
   const auto [error, written] = co_await http::async_write(stream_, response, awaited);
   co_return !error && !isCut;

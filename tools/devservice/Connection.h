@@ -25,9 +25,15 @@ class Connection {
   using Clock = std::chrono::steady_clock;
   using Socket = boost::asio::ip::tcp::socket;
 
-  /// Calls `changed` each time the connection starts to wait for a request, and each time a request was
-  /// answered. `router` and `limits` must outlive the connection.
-  Connection(Socket socket, Router& router, const ServerLimits& limits, std::function<void()> changed);
+  /// What a connection tells and asks the server.
+  struct Hooks {
+    std::function<void()> rested;    ///< Called each time the connection becomes idle or parked.
+    std::function<void()> answered;  ///< Called each time a request was answered.
+    std::function<bool()> mayPark;   ///< Returns false if no more connections may be parked.
+  };
+
+  /// `router` and `limits` must outlive the connection.
+  Connection(Socket socket, Router& router, const ServerLimits& limits, Hooks hooks);
 
   /// Reads requests, lets the router answer them, and writes the replies with their faults. Returns when the
   /// connection has ended.
@@ -35,6 +41,9 @@ class Connection {
 
   /// Returns when the connection started to wait for a request, or the far future while it serves one.
   Clock::time_point idleSince() const { return idleSince_; }
+
+  /// Returns true while the connection is kept without work: its reply is late, never comes, or is held back.
+  bool isParked() const { return isParked_; }
 
   /// Lets the router answer anew a request whose reply is held back. To be called after any other request was
   /// answered.
@@ -49,21 +58,23 @@ class Connection {
   using Awaitable = boost::asio::awaitable<T>;
 
   Awaitable<bool> awaitRequest();
+  void skipEmptyLines();
   Awaitable<boost::system::error_code> read(Parser& parser);
   Awaitable<HTTPReply> answer(const HTTPRequest& request);
-  Awaitable<bool> awaitPause(bool watches);
-  bool hasEnded();
-  Awaitable<bool> write(const HTTPRequest& request, const HTTPReply& reply, bool keepAlive);
+  Awaitable<void> park(Clock::time_point end);
+  bool takeAhead();
+  Awaitable<bool> write(const Parser::value_type& message, const HTTPReply& reply, bool keepAlive);
   Awaitable<void> awaitEnd(Clock::duration limit);
 
   boost::beast::tcp_stream stream_;
   const std::string peer_;
   Router& router_;
   const ServerLimits& limits_;
-  const std::function<void()> changed_;
+  const Hooks hooks_;
   boost::asio::steady_timer pause_;
+  bool isParked_ = false;
   bool asksAgain_ = false;
-  boost::beast::flat_buffer buffer_;
+  boost::beast::flat_buffer buffer_;  // Limited, since the parser wants a chunk's line or a trailer whole.
   Clock::time_point idleSince_;
 };
 

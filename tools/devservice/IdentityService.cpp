@@ -58,7 +58,7 @@ std::string_view wrongHeader(const HTTPRequest& request) {
 
 /// Copies the object's members to `members`. Returns the name of the first member that is wrong, or an empty
 /// text.
-std::string takeMembers(const Json& object, Names names, Members& members) {
+std::string takeMembers(const nlohmann::json& object, Names names, Members& members) {
   for (const std::string_view name : names) {
     const auto found = object.find(name);
     if (found == object.end() || !found->is_string()) return std::string(name);
@@ -83,11 +83,11 @@ IdentityService::IdentityService(Environment environment) : environment_(std::mo
 HTTPReply IdentityService::answer(const HTTPRequest& request) {
   const auto route = std::ranges::find(routes, request.path, &Route::path);
   if (route == std::end(routes)) return makeRefusal(404, Code::unknownPath);
-  if (request.method != "POST") return makeRefusal(405, Code::wrongMethod);
+  if (request.method != "POST") return refuseMethod("POST");
   if (request.body.size() > maxBodySize) return makeRefusal(413, Code::tooLarge);
   if (const auto name = wrongHeader(request); !name.empty()) return makeRefusal(200, Code::badHeader, name);
 
-  const Json object = Json::parse(request.body, nullptr, false);
+  const nlohmann::json object = parsed(request.body);
   if (!object.is_object()) return makeRefusal(200, Code::malformedBody);
   Members members;
   if (const auto name = takeMembers(object, route->members, members); !name.empty()) {

@@ -36,6 +36,9 @@ inline constexpr std::size_t maxLogText = 200;
 /// Members of a request in the log; further ones are left out.
 inline constexpr std::size_t maxLoggedMembers = 10;
 
+/// Lines of output that wait to be read. Further ones are dropped.
+inline constexpr std::size_t maxWaitingLines = 1000;
+
 /// Delay of a late reply if none is chosen.
 inline constexpr std::chrono::milliseconds usualDelay{1500};
 /// Longest delay of a late reply; a longer one is refused.
@@ -52,8 +55,12 @@ inline constexpr std::size_t maxHeadSize = std::size_t{64} << 10;
 
 /// The bounds of a server's connections.
 struct ServerLimits {
-  /// Connections served at once. Further ones wait in the system's queue until one of these ends.
+  /// Connections served at once, without the parked ones. Further ones wait in the system's queue until one
+  /// of these ends or is parked.
   std::size_t connections = 32;
+  /// Connections that may be parked: kept without work while a reply is late, never comes, or is held back. A
+  /// further request that wants this is refused with status 503.
+  std::size_t parked = 500;
   /// Time after which a connection without a request is closed.
   std::chrono::seconds idle{60};
   /// The same while another connection is waiting.

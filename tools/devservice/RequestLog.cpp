@@ -17,13 +17,22 @@ std::string cut(std::string_view text) {
   return std::string(text.substr(0, maxLogText));
 }
 
+/// Returns the object with its first members, in their order, without what its objects and arrays contain.
+/// Returns something else if the text is not an object.
+Json firstMembers(std::string_view text) {
+  std::size_t count = 0;
+  const auto keeps = [&count](int depth, Json::parse_event_t event, const Json&) {
+    return depth < 2 && (event != Json::parse_event_t::key || ++count <= maxLoggedMembers);
+  };
+  return Json::parse(text, keeps, false);
+}
+
 /// Returns the members that are texts, as JSON with masked secrets. A call has no other members.
 std::string maskedMembers(const Json& object) {
   Json masked = Json::object();
   for (const auto& [name, value] : object.items()) {
     const bool isSecret = std::ranges::find(secretMembers, name) != std::end(secretMembers);
     if (value.is_string()) masked[cut(name)] = isSecret ? "***" : cut(value.get_ref<const std::string&>());
-    if (masked.size() == maxLoggedMembers) break;
   }
   return dumped(masked);
 }
@@ -45,7 +54,7 @@ const LogEntry& RequestLog::add(const HTTPRequest& request, const HTTPReply& rep
       .body = isBrief ? reply.body : std::to_string(reply.body.size()) + " bytes",
       .fault = faultNotes[static_cast<std::size_t>(reply.fault)],
   };
-  const Json object = request.body.size() <= maxBodySize ? Json::parse(request.body, nullptr, false) : Json();
+  const Json object = request.body.size() <= maxBodySize ? firstMembers(request.body) : Json();
   if (object.is_object()) {
     entry.members = maskedMembers(object);
     if (const auto mobile = object.find("mobile"); mobile != object.end() && mobile->is_string())

@@ -78,7 +78,7 @@ class Server::Implementation {
   /// its time is up.
   asio::awaitable<void> awaitVacancy() {
     using Time = Connection::Clock::time_point;
-    while (acceptor_.is_open() && connections_.size() >= limits_.connections) {
+    while (acceptor_.is_open() && connections_.size() - countParked() >= limits_.connections) {
       const auto idlest = std::ranges::min_element(connections_, {}, &Connection::idleSince);
       const bool idles = idlest->idleSince() != Time::max();
       const Time end = idles ? idlest->idleSince() + limits_.idleWhenCrowded : Time::max();
@@ -90,16 +90,22 @@ class Server::Implementation {
   }
 
   void serve(tcp::socket socket) {
-    const auto connection = connections_.emplace(connections_.end(), std::move(socket), router_, limits_,
-                                                 [this] { noteChange(); });
+    Connection::Hooks hooks{.rested = [this] { change_.cancel(); },
+                            .answered = [this] { askAgain(); },
+                            .mayPark = [this] { return countParked() < limits_.parked; }};
+    const auto connection =
+        connections_.emplace(connections_.end(), std::move(socket), router_, limits_, std::move(hooks));
     co_spawn(context_, connection->serve(), [this, connection](const std::exception_ptr&) {
       connections_.erase(connection);
       change_.cancel();
     });
   }
 
-  void noteChange() {
-    change_.cancel();
+  std::size_t countParked() const {
+    return static_cast<std::size_t>(std::ranges::count_if(connections_, &Connection::isParked));
+  }
+
+  void askAgain() {
     for (Connection& connection : connections_) connection.askAgain();
   }
 
@@ -113,7 +119,7 @@ class Server::Implementation {
   tcp::acceptor acceptor_;
   Router router_;
   std::list<Connection> connections_;
-  asio::steady_timer change_{context_};  // Cancelled when a connection becomes idle or ends.
+  asio::steady_timer change_{context_};  // Cancelled when a connection becomes idle or parked, or ends.
   std::thread thread_;
 };
 

@@ -21,4 +21,10 @@ HTTPReply makeRefusal(int status, Code reason, std::string_view detail) {
   return reply;
 }
 
+HTTPReply refuseMethod(std::string_view allowed) {
+  HTTPReply reply = makeRefusal(405, Code::wrongMethod);
+  reply.headers.emplace_back("Allow", allowed);
+  return reply;
+}
+
 }  // namespace devservice

@@ -15,4 +15,7 @@ HTTPReply makeReply(const ReplyBody& body, const Demand& demand = {});
 /// Returns the refusal for that reason as a reply with that HTTP status.
 HTTPReply makeRefusal(int status, Code reason, std::string_view detail = {});
 
+/// Returns the refusal of a method, with the methods that are allowed instead, such as "GET, HEAD".
+HTTPReply refuseMethod(std::string_view allowed);
+
 }  // namespace devservice
