@@ -3,20 +3,26 @@
 #include <cstdint>
 #include <cstdio>
 #include <exception>
+#include <fcntl.h>
 #include <optional>
 #include <pthread.h>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <utility>
 
 #include "tools/devservice/Code.h"
 #include "tools/devservice/Demand.h"
 #include "tools/devservice/Fault.h"
 #include "tools/devservice/IdentityService.h"
+#include "tools/devservice/LineWriter.h"
 #include "tools/devservice/Server.h"
 
+namespace devservice {
 namespace {
+
+constexpr const char* noOutput = "could not write to standard output";
 
 constexpr const char* footer = R"(
 It prints each text message and each request. The page at / shows them in a browser, with what the
@@ -33,26 +39,19 @@ open in a browser cannot: the page and /inspect answer only requests for localho
 after 50 in an hour a number cannot log in until that hour is over.
 )";
 
-/// Writes a line to standard output at once, in one piece.
-void printLine(std::string line) {
-  line += '\n';
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fflush(stdout);
-}
-
 /// Returns what --help says after the options.
 std::string helpFooter() {
   std::string text(footer);
   text += "\nThe \"code\" of a reply:\n";
-  for (const auto& [code, description] : devservice::codeTable()) {
+  for (const auto& [code, description] : codeTable()) {
     text.append("  ").append(std::to_string(static_cast<int>(code))).append("  ").append(description) += '\n';
   }
-  text.append("\nFaults on demand: the mobile numbers ").append(devservice::faultNumberPrefix);
+  text.append("\nFaults on demand: the mobile numbers ").append(faultNumberPrefix);
   text +=
       "XYY.\nX is the call that the fault hits: 0 all, 1 picture, 2 code, 3 login, 4 submission. YY is the "
       "fault.\n"
       "After 01 four more digits may follow, the delay in hundredths of a second, at most 6000:\n";
-  for (const devservice::Fault& fault : devservice::faultTable()) {
+  for (const Fault& fault : faultTable()) {
     const std::string number = std::to_string(fault.number);
     text.append(number.size() < 2 ? "  0" : "  ").append(number).append("  ").append(fault.text) += '\n';
   }
@@ -61,34 +60,43 @@ std::string helpFooter() {
 
 void serve(std::uint16_t port, bool isQuiet) {
   std::signal(SIGPIPE, SIG_IGN);  // The service goes on if its output is no longer read.
-  // Blocked before other threads start. They inherit the mask, so sigwait() below gets the signals.
+  if (fcntl(STDOUT_FILENO, F_GETFD) < 0)
+    throw std::runtime_error(noOutput);  // A socket would take its place.
+  // Blocked before other threads start. They inherit the mask, so sigwait() below gets the signals. A blocked
+  // signal is delivered even if the parent has it ignored, as a shell does for its background jobs.
+  struct sigaction interruption {};
+  sigaction(SIGINT, nullptr, &interruption);
   sigset_t signals;
   sigemptyset(&signals);
-  sigaddset(&signals, SIGINT);
+  if (interruption.sa_handler != SIG_IGN) sigaddset(&signals, SIGINT);
   sigaddset(&signals, SIGTERM);
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 
-  devservice::Environment environment;
-  devservice::Server::Log log;
+  LineWriter output(STDOUT_FILENO);
+  Environment environment;
+  Server::Log log;
   if (!isQuiet) {
-    environment.deliver = [](std::string_view mobile, std::string_view text) {
-      printLine("text message to " + std::string(mobile) + ": " + std::string(text));
+    environment.deliver = [&output](std::string_view mobile, std::string_view text) {
+      output.write("text message to " + std::string(mobile) + ": " + std::string(text));
     };
-    log = [](std::string_view line) { printLine(std::string(line)); };
+    log = [&output](std::string_view line) { output.write(std::string(line)); };
   }
-  devservice::IdentityService service(std::move(environment));
-  std::optional<devservice::Server> server;
+  IdentityService service(std::move(environment));
+  std::optional<Server> server;
   try {
     server.emplace(service, port, std::move(log));
   } catch (const std::runtime_error& error) {
     throw std::runtime_error(std::string(error.what()) + "; --port 0 takes a free port");
   }
-  printLine("orvane-devservice listening on http://127.0.0.1:" + std::to_string(server->port()));
+  output.start("orvane-devservice listening on http://127.0.0.1:" + std::to_string(server->port()),
+               [] { kill(getpid(), SIGTERM); });
   int signal = 0;
   sigwait(&signals, &signal);
+  if (output.hasFailed()) throw std::runtime_error(noOutput);
 }
 
 }  // namespace
+}  // namespace devservice
 
 int main(int argc, char** argv) {
   std::uint16_t port = 8080;
@@ -101,10 +109,10 @@ int main(int argc, char** argv) {
   app.add_flag("--quiet", isQuiet, "print only the address")->disable_flag_override();
   app.set_version_flag("--version", "orvane-devservice " DEVSERVICE_VERSION, "print the version");
   app.set_help_flag("-h,--help", "print this text");
-  app.footer(helpFooter());
+  app.footer(devservice::helpFooter());
   try {
     app.parse(argc, argv);
-    serve(port, isQuiet);
+    devservice::serve(port, isQuiet);
     return 0;
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);  // --help and --version.
