@@ -41,13 +41,16 @@ TEST(Page, ChoosesAFault) {
 TEST(IsLocalCaller, KnowsTheDeveloperFromOtherSites) {
   using Fields = decltype(HTTPRequest::headers);
   const std::string peer = "127.0.0.1", own = "127.0.0.1:8080", site = "Sec-Fetch-Site";
+  const std::string dest = "Sec-Fetch-Dest";
+  const std::pair navigates("Sec-Fetch-Mode"s, "navigate"s);
   const std::tuple<std::string, std::string, Fields, bool> cases[] = {
       {"a script", peer, {{"host", own}}, true},
       {"the page", peer, {{"host", own}, {"Origin", "http://" + own}}, true},
       {"the page over IPv6", "::1", {{"host", "[::1]"}, {"Origin", "http://[::1]"}}, true},
       {"the page by name", peer, {{"host", "LocalHost:80"}, {"Origin", "http://localhost:80"}}, true},
       {"a part of the page", peer, {{"host", own}, {site, "same-origin"}}, true},
-      {"a link", peer, {{"host", own}, {site, "cross-site"}, {"Sec-Fetch-Mode", "navigate"}}, true},
+      {"a link", peer, {{"host", own}, {site, "cross-site"}, navigates, {dest, "document"}}, true},
+      {"a frame", peer, {{"host", own}, {site, "cross-site"}, navigates, {dest, "iframe"}}, false},
       {"a part of another site", peer, {{"host", own}, {site, "cross-site"}}, false},
       {"another port's site", peer, {{"host", own}, {site, "same-site"}}, false},
       {"another machine", "192.0.2.1", {{"host", own}, {"Origin", "http://" + own}}, false},
@@ -59,6 +62,9 @@ TEST(IsLocalCaller, KnowsTheDeveloperFromOtherSites) {
   };
   for (const auto& [label, from, headers, isLocal] : cases)
     EXPECT_EQ(isLocalCaller({"GET", "/", headers, "", from}), isLocal) << label;
+  const Fields link = {{"host", own}, {site, "cross-site"}, navigates, {dest, "document"}};
+  EXPECT_FALSE(isLocalCaller({"GET", "/inspect", link, "", peer}));
+  EXPECT_FALSE(isLocalCaller({"POST", "/", link, "", peer}));
 }
 
 TEST(Router, KeepsAllButTheCallsForLocalCallers) {
@@ -83,11 +89,21 @@ TEST(Router, KeepsAllButTheCallsForLocalCallers) {
   ServiceBench bench;
   EXPECT_EQ(bench.router.answer(local(picture)).status, 404);
   EXPECT_EQ(bench.router.answer(local("/page/../inspect")).status, 404);
-  EXPECT_EQ(bench.router.answer(local("/page/state", "", "POST")).status, 405);
-  const auto guards = bench.router.answer(local("/")).headers;
-  EXPECT_EQ(guards[0].first, "Content-Security-Policy");
-  EXPECT_TRUE(guards[0].second.starts_with("default-src 'none'; script-src 'self'; ")) << guards[0].second;
-  EXPECT_EQ(guards[1], std::pair("Cache-Control"s, "no-store"s));
+  for (const auto& [path, methods] : {std::pair("/page/state"s, "GET, HEAD"s),
+                                      {"/page/fault", "POST"},
+                                      {"/inspect", "GET, HEAD, DELETE"},
+                                      {"/tenant/verify/captcha", "POST"}}) {
+    const HTTPReply reply = bench.router.answer(local(path, "", "PUT"));
+    EXPECT_EQ(reply.status, 405);
+    EXPECT_EQ(reply.headers.back(), std::pair("Allow"s, methods));
+  }
+  for (const std::string path : {"/", "/inspect"}) {
+    const auto guards = bench.router.answer(local(path)).headers;
+    ASSERT_GE(guards.size(), 2U);
+    EXPECT_EQ(guards[0].first, "Content-Security-Policy");
+    EXPECT_TRUE(guards[0].second.starts_with("default-src 'none'; script-src 'self'; ")) << guards[0].second;
+    EXPECT_EQ(guards[1], std::pair("Cache-Control"s, "no-store"s));
+  }
 }
 
 TEST(Router, InspectsOneNumberOrAll) {
@@ -122,6 +138,24 @@ TEST(Router, InspectsOneNumberOrAll) {
     EXPECT_EQ(entry["messageId"], 1);
     EXPECT_GE(entry["times"]["message"], entry["times"]["picture"]);
     EXPECT_TRUE(entry["times"]["login"].is_null());
+  }
+}
+
+TEST(Router, AnswersCallsForItsOwnHostsAlone) {
+  const std::pair<std::string, int> cases[] = {
+      {"identity.test", 2001},  {"Identity.Test:8080", 2001},
+      {"localhost:9", 2001},    {"10.0.2.2:8080", 2001},
+      {"[fd00::1]:80", 2001},   {"devservice:8080", 2001},
+      {"other.test", 1010},     {"10.0.2.2.test", 1010},
+      {"localhost.test", 1010}, {"", 1010},
+      {"[fd00::1].test", 1010},
+  };
+  for (const auto& [host, code] : cases) {
+    ServiceBench bench;
+    HTTPRequest request = askCode(number, "");
+    EXPECT_EQ(Json::parse(bench.router.answer(request).body)["code"], 2001);
+    request.headers.emplace_back("Host", host);
+    EXPECT_EQ(Json::parse(bench.router.answer(request).body)["code"], code) << host;
   }
 }
 

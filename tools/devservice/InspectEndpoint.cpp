@@ -6,7 +6,6 @@
 
 #include "tools/devservice/Json.h"
 #include "tools/devservice/Target.h"
-#include "tools/devservice/isLocalCaller.h"
 #include "tools/devservice/makeReply.h"
 
 namespace devservice {
@@ -44,16 +43,14 @@ std::optional<std::uint64_t> numberIn(const Members& query, std::string_view nam
 HTTPReply jsonReply(const Json& json) {
   HTTPReply reply;
   reply.body = dumped(json);
-  reply.headers = {{"Cache-Control", "no-store"}, {"X-Content-Type-Options", "nosniff"}};
   return reply;
 }
 
 }  // namespace
 
 HTTPReply InspectEndpoint::answer(const HTTPRequest& request) {
-  if (!isLocalCaller(request)) return makeRefusal(403, Code::notLocal);
   if (request.method == "GET") return inspect(request);
-  if (request.method != "DELETE") return makeRefusal(405, Code::wrongMethod);
+  if (request.method != "DELETE") return refuseMethod("GET, HEAD, DELETE");
   service_.forget();
   log_.clear();
   return makeReply({Code::success, "forgotten", {}});

@@ -14,6 +14,7 @@ class InspectEndpoint {
   /// Both must outlive the endpoint.
   InspectEndpoint(IdentityService& service, RequestLog& log) : service_(service), log_(log) {}
 
+  /// Returns the reply to a request from a caller that may see the codes.
   HTTPReply answer(const HTTPRequest& request);
 
  private:

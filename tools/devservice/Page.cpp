@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <iterator>
 #include <utility>
 
 #include "tools/devservice/Json.h"
@@ -10,25 +9,12 @@
 #include "tools/devservice/PageFile.h"
 #include "tools/devservice/Target.h"
 #include "tools/devservice/drawPicture.h"
-#include "tools/devservice/isLocalCaller.h"
 #include "tools/devservice/makeReply.h"
 
 namespace devservice {
 namespace {
 
 constexpr std::string_view picturePrefix = "/page/picture/";
-
-/// The header fields of every reply. Only the page's own files may be scripts and styles, no other site may
-/// frame the page or embed its parts, and no cache may keep a code.
-constexpr std::pair<std::string_view, std::string_view> guards[] = {
-    {"Content-Security-Policy",
-     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
-     "base-uri 'none'; form-action 'none'; frame-ancestors 'none'"},
-    {"Cache-Control", "no-store"},
-    {"Cross-Origin-Resource-Policy", "same-origin"},
-    {"Referrer-Policy", "no-referrer"},
-    {"X-Content-Type-Options", "nosniff"},
-};
 
 Json faults() {
   Json all = Json::array();
@@ -103,20 +89,14 @@ bool Page::owns(std::string_view path) {
 }
 
 HTTPReply Page::answer(const HTTPRequest& request) {
-  const auto reply = [&] {
-    if (!isLocalCaller(request)) return makeRefusal(403, Code::notLocal);
-    const bool chooses = request.path == "/page/fault";
-    if (request.method != (chooses ? "POST" : "GET")) return makeRefusal(405, Code::wrongMethod);
-    if (chooses) return chooseFault(request);
-    if (request.path == "/page/state") return state(request);
-    if (request.path.starts_with(picturePrefix)) return picture(request.path.substr(picturePrefix.size()));
-    const auto file = std::ranges::find(pageFiles(), request.path, &PageFile::path);
-    if (file == pageFiles().end()) return makeRefusal(404, Code::unknownPath);
-    return HTTPReply{200, std::string(file->contentType), std::string(file->content)};
-  };
-  HTTPReply guarded = reply();
-  guarded.headers.assign(std::begin(guards), std::end(guards));
-  return guarded;
+  const bool chooses = request.path == "/page/fault";
+  if (request.method != (chooses ? "POST" : "GET")) return refuseMethod(chooses ? "POST" : "GET, HEAD");
+  if (chooses) return chooseFault(request);
+  if (request.path == "/page/state") return state(request);
+  if (request.path.starts_with(picturePrefix)) return picture(request.path.substr(picturePrefix.size()));
+  const auto file = std::ranges::find(pageFiles(), request.path, &PageFile::path);
+  if (file == pageFiles().end()) return makeRefusal(404, Code::unknownPath);
+  return {200, std::string(file->contentType), std::string(file->content)};
 }
 
 HTTPReply Page::state(const HTTPRequest& request) const {
@@ -144,7 +124,7 @@ HTTPReply Page::picture(std::string_view mobile) const {
 /// Chooses the fault in the body: {"fault": N, "delay": MS, "every": N}. N is null for no fault; the last two
 /// members may be missing.
 HTTPReply Page::chooseFault(const HTTPRequest& request) {
-  const Json object = Json::parse(request.body, nullptr, false);
+  const nlohmann::json object = parsed(request.body);
   if (!object.is_object()) return makeRefusal(400, Code::malformedBody);
   if (!object.contains("fault")) return makeRefusal(400, Code::badMember, "fault");
   FaultChoice choice;

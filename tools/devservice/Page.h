@@ -19,7 +19,7 @@ class Page {
   /// Returns true if the page answers requests for `path`.
   static bool owns(std::string_view path);
 
-  /// Returns the reply to a request for a path that it owns.
+  /// Returns the reply to a request for a path that it owns, from a caller that may see the page.
   HTTPReply answer(const HTTPRequest& request);
 
  private:

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <boost/beast/core/string.hpp>
+#include <iterator>
 #include <utility>
 
 #include "tools/devservice/appendHexEscape.h"
+#include "tools/devservice/hostOf.h"
+#include "tools/devservice/isLocalCaller.h"
 #include "tools/devservice/makeReply.h"
 
 namespace devservice {
@@ -30,6 +33,18 @@ std::string lineOf(const LogEntry& entry) {
   return line;
 }
 
+/// The header fields of every reply of the page and /inspect. Only the page's own files may be scripts and
+/// styles, no other site may frame or embed a reply, and no cache may keep a code.
+constexpr std::pair<std::string_view, std::string_view> guards[] = {
+    {"Content-Security-Policy",
+     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
+     "base-uri 'none'; form-action 'none'; frame-ancestors 'none'"},
+    {"Cache-Control", "no-store"},
+    {"Cross-Origin-Resource-Policy", "same-origin"},
+    {"Referrer-Policy", "no-referrer"},
+    {"X-Content-Type-Options", "nosniff"},
+};
+
 /// Returns the authority without the default port of http.
 std::string_view shortest(std::string_view authority) {
   return authority.substr(0, authority.size() - (authority.ends_with(":80") ? 3 : 0));
@@ -45,7 +60,7 @@ Router::Router(IdentityService& service, std::vector<std::string> hosts, Log log
       log_(std::move(log)) {}
 
 HTTPReply Router::answer(const HTTPRequest& request) {
-  if (request.method == "CONNECT" || (request.isProxied && !serves(request.header("Host").value_or("")))) {
+  if (request.method == "CONNECT" || !serves(request)) {
     std::string names;
     for (const std::string& host : hosts_) names.append(names.empty() ? "" : ", ").append(host);
     return makeRefusal(403, Code::otherHost, names);
@@ -55,8 +70,16 @@ HTTPReply Router::answer(const HTTPRequest& request) {
     whole.method = "GET";
     return answer(whole);
   }
-  if (Page::owns(request.path)) return page_.answer(request);
-  return request.path == "/inspect" ? inspector_.answer(request) : service_.answer(request);
+  const bool isPage = Page::owns(request.path);
+  if (!isPage && request.path != "/inspect") return service_.answer(request);
+  HTTPReply reply;
+  if (!isLocalCaller(request)) {
+    reply = makeRefusal(403, Code::notLocal);
+  } else {
+    reply = isPage ? page_.answer(request) : inspector_.answer(request);
+  }
+  reply.headers.insert(reply.headers.begin(), std::begin(guards), std::end(guards));
+  return reply;
 }
 
 std::uint64_t Router::log(const HTTPRequest& request, const HTTPReply& reply) {
@@ -72,10 +95,17 @@ std::uint64_t Router::log(const HTTPRequest& request, const HTTPReply& reply) {
   return entry.id;
 }
 
-bool Router::serves(std::string_view authority) const {
-  return std::ranges::any_of(hosts_, [authority](const std::string& host) {
-    return boost::beast::iequals(shortest(host), shortest(authority));
-  });
+/// Returns true if the request is meant for this service. As a proxy it serves its hosts alone. A request
+/// that is sent to it directly may also name an address, since a phone or a container may know the service by
+/// another one than the service does.
+bool Router::serves(const HTTPRequest& request) const {
+  const auto field = request.header("Host");
+  if (!field) return !request.isProxied;
+  const auto isOwn = [&](const std::string& host) {
+    if (request.isProxied) return boost::beast::iequals(shortest(host), shortest(*field));
+    return boost::beast::iequals(hostOf(host), hostOf(*field));
+  };
+  return std::ranges::any_of(hosts_, isOwn) || (!request.isProxied && isUnforgeable(hostOf(*field)));
 }
 
 }  // namespace devservice

@@ -22,8 +22,9 @@ class Router {
   /// Receives a line without a line end, all but printable ASCII escaped as \xNN.
   using Log = std::function<void(std::string_view line)>;
 
-  /// `service` must outlive the router. As a proxy the router answers requests for `hosts`, each written as
-  /// in a URL, and refuses all others. `log` may be empty.
+  /// `service` must outlive the router. The router answers requests for `hosts`, each written as in a URL,
+  /// and those that are sent to it directly by a numeric address or a name without a dot. It refuses all
+  /// others. `log` may be empty.
   Router(IdentityService& service, std::vector<std::string> hosts, Log log);
 
   /// Returns the reply to any request.
@@ -40,7 +41,7 @@ class Router {
   }
 
  private:
-  bool serves(std::string_view authority) const;
+  bool serves(const HTTPRequest& request) const;
 
   IdentityService& service_;
   RequestLog requests_;
