@@ -81,6 +81,24 @@ TEST(DevServiceProgram, GoesOnWithoutAReader) {
   EXPECT_EQ(service.send(SIGTERM).status(), 0);
 }
 
+TEST(DevServiceProgram, SaysWhatItMakesPredictable) {
+  const Program service({"--code=482913", "--picture-text=AB3DE", "--seed=7"});
+  for (const std::string line :
+       {"every code is 482913", "the text of every picture is AB3DE", "random choices start from seed 7"}) {
+    EXPECT_EQ(service.readLine(), line);
+  }
+  EXPECT_NE(service.curl("/page/state").find(R"({"code":"482913","pictureText":"AB3DE","seed":7})"),
+            std::string::npos);
+  const std::string head =
+      " -H Content-Type:application/json -H XRAPI-VERSION:1.0 -H XRAPI-DEVICE-TYPE:1 -d ";
+  service.curl("/tenant/verify/captcha" + head + R"('{"mobile":"12345"}')");
+  service.curl("/tenant/getVerifyCode" + head + R"('{"mobile":"12345","captcha":"AB3DE"}')");
+  EXPECT_EQ(
+      service.curl("/tenant/submitVerifyCode" + head + R"('{"mobile":"12345","verificationCode":"482913"}')"),
+      R"({"code":0,"msg":"welcome","data":null})");
+  EXPECT_EQ(service.send(SIGTERM).status(), 0);
+}
+
 TEST(DevServiceProgram, NeedsAReaderForItsAddress) {
   const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
   EXPECT_EQ(waitFor(orvane::test::spawn({DEVSERVICE_PROGRAM, "--port=0"}, full)), 1);

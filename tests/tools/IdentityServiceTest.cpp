@@ -139,6 +139,25 @@ TEST(IdentityService, LimitsWrongCodesPerHour) {
   EXPECT_EQ(bench.codeOf(logIn("999999")), 0);
 }
 
+TEST(IdentityService, IsPredictableWhenAsked) {
+  const auto picturesAndCodes = [](IdentityService& service) {
+    std::vector<std::string> all;
+    for (const char* mobile : {"12345", "12346", "12345"}) {
+      all.push_back(service.answer(askPicture(mobile)).body);
+      service.answer(askCode(mobile, service.inspect(mobile)->picture.value()));
+      all.push_back(service.inspect(mobile)->code.value());
+    }
+    return all;
+  };
+  IdentityService first({}, {.seed = 7}), second({}, {.seed = 7}), other({}, {.seed = 8});
+  const auto expected = picturesAndCodes(first);
+  EXPECT_EQ(picturesAndCodes(second), expected);
+  EXPECT_NE(picturesAndCodes(first), expected);
+  EXPECT_NE(picturesAndCodes(other), expected);
+  first.forget();
+  EXPECT_EQ(picturesAndCodes(first), expected);
+}
+
 TEST(IdentityService, SpoilsRepliesOnDemand) {
   const std::pair<std::string, bool (*)(const HTTPReply&, Json)> cases[] = {
       {"06", [](auto& reply, auto) { return reply.body.empty(); }},

@@ -106,6 +106,50 @@ TEST(Router, KeepsAllButTheCallsForLocalCallers) {
   }
 }
 
+TEST(Router, OpensToOtherMachinesThatKnowTheToken) {
+  using Fields = decltype(HTTPRequest::headers);
+  const std::string token = "sesame-0123", own = "http://10.0.0.1:8080";
+  const std::pair bearer("Authorization"s, "Bearer " + token), origin("Origin"s, own);
+  const std::pair cookie("Cookie"s, "a=b; orvane-token=" + token + "; c=d");
+  const HTTPRequest asked{"GET", "/inspect", {}, "", "10.0.0.2"};
+  const HTTPRequest sent{"POST", "/page/token", {}, "token=" + token, "10.0.0.2"};
+  const HTTPRequest page{"GET", "/", {}, "", "10.0.0.2"};
+  const std::tuple<std::string, HTTPRequest, Fields, int> cases[] = {
+      {"nothing", asked, {}, 401},
+      {"a script", asked, {bearer}, 200},
+      {"a page", asked, {cookie, origin}, 200},
+      {"a wrong token", asked, {{"Authorization", "Bearer " + token + "4"}}, 401},
+      {"a part of the token", asked, {{"Cookie", "orvane-token=sesame"}}, 401},
+      {"another cookie", asked, {{"Cookie", "x-orvane-token=" + token}}, 401},
+      {"another site", asked, {cookie, {"Origin", "http://10.0.0.1:3000"}}, 403},
+      {"a hidden site", asked, {bearer, {"Origin", "null"}}, 403},
+      {"a name that may be rebound", asked, {bearer, {"Host", "other.test"}}, 403},
+      {"the page", page, {}, 401},
+      {"the page with the cookie", page, {cookie}, 200},
+      {"the form", sent, {origin}, 303},
+      {"another site's form", sent, {{"Origin", "http://other.test"}}, 403},
+      {"health", {"GET", "/health", {}, "", "10.0.0.2"}, {{"Host", "other.test"}}, 200},
+  };
+  for (const auto& [label, plain, fields, status] : cases) {
+    ServiceBench bench;
+    Router open(bench.service, {"identity.test"}, {}, token);
+    HTTPRequest request = plain;
+    request.headers = fields;
+    request.headers.emplace_back("Host", "10.0.0.1:8080");
+    EXPECT_EQ(open.answer(request).status, status) << label;
+    // Without a token there is none to know.
+    const int closed = request.path == "/health" ? 200 : request.method == "POST" ? 404 : 403;
+    EXPECT_EQ(bench.router.answer(request).status, closed) << label;
+  }
+  ServiceBench bench;
+  Router open(bench.service, {"identity.test"}, {}, token);
+  HTTPRequest wrong = sent;
+  wrong.body = "token=sesame-0124";
+  EXPECT_EQ(open.answer(wrong).status, 403);
+  EXPECT_EQ(open.answer(sent).headers.back(),
+            std::pair("Set-Cookie"s, "orvane-token=" + token + "; Path=/; HttpOnly; SameSite=Strict"));
+}
+
 TEST(Router, InspectsOneNumberOrAll) {
   ServiceBench bench;
   bench.service.answer(askPicture(number));

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <arpa/inet.h>
 #include <cerrno>
 #include <cstring>
 #include <latch>
@@ -13,6 +14,7 @@
 
 #include "tests/tools/ServiceBench.h"
 #include "tools/devservice/Server.h"
+#include "tools/devservice/machineAddresses.h"
 
 namespace devservice {
 namespace {
@@ -40,10 +42,11 @@ Json bodyOf(const std::string& reply) {
 /// A connection to a server on this machine.
 class Client {
  public:
-  explicit Client(const Server& server) {
+  explicit Client(const Server& server, const std::string& host = "127.0.0.1") {
     const timeval patience{.tv_sec = 30, .tv_usec = 0};
     setsockopt(descriptor_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-    const sockaddr_in address{AF_INET, htons(server.port()), {htonl(INADDR_LOOPBACK)}, {}};
+    sockaddr_in address{AF_INET, htons(server.port()), {}, {}};
+    inet_pton(AF_INET, host.c_str(), &address.sin_addr);
     EXPECT_EQ(connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
   }
   Client(Client&&) = delete;
@@ -182,6 +185,26 @@ TEST(DevServer, TellsOfAMessageAsSoonAsItCame) {
   service.answer(askCode(number, "AAAA"));
   phone.send(callFor("12345")).receive();
   EXPECT_EQ(bodyOf(script.receive())["code"], "000000");
+}
+
+TEST(DevServer, ServesAFewConnectionsOfAnotherMachine) {
+  const std::vector<std::string> addresses = machineAddresses(false);
+  if (addresses.empty()) GTEST_SKIP() << "This machine has only its loopback addresses.";
+  const std::string& address = addresses.front();  // Also the caller's: it counts as another machine's.
+  IdentityService service;
+  const Server server(service, 0, {}, {.connections = 1, .foreignPerPeer = 2}, {.address = "::"});
+  Client silent(server, address), idle(server, address);
+  silent.send(callFor("+99900000018"));
+  EXPECT_EQ(idle.codeOf(callFor(number)), 2001);
+  EXPECT_EQ(idle.codeOf("GET /inspect HTTP/1.1\r\nHost: localhost\r\n\r\n"), 1008);
+  Client here(server);
+  EXPECT_EQ(here.codeOf(callFor(number)), 2001);
+  Client busy(server, address);  // In place of the idle one.
+  busy.send(callFor("+99900000218"));
+  EXPECT_EQ(idle.receive(), "");
+  while (!service.inspect("+99900000218")) std::this_thread::yield();
+  EXPECT_EQ(Client(server, address).receive(), "");  // None is idle.
+  EXPECT_EQ(here.codeOf(callFor(number)), 2001);
 }
 
 TEST(DevServer, KeepsLateAndSilentAndWaitingConnectionsApart) {

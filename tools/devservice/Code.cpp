@@ -17,6 +17,7 @@ constexpr CodeDescription table[] = {
     {Code::otherHost, "this service answers only for its own hosts"},
     {Code::unknownNumber, "this number has made no call"},
     {Code::tooManyWaiting, "too many requests are waiting already"},
+    {Code::noToken, "the token is missing or wrong"},
     {Code::noPicture, "there is no picture to read: not requested, already used, or expired"},
     {Code::wrongPictureText, "that is not the picture's text"},
     {Code::noCode, "there is no code to enter: not requested, already used, or expired"},

@@ -20,6 +20,7 @@ enum class Code : int {
   otherHost = 1010,
   unknownNumber = 1011,
   tooManyWaiting = 1012,
+  noToken = 1013,
   noPicture = 2001,
   wrongPictureText = 2002,
   noCode = 3001,

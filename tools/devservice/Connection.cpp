@@ -30,12 +30,6 @@ constexpr std::chrono::seconds lingering{1};
 /// Bytes that were received but not parsed: a header, and what came with its end.
 constexpr std::size_t maxBuffered = 2 * maxHeadSize;
 
-std::string addressOf(const asio::ip::tcp::socket& socket) {
-  boost::system::error_code error;
-  const auto endpoint = socket.remote_endpoint(error);
-  return error ? "" : endpoint.address().to_string();
-}
-
 HTTPRequest requestFrom(const http::request<http::string_body>& message, const std::string& peer) {
   Target target = parseTarget(message.target());
   HTTPRequest request{.method = message.method_string(),
@@ -78,7 +72,7 @@ bool hasUnknownCoding(const http::request<http::string_body>& message) {
 
 Connection::Connection(Socket socket, Router& router, const ServerLimits& limits, Hooks hooks)
     : stream_(std::move(socket)),
-      peer_(addressOf(stream_.socket())),
+      caller_(callerOf(stream_.socket())),
       router_(router),
       limits_(limits),
       hooks_(std::move(hooks)),
@@ -87,6 +81,14 @@ Connection::Connection(Socket socket, Router& router, const ServerLimits& limits
       idleSince_(Clock::now()) {
   boost::system::error_code ignored;  // The next read fails as well then.
   stream_.socket().set_option(asio::ip::tcp::no_delay(true), ignored);
+}
+
+asio::ip::address Connection::callerOf(const Socket& socket) {
+  boost::system::error_code error;
+  const asio::ip::address address = socket.remote_endpoint(error).address();
+  // A socket for both kinds of addresses has an IPv4 one as ::ffff:192.0.2.1.
+  const bool isMapped = address.is_v6() && address.to_v6().is_v4_mapped();
+  return isMapped ? make_address_v4(asio::ip::v4_mapped, address.to_v6()) : address;
 }
 
 void Connection::close() {
@@ -108,7 +110,7 @@ asio::awaitable<void> Connection::serve() {
     const int refused = error ? statusOf(error) : 0;
     if (error && refused == 0) co_return;
     const Clock::time_point start = Clock::now();
-    const HTTPRequest request = requestFrom(parser.get(), peer_);
+    const HTTPRequest request = requestFrom(parser.get(), caller_.to_string());
     // After a malformed request it is unknown where the next one starts.
     goesOn = !error && parser.keep_alive();
     HTTPReply reply;

@@ -42,6 +42,14 @@ class Connection {
   /// Returns when the connection started to wait for a request, or the far future while it serves one.
   Clock::time_point idleSince() const { return idleSince_; }
 
+  /// Returns the address of the caller at the socket's other end, or an unspecified one if it has gone.
+  static boost::asio::ip::address callerOf(const Socket& socket);
+
+  const boost::asio::ip::address& caller() const { return caller_; }
+
+  /// Returns false after the connection was closed.
+  bool isOpen() { return stream_.socket().is_open(); }
+
   /// Returns true while the connection is kept without work: its reply is late, never comes, or is held back.
   bool isParked() const { return isParked_; }
 
@@ -67,7 +75,7 @@ class Connection {
   Awaitable<void> awaitEnd(Clock::duration limit);
 
   boost::beast::tcp_stream stream_;
-  const std::string peer_;
+  const boost::asio::ip::address caller_;
   Router& router_;
   const ServerLimits& limits_;
   const Hooks hooks_;

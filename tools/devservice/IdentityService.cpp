@@ -78,7 +78,8 @@ std::uint32_t systemRandom() {
   return std::random_device{}();
 }
 
-IdentityService::IdentityService(Environment environment) : environment_(std::move(environment)) {}
+IdentityService::IdentityService(Environment environment, Predictions predictions)
+    : environment_(std::move(environment)), predictions_(std::move(predictions)) {}
 
 HTTPReply IdentityService::answer(const HTTPRequest& request) {
   const auto route = std::ranges::find(routes, request.path, &Route::path);
@@ -146,6 +147,7 @@ void IdentityService::forget() {
   records_.clear();
   messages_.clear();
   choice_ = {};
+  seeded_.seed(predictions_.seed.value_or(0));
 }
 
 /// Returns what the number demands, else the chosen fault if it hits this call.
@@ -181,8 +183,9 @@ ReplyBody IdentityService::perform(Call call, const Members& members,
 }
 
 ReplyBody IdentityService::sendPicture(const std::string& mobile) {
-  const std::string text = randomText(4 + below(2), alphabet);
-  const std::uint32_t seed = environment_.random();
+  const std::string text =
+      predictions_.pictureText ? *predictions_.pictureText : randomText(4 + below(2), alphabet);
+  const std::uint32_t seed = random();
   auto picture = drawPicture(text, seed);
   const TimePoint now = environment_.now();
   const std::lock_guard lock(mutex_);
@@ -194,7 +197,7 @@ ReplyBody IdentityService::sendPicture(const std::string& mobile) {
 }
 
 ReplyBody IdentityService::sendCode(const std::string& mobile, std::string_view pictureText) {
-  const std::string code = randomText(6, "0123456789");
+  const std::string code = predictions_.code ? *predictions_.code : randomText(6, "0123456789");
   const std::string message = "Orvane: your sign-in code is " + code + ". It is good for 5 minutes.";
   const TimePoint now = environment_.now();
   {
@@ -273,12 +276,19 @@ Inspection IdentityService::view(const Record& record, TimePoint now) {
           .dates = record.dates};
 }
 
-/// Returns a number from 0 to bound - 1. Its bias, bound / 2^32, is negligible: the largest bound is 22.
-std::uint32_t IdentityService::below(std::uint32_t bound) const {
-  return static_cast<std::uint32_t>(std::uint64_t{environment_.random()} * bound >> 32);
+/// Returns 32 bits, random or after the seed.
+std::uint32_t IdentityService::random() {
+  if (!predictions_.seed) return environment_.random();
+  const std::lock_guard lock(mutex_);
+  return static_cast<std::uint32_t>(seeded_());
 }
 
-std::string IdentityService::randomText(std::size_t length, std::string_view characters) const {
+/// Returns a number from 0 to bound - 1. Its bias, bound / 2^32, is negligible: the largest bound is 22.
+std::uint32_t IdentityService::below(std::uint32_t bound) {
+  return static_cast<std::uint32_t>(std::uint64_t{random()} * bound >> 32);
+}
+
+std::string IdentityService::randomText(std::size_t length, std::string_view characters) {
   std::string text(length, ' ');
   for (char& c : text) c = characters[below(static_cast<std::uint32_t>(characters.size()))];
   return text;

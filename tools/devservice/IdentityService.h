@@ -7,6 +7,7 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <random>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,6 +19,7 @@
 #include "tools/devservice/Inspection.h"
 #include "tools/devservice/Limits.h"
 #include "tools/devservice/Members.h"
+#include "tools/devservice/Predictions.h"
 #include "tools/devservice/RecentMap.h"
 #include "tools/devservice/ReplyBody.h"
 
@@ -58,10 +60,13 @@ struct Environment {
 /// The identity service without sockets: answers requests and keeps its state in memory. Thread-safe.
 class IdentityService {
  public:
-  explicit IdentityService(Environment environment = {});
+  explicit IdentityService(Environment environment = {}, Predictions predictions = {});
 
   /// Returns the reply to any request. A request that is not a call is refused.
   HTTPReply answer(const HTTPRequest& request);
+
+  /// Returns what was chosen at the start.
+  const Predictions& predictions() const { return predictions_; }
 
   /// Returns what the service knows of the mobile number. Returns nothing if it has made no call, or was
   /// forgotten.
@@ -81,7 +86,8 @@ class IdentityService {
   /// Returns the chosen fault, none after it has hit the next call.
   FaultChoice chosenFault() const;
 
-  /// Forgets everything but the number of messages, so that their identifiers go on.
+  /// Forgets everything but the number of messages, so that their identifiers go on. Starts the random
+  /// choices again if they have a seed.
   void forget();
 
  private:
@@ -118,11 +124,14 @@ class IdentityService {
   ReplyBody login(const std::string& mobile, std::string_view code);
   ReplyBody submit(const Members& facts);
 
-  std::uint32_t below(std::uint32_t bound) const;
-  std::string randomText(std::size_t length, std::string_view characters) const;
+  std::uint32_t random();
+  std::uint32_t below(std::uint32_t bound);
+  std::string randomText(std::size_t length, std::string_view characters);
 
   const Environment environment_;
+  const Predictions predictions_;
   mutable std::mutex mutex_;
+  std::mt19937 seeded_{predictions_.seed.value_or(0)};  // Used if there is a seed.
   RecentMap<Record> records_{maxNumbers};
   std::deque<TextMessage> messages_;
   std::uint64_t messageCount_ = 0;

@@ -55,12 +55,16 @@ inline constexpr std::size_t maxHeadSize = std::size_t{64} << 10;
 
 /// The bounds of a server's connections.
 struct ServerLimits {
-  /// Connections served at once, without the parked ones. Further ones wait in the system's queue until one
-  /// of these ends or is parked.
+  /// Connections of this machine served at once, without the parked ones. Further ones wait in the system's
+  /// queue until one of these ends or is parked.
   std::size_t connections = 32;
-  /// Connections that may be parked: kept without work while a reply is late, never comes, or is held back. A
-  /// further request that wants this is refused with status 503.
+  /// Connections of this machine that may be parked: kept without work while a reply is late, never comes, or
+  /// is held back. A further request that wants this is refused with status 503.
   std::size_t parked = 500;
+  /// Connections of all other machines together, parked ones included, and those of one of them. For a
+  /// further one the connection is closed that has been idle longest. If none is idle, the new one is closed.
+  std::size_t foreign = 64;
+  std::size_t foreignPerPeer = 16;
   /// Time after which a connection without a request is closed.
   std::chrono::seconds idle{60};
   /// The same while another connection is waiting.

@@ -15,8 +15,8 @@ class LineWriter {
   /// Waits until the lines are written, but not for a reader that does not read: at most 0.1 s.
   ~LineWriter();
 
-  /// Writes `first`, then the lines of write(). Calls `failed` on the writer's thread, perhaps after the writer
-  /// was destroyed, if `first` cannot be written.
+  /// Writes `first`, then the lines of write(). Calls `failed` on the writer's thread, perhaps after the
+  /// writer was destroyed, if `first` cannot be written.
   void start(std::string first, void (*failed)());
 
   /// Returns true after `first` could not be written. Thread-safe.

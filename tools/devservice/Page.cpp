@@ -32,6 +32,11 @@ Json chosen(const FaultChoice& choice) {
           {"every", choice.every}};
 }
 
+Json predictions(const Predictions& known) {
+  return {
+      {"code", orNull(known.code)}, {"pictureText", orNull(known.pictureText)}, {"seed", orNull(known.seed)}};
+}
+
 Json messages(const IdentityService& service) {
   Json all = Json::array();
   for (const TextMessage& message : service.messages()) {
@@ -103,6 +108,7 @@ HTTPReply Page::state(const HTTPRequest& request) const {
   const Members query = queryMembers(request.query);
   const auto filter = query.find("filter");
   const Json all = {{"run", run_},
+                    {"predictions", predictions(service_.predictions())},
                     {"faults", faults()},
                     {"chosenFault", chosen(service_.chosenFault())},
                     {"messages", messages(service_)},

@@ -7,7 +7,6 @@
 
 #include "tools/devservice/appendHexEscape.h"
 #include "tools/devservice/hostOf.h"
-#include "tools/devservice/isLocalCaller.h"
 #include "tools/devservice/makeReply.h"
 
 namespace devservice {
@@ -33,8 +32,11 @@ std::string lineOf(const LogEntry& entry) {
   return line;
 }
 
+constexpr std::string_view healthPath = "/health";
+
 /// The header fields of every reply of the page and /inspect. Only the page's own files may be scripts and
 /// styles, no other site may frame or embed a reply, and no cache may keep a code.
+/// A field of the same name in a reply replaces the one here.
 constexpr std::pair<std::string_view, std::string_view> guards[] = {
     {"Content-Security-Policy",
      "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
@@ -52,14 +54,20 @@ std::string_view shortest(std::string_view authority) {
 
 }  // namespace
 
-Router::Router(IdentityService& service, std::vector<std::string> hosts, Log log)
+Router::Router(IdentityService& service, std::vector<std::string> hosts, Log log, std::string token)
     : service_(service),
       page_(service, requests_),
       inspector_(service, requests_),
+      access_(std::move(token)),
       hosts_(std::move(hosts)),
       log_(std::move(log)) {}
 
 HTTPReply Router::answer(const HTTPRequest& request) {
+  // For whatever watches the service, by any name. Says nothing but that it serves.
+  if (request.path == healthPath && !request.isProxied && request.method != "CONNECT") {
+    const bool isGet = request.method == "GET" || request.method == "HEAD";
+    return isGet ? makeReply({Code::success, "serving", {}}) : refuseMethod("GET, HEAD");
+  }
   if (request.method == "CONNECT" || !serves(request)) {
     std::string names;
     for (const std::string& host : hosts_) names.append(names.empty() ? "" : ", ").append(host);
@@ -70,20 +78,22 @@ HTTPReply Router::answer(const HTTPRequest& request) {
     whole.method = "GET";
     return answer(whole);
   }
-  const bool isPage = Page::owns(request.path);
-  if (!isPage && request.path != "/inspect") return service_.answer(request);
-  HTTPReply reply;
-  if (!isLocalCaller(request)) {
-    reply = makeRefusal(403, Code::notLocal);
-  } else {
-    reply = isPage ? page_.answer(request) : inspector_.answer(request);
-  }
+  if (!Page::owns(request.path) && request.path != "/inspect") return service_.answer(request);
+  HTTPReply reply = answerDeveloper(request);
   reply.headers.insert(reply.headers.begin(), std::begin(guards), std::end(guards));
   return reply;
 }
 
+/// Answers requests for the page and /inspect.
+HTTPReply Router::answerDeveloper(const HTTPRequest& request) {
+  if (request.path == Access::formPath) return access_.enter(request);
+  if (auto refusal = access_.refusal(request)) return *std::move(refusal);
+  return Page::owns(request.path) ? page_.answer(request) : inspector_.answer(request);
+}
+
 std::uint64_t Router::log(const HTTPRequest& request, const HTTPReply& reply) {
-  if (Page::owns(request.path) && reply.status < 400) return 0;
+  const bool isFrequent = Page::owns(request.path) || request.path == healthPath;
+  if (isFrequent && reply.status < 400) return 0;
   if (request.path == "/inspect") {
     // The log on the page shows what an application sends, and scripts are not the application.
     RequestLog none;

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/devservice/Access.h"
 #include "tools/devservice/HTTPReply.h"
 #include "tools/devservice/HTTPRequest.h"
 #include "tools/devservice/IdentityService.h"
@@ -16,7 +17,8 @@
 
 namespace devservice {
 
-/// Passes each request to the service, the page or /inspect, and keeps the log. Not thread-safe.
+/// Passes each request to the service, the page or /inspect, answers /health, and keeps the log. Not
+/// thread-safe.
 class Router {
  public:
   /// Receives a line without a line end, all but printable ASCII escaped as \xNN.
@@ -24,15 +26,15 @@ class Router {
 
   /// `service` must outlive the router. The router answers requests for `hosts`, each written as in a URL,
   /// and those that are sent to it directly by a numeric address or a name without a dot. It refuses all
-  /// others. `log` may be empty.
-  Router(IdentityService& service, std::vector<std::string> hosts, Log log);
+  /// others. `log` may be empty. For `token` see Reach.
+  Router(IdentityService& service, std::vector<std::string> hosts, Log log, std::string token = {});
 
   /// Returns the reply to any request.
   HTTPReply answer(const HTTPRequest& request);
 
-  /// Logs a request whose reply is about to be sent. The page's own requests get no line and no entry unless
-  /// they are refused; requests for /inspect get a line but no entry. Returns the entry's id for finish(), or
-  /// 0.
+  /// Logs a request whose reply is about to be sent. The page's own requests and /health get no line and no
+  /// entry unless they are refused; requests for /inspect get a line but no entry. Returns the entry's id for
+  /// finish(), or 0.
   std::uint64_t log(const HTTPRequest& request, const HTTPReply& reply);
 
   /// Sets the duration of that entry after its reply was sent.
@@ -43,10 +45,13 @@ class Router {
  private:
   bool serves(const HTTPRequest& request) const;
 
+  HTTPReply answerDeveloper(const HTTPRequest& request);
+
   IdentityService& service_;
   RequestLog requests_;
   Page page_;
   InspectEndpoint inspector_;
+  const Access access_;
   const std::vector<std::string> hosts_;
   const Log log_;
 };

@@ -3,14 +3,17 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/Limits.h"
+#include "tools/devservice/Reach.h"
 
 namespace devservice {
 
-/// Serves an IdentityService and its page over HTTP on 127.0.0.1, from construction to destruction, on one
+/// Serves an IdentityService and its page over HTTP, from construction to destruction, on one
 /// thread of its own.
 class Server {
  public:
@@ -18,15 +21,22 @@ class Server {
   /// Called on the server's thread. The line has no line end, and all but printable ASCII is escaped as \xNN.
   using Log = std::function<void(std::string_view line)>;
 
-  /// Binds the port, or a free one if it is 0, and starts to serve. `service` must outlive the server. Throws
-  /// std::runtime_error if the port cannot be bound.
-  explicit Server(IdentityService& service, std::uint16_t port = 0, Log log = {}, ServerLimits limits = {});
+  /// Binds the port, or a free one if it is 0, and starts to serve: by default this machine alone. `service`
+  /// must outlive the server. Throws std::runtime_error if the address or the port cannot be bound.
+  explicit Server(IdentityService& service, std::uint16_t port = 0, Log log = {}, ServerLimits limits = {},
+                  Reach reach = {});
 
   /// Closes all connections, even in the middle of a request, and waits for the thread to end.
   ~Server();
 
   /// Returns the port that was bound.
   std::uint16_t port() const;
+
+  /// Returns the URL by which this machine reaches the server.
+  std::string localURL() const;
+
+  /// Returns the URLs by which other machines reach the server now. None if it listens for this one alone.
+  std::vector<std::string> foreignURLs() const;
 
  private:
   class Implementation;

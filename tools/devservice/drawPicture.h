@@ -10,7 +10,7 @@ namespace devservice {
 inline constexpr int pictureWidth = 160;
 inline constexpr int pictureHeight = 60;
 
-/// Returns a PNG file in 24-bit colour that shows the text: four or five characters of the alphabet in
+/// Returns a PNG file in 24-bit colour that shows the text: four or five of the characters in
 /// glyphStrokes.h, with noise that a person can read through. The seed determines colours, noise and jitter,
 /// so equal arguments make equal files. Throws std::runtime_error if the picture cannot be encoded.
 std::vector<std::uint8_t> drawPicture(std::string_view text, std::uint32_t seed);

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "tools/devservice/hostOf.h"
+#include "tools/devservice/isFromOwnOrigin.h"
 
 namespace devservice {
 namespace {
@@ -19,14 +20,7 @@ bool isLocalHost(std::string_view host) {
 
 bool isLocalCaller(const HTTPRequest& request) {
   if (!request.peer.starts_with("127.") && request.peer != "::1") return false;
-  const std::string_view host = request.header("Host").value_or("");
-  if (!isLocalHost(hostOf(host))) return false;
-  if (const auto origin = request.header("Origin"))
-    return boost::beast::iequals(*origin, "http://" + std::string(host));
-  const std::string_view site = request.header("Sec-Fetch-Site").value_or("none");
-  if (site == "none" || site == "same-origin") return true;
-  return request.method == "GET" && request.path == "/" && request.header("Sec-Fetch-Mode") == "navigate" &&
-         request.header("Sec-Fetch-Dest") == "document";
+  return isLocalHost(hostOf(request.header("Host").value_or(""))) && isFromOwnOrigin(request);
 }
 
 }  // namespace devservice
