@@ -171,8 +171,20 @@ asio::awaitable<boost::system::error_code> Connection::read(Parser& parser) {
   co_return error;
 }
 
+/// Waits until a request of another machine may be answered. After each the next one waits for as long as the
+/// answer took, so that a flood of them leaves half of the thread's time to callers on this machine.
+asio::awaitable<void> Connection::awaitTurn() {
+  while (hooks_.turn && Clock::now() < *hooks_.turn && stream_.socket().is_open()) {
+    pause_.expires_at(*hooks_.turn);
+    co_await pause_.async_wait(awaited);
+  }
+}
+
 asio::awaitable<HTTPReply> Connection::answer(const HTTPRequest& request) {
+  co_await awaitTurn();
+  const Clock::time_point start = Clock::now();
   HTTPReply reply = router_.answer(request);
+  if (hooks_.turn) *hooks_.turn = Clock::now() + (Clock::now() - start);
   if (reply.wait.count() == 0) hooks_.answered();
   const Clock::time_point end = Clock::now() + reply.wait;
   const bool isParkable = reply.fault == TransportFault::delay || reply.fault == TransportFault::silence ||

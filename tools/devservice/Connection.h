@@ -30,6 +30,8 @@ class Connection {
     std::function<void()> rested;    ///< Called each time the connection becomes idle or parked.
     std::function<void()> answered;  ///< Called each time a request was answered.
     std::function<bool()> mayPark;   ///< Returns false if no more connections may be parked.
+    /// When the next request of another machine may be answered. Null for a caller on this machine.
+    Clock::time_point* turn = nullptr;
   };
 
   /// `router` and `limits` must outlive the connection.
@@ -68,6 +70,7 @@ class Connection {
   Awaitable<bool> awaitRequest();
   void skipEmptyLines();
   Awaitable<boost::system::error_code> read(Parser& parser);
+  Awaitable<void> awaitTurn();
   Awaitable<HTTPReply> answer(const HTTPRequest& request);
   Awaitable<void> park(Clock::time_point end);
   bool takeAhead();

@@ -165,8 +165,10 @@ class Server::Implementation {
       return !isHere ||
              crowd([](const Connection& c) { return isLocal(c) && c.isParked(); }).count < limits_.parked;
     };
-    Connection::Hooks hooks{
-        .rested = [this] { change_.cancel(); }, .answered = [this] { askAgain(); }, .mayPark = mayPark};
+    Connection::Hooks hooks{.rested = [this] { change_.cancel(); },
+                            .answered = [this] { askAgain(); },
+                            .mayPark = mayPark,
+                            .turn = isHere ? nullptr : &foreignTurn_};
     const auto connection =
         connections_.emplace(connections_.end(), std::move(socket), router_, limits_, std::move(hooks));
     co_spawn(context_, connection->serve(), [this, connection](const std::exception_ptr&) {
@@ -191,6 +193,7 @@ class Server::Implementation {
   tcp::acceptor acceptor_;
   Router router_;
   std::list<Connection> connections_;
+  Connection::Clock::time_point foreignTurn_;
   asio::steady_timer change_{context_};  // Cancelled when a connection becomes idle or parked, or ends.
   std::thread thread_;
 };
