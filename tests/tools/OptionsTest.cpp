@@ -21,6 +21,8 @@ std::string outcomeOf(const std::vector<const char*>& arguments) try {
 
 TEST(SignInOptions, AreUnderstoodOrRefused) {
   const std::string wrongAddress = "--connect: expected HOST:PORT or [IPV6]:PORT with a port from 1 to 65535";
+  const std::string wrongProxy =
+      "--proxy: expected a URL such as http://HOST:PORT, with a port from 1 to 65535";
   const std::pair<std::vector<const char*>, std::string> cases[] = {
       // Understood.
       {{}, "- - - - --mobile|"},
@@ -30,8 +32,14 @@ TEST(SignInOptions, AreUnderstoodOrRefused) {
       {{"--connect", "localhost:65535"}, "- - - - --mobile|localhost:65535"},
       {{"--connect=[::1]:8080", "--trace", "--unmasked"}, "- - - - --mobile|[::1]:8080"},
       {{"--live", "--proxy=http://a:b@[::1]:8080/"}, "- - - - --mobile|[::1]:8080"},
+      {{"--live", "--proxy=http://proxy.test"}, "- - - - --mobile|proxy.test"},
       // Malformed.
       {{"--connect=localhost:0"}, wrongAddress},
+      {{"--connect", "%:80"}, wrongAddress},
+      {{"--connect=[fe80::1%lo]:80"}, wrongAddress},
+      {{"--live", "--proxy=http://localhost:99999"}, wrongProxy},
+      {{"--live", "--proxy=http://[::1"}, wrongProxy},
+      {{"--client-id=a\nb"}, "--client-id: cannot be sent with a line end in it"},
       {{"--connect=::1:80"}, wrongAddress},
       // Not together, or not alone.
       {{"--connect=a:1", "--live"}, "--live: cannot be used with --connect"},

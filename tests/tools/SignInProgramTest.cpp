@@ -82,6 +82,39 @@ TEST(SignInProgram, SignsInUnattended) {
       << ending.err;
 }
 
+// They would log in with each other's code if they used one number.
+TEST(SignInProgram, SignsInSeveralTimesAtOnce) {
+  devservice::IdentityService service;
+  const devservice::Server server(service);
+  const std::string once = "'" SIGNIN_PROGRAM "' --auto " + connectTo(server.port()) + " >/dev/null & ";
+  EXPECT_EQ(std::system((once + once + once + once + "wait").c_str()), 0);
+  const auto numbers = service.recent(5);
+  EXPECT_EQ(numbers.size(), 4);
+  for (const auto& [mobile, known] : numbers) EXPECT_TRUE(known.signedIn) << mobile;
+}
+
+TEST(SignInProgram, PrintsNothingThatControlsATerminal) {
+  const std::string text = R"(a\u001b]52;c;YQ==\u0007\u009b2J)";
+  const LoopbackServer server([&](const LoopbackServer::Request& request) {
+    const bool asksOfNone = request.head.starts_with("GET /inspect?mobile= ");
+    return answer(request.head.starts_with("POST")
+                      ? R"({"code":0,"data":[1],"msg":")" + text + "\"}"
+                      : R"({"code":)" + (asksOfNone ? "1011" : "\"" + text + "\"") + R"(,"picture":")" +
+                            text + R"(","message":")" + text + "\"}");
+  });
+  for (const char* options : {"--trace", "--trace --unmasked --client-id '\xc2\x9b'", "--json"}) {
+    const Ending ending = run(connectTo(server.port()) + " --mobile=+447700900123 " + options);
+    EXPECT_EQ(ending.status, 0) << ending.err;
+    const std::string all = ending.out + ending.err;
+    EXPECT_EQ(std::regex_replace(all, std::regex("[\\x01-\\x09\\x0b-\\x1f\\x7f]|\xc2[\x80-\x9f]"), "!"), all);
+    EXPECT_NE(all.find("2J"), all.npos);
+  }
+  for (const LoopbackServer::Request& request : server.requests()) {
+    EXPECT_TRUE(request.head.starts_with("POST") ||
+                request.head.find("?mobile=") < request.head.find("HTTP/"));
+  }
+}
+
 TEST(SignInProgram, TalksWithAPerson) {
   const std::string mobile = "+447700900123";
   devservice::IdentityService service;
@@ -117,6 +150,14 @@ TEST(SignInProgram, TalksWithAPerson) {
     wrong.hear("(refused, 2002)\r\n");
   }
   EXPECT_EQ(wrong.status(), 1);
+
+  Conversation traced({SIGNIN_PROGRAM, "--trace"});
+  for (int tries = 0; tries < 3; ++tries) {
+    traced.hear("Mobile number: ");
+    traced.say("+44 7700 900123\n");
+    traced.hear("\norvane-signin: picture: not a mobile number: +*** (refused, 1004)\r\n");
+  }
+  EXPECT_EQ(traced.status(), 1);
 
   Conversation silent({SIGNIN_PROGRAM});
   silent.say("\x04");  // The end of the input.

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <tuple>
 #include <utility>
 
 #include "tools/signin/Trace.h"
@@ -21,6 +22,22 @@ TEST(SignInTrace, MasksBodies) {
   for (const auto& [body, masked] : cases) EXPECT_EQ(secrets.maskedBody(body), masked);
 }
 
+TEST(SignInTrace, MasksANumberHoweverItIsWritten) {
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {"+447700900123", "+447700900123, 07700900123, 07700 900-123, +44 (0)7700 900123, 900123",
+       "+***, ***, ***, +44 (***, 900123"},
+      {"+44 7700 900123", "+44 7700 900123, 447700900123, 7700.900.123, 7700900124",
+       "+***, ***, ***, 7700900124"},
+      {"07700900123", "07700900123, +447700900123, 07700 900123, 123", "***, +44***, ***, 123"},
+      {"12345", "12345, 1 23 45, 312345, 345", "***, ***, 3***, 345"},
+  };
+  for (const auto& [number, text, masked] : cases) {
+    Secrets secrets;
+    secrets.addNumber(number);
+    EXPECT_EQ(secrets.masked(text), masked);
+  }
+}
+
 TEST(SignInTrace, WritesRequestsAsCommandsAndRepliesWithoutControls) {
   const auto secrets = std::make_shared<Secrets>();
   secrets->add("s3cret");
@@ -33,16 +50,19 @@ TEST(SignInTrace, WritesRequestsAsCommandsAndRepliesWithoutControls) {
   const Trace trace({.proxy = "http://me:pa@ss@proxy.test",
                      .reroutes = {{.host = "example.test", .toHost = "::1", .toPort = 8080}}},
                     secrets);
-  EXPECT_EQ(trace.requestLine(request),
-            "curl -X POST --connect-to 'example.test:80:[::1]:8080' -x 'http://***@proxy.test' -H "
-            "'xrapi-client-id: ***' -H 'X-Empty;'"
-            R"( --data-raw '{"mobile":"***","msg":"*** isn'\''t ö"}')"
-            " 'http://example.test/a?b=***'");
+  EXPECT_EQ(
+      trace.requestLine(request),
+      "curl -X POST --connect-to 'example.test:80:[::1]:8080' -x 'http://***@proxy.test' --noproxy '' -H "
+      "'xrapi-client-id: ***' -H 'X-Empty;'"
+      R"( --data-raw '{"mobile":"***","msg":"*** isn'\''t ö"}')"
+      " 'http://example.test/a?b=***'");
 
   const std::string hostile = "\x1b[2J\ns3cret \xc2\x9b";
   const orvane::DataTaskResult reply{orvane::Bytes(hostile.begin(), hostile.end()), {{500}}, nullptr};
   EXPECT_EQ(trace.replyLine("http://a/s3cret", reply, std::chrono::milliseconds(12)),
-            "http://a/***: 12 ms, status 500, 14 bytes: \\x1b[2J\\x0a*** \\xc2\x9b");
+            "http://a/***: 12 ms, status 500, 14 bytes: \\x1b[2J\\x0a*** \\xc2\\x9b");
+  EXPECT_EQ(Trace({}, secrets).requestLine(orvane::URLRequest("http://a/\xc2\x9b'")),
+            "curl -X GET --noproxy '*' $'http://a/\\xc2\\x9b\\''");
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
 #include "tools/signin/InspectClient.h"
 
-#include <algorithm>
 #include <memory>
 #include <utility>
 
 #include "orvane/host/HostSession.h"
 #include "orvane/host/hostMainQueue.h"
+#include "tools/devservice/Code.h"
 
 namespace signin {
 
@@ -15,27 +15,35 @@ InspectClient::InspectClient(std::string authority) : url_("http://" + std::move
   tool_.setSession(std::make_shared<orvane::HostSession>(configuration));
 }
 
-/// Returns what the service knows, by mobile number. Returns nothing if it is not a development service.
-std::optional<orvane::Map> InspectClient::inspect() {
+/// Returns the reply of /inspect for the number, an entry or a refusal. Returns nothing if no JSON object
+/// came.
+std::optional<orvane::Map> InspectClient::inspect(std::string_view mobile) {
   std::optional<orvane::Value> result;
   const auto take = [&result](std::optional<orvane::Value> told, const orvane::ErrorPtr&) {
     result = std::move(told);
     orvane::hostMainQueue().stop();
   };
-  tool_.requestJSON(orvane::HTTPMethod::GET, url_, std::nullopt, orvane::onMainQueue(take));
+  tool_.requestJSON(orvane::HTTPMethod::GET, url_, orvane::Map{{"mobile", mobile}},
+                    orvane::onMainQueue(take));
   orvane::hostMainQueue().run();
-  orvane::Map* numbers = result ? result->map() : nullptr;
-  const auto isMap = [](const auto& member) { return member.second.map() != nullptr; };
-  if (!numbers || !std::ranges::all_of(*numbers, isMap)) return std::nullopt;
-  return std::move(*numbers);
+  orvane::Map* reply = result ? result->map() : nullptr;
+  return reply ? std::optional(std::move(*reply)) : std::nullopt;
+}
+
+bool InspectClient::isThere() {
+  // No number is empty, so a development service refuses to tell of it, with a code of its own.
+  const auto reply = inspect("");
+  const auto code = reply ? reply->find("code") : orvane::Map::const_iterator();
+  if (!reply || code == reply->end()) return false;
+  const std::int64_t* number = code->second.integer();
+  return number && *number == static_cast<int>(devservice::Code::unknownNumber);
 }
 
 std::optional<std::string> InspectClient::known(std::string_view fact, const std::string& mobile) {
-  const std::optional<orvane::Map> numbers = inspect();
-  if (!numbers || !numbers->contains(mobile)) return std::nullopt;
-  const orvane::Map& facts = *numbers->at(mobile).map();
-  const auto found = facts.find(fact);
-  const std::string* text = found == facts.end() ? nullptr : found->second.text();
+  const std::optional<orvane::Map> entry = inspect(mobile);
+  const auto found = entry ? entry->find(fact) : orvane::Map::const_iterator();
+  if (!entry || found == entry->end()) return std::nullopt;
+  const std::string* text = found->second.text();
   return text ? std::optional(*text) : std::nullopt;
 }
 

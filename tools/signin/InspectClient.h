@@ -16,14 +16,14 @@ class InspectClient {
   explicit InspectClient(std::string authority);
 
   /// Returns true if a development service answers there.
-  bool isThere() { return inspect().has_value(); }
+  bool isThere();
 
   /// Returns the text of that name, such as "code", from what the service knows of the number. Returns
   /// nothing if the service does not know it.
   std::optional<std::string> known(std::string_view fact, const std::string& mobile);
 
  private:
-  std::optional<orvane::Map> inspect();
+  std::optional<orvane::Map> inspect(std::string_view mobile);
 
   const std::string url_;
   orvane::NetworkTool tool_;  // Has a session of its own, so that a trace does not show its requests.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <iterator>
+#include <utility>
 
 #include "orvane/orvane.h"
 
@@ -45,20 +46,25 @@ Step readStep(const std::string& name) {
   return static_cast<Step>(std::ranges::find(stepNames, name) - std::begin(stepNames));
 }
 
-Address readAddress(std::string_view text) {
-  const std::size_t colon = text.rfind(':');
+/// Returns the host and the port in HOST:PORT or [IPV6]:PORT. Without a port it is `defaultPort`. Returns
+/// nothing if the text is malformed, or the port is 0.
+std::optional<Address> readAddress(std::string_view text, std::uint16_t defaultPort = 0) {
+  const bool isIPv6 = text.starts_with('[');
+  const std::size_t colon = text.find(':', isIPv6 ? std::min(text.find(']'), text.size()) : 0);
   std::string_view host = text.substr(0, colon);
-  const std::string_view port = colon == text.npos ? "" : text.substr(colon + 1);
-  const bool bracketed = host.starts_with('[') && host.ends_with(']');
-  if (bracketed) host = host.substr(1, host.size() - 2);
+  if (isIPv6) host = host.ends_with(']') ? host.substr(1, host.size() - 2) : "";
+  const char* const allowed = isIPv6 ? "0123456789ABCDEFabcdef:."
+                                     : "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-._";
+  const bool isHost = !host.empty() && host.find_first_not_of(allowed) == host.npos;
+  if (!isHost || (host.find(':') != host.npos) != isIPv6) return std::nullopt;
 
-  Address address{std::string(host)};
-  const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), address.port);
-  const bool isPort = error == std::errc() && end == port.data() + port.size() && address.port != 0;
-  if (!isPort || host.empty() || (host.find(':') != host.npos) != bracketed) {
-    throw UsageError("--connect: expected HOST:PORT or [IPV6]:PORT with a port from 1 to 65535");
+  Address address{std::string(host), defaultPort};
+  if (colon != text.npos) {
+    const auto [end, error] =
+        std::from_chars(text.data() + colon + 1, text.data() + text.size(), address.port);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
   }
-  return address;
+  return address.port != 0 ? std::optional(std::move(address)) : std::nullopt;
 }
 
 /// Returns the words in the order that CLI11 takes, the last one first. "--name=" becomes two words, since
@@ -84,6 +90,11 @@ void refuseContradictions(const Options& options) {
   for (const auto& [isGiven, complaint] : contradictions) {
     if (isGiven) throw UsageError(complaint);
   }
+  constexpr std::uint16_t curlPort = 1080;  // Of a proxy without a port.
+  if (options.proxy && !options.proxy->empty() && !readAddress(options.service(), curlPort))
+    throw UsageError("--proxy: expected a URL such as http://HOST:PORT, with a port from 1 to 65535");
+  if (options.clientId && options.clientId->find_first_of("\r\n") != std::string::npos)
+    throw UsageError("--client-id: cannot be sent with a line end in it");
   for (const Use& use : uses) {
     if (options.*use.value && !options.includes(use.step)) {
       throw UsageError(std::string(use.name) + ": not used by the call that --only names");
@@ -169,7 +180,11 @@ Options parseOptions(std::span<const char* const> arguments) {
     throw UsageError(error.what());
   }
   if (!only.empty()) options.only = readStep(only);
-  if (connecting->count() > 0) options.connect = readAddress(connect);
+  if (connecting->count() > 0) {
+    options.connect = readAddress(connect);
+    if (!options.connect)
+      throw UsageError("--connect: expected HOST:PORT or [IPV6]:PORT with a port from 1 to 65535");
+  }
   refuseContradictions(options);
   return options;
 }

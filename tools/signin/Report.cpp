@@ -23,7 +23,8 @@ std::string line(const std::optional<Step>& step, const StepEnd& stepEnd) {
   object["kind"] = stepEnd.kind ? Json(rawValue(*stepEnd.kind)) : Json();
   object["message"] = orNull(stepEnd.message);
   if (stepEnd.picture) object["picture"] = *stepEnd.picture;
-  return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+  // In ASCII, since JSON allows U+007F to U+009F as they are, and they control a terminal.
+  return object.dump(-1, ' ', true, Json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace

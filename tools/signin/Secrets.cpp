@@ -22,6 +22,23 @@ bool isSecretMember(std::string_view name) {
   return std::ranges::find(names, name) != std::end(names);
 }
 
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+/// Returns how much of the text's start is the secret, in bytes, or 0. See Secrets::masked().
+std::size_t sizeAtStart(std::string_view text, std::string_view secret) {
+  const bool isNumber = std::ranges::all_of(secret, isDigit);
+  std::size_t at = 0;
+  for (const char c : secret) {
+    while (isNumber && at > 0 && at < text.size() && std::string_view(" -.()/").find(text[at]) != text.npos)
+      ++at;
+    if (at == text.size() || !orvane::equalIgnoringCase(text.substr(at, 1), {&c, 1})) return 0;
+    ++at;
+  }
+  return at;
+}
+
 void maskObject(Json& object, const Secrets& secrets);
 
 void maskValue(Json& value, const Secrets& secrets) {
@@ -64,20 +81,28 @@ void Secrets::add(std::string_view secret) {
   std::ranges::sort(secrets_, std::greater(), &std::string::size);
 }
 
+void Secrets::addNumber(std::string_view number) {
+  constexpr std::size_t longestCountryCode = 3, fewestDigits = 6;
+  add(number);
+  std::string digits;
+  std::ranges::copy_if(number, std::back_inserter(digits), isDigit);
+  digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
+  for (std::size_t left = 0; left <= longestCountryCode && digits.size() >= left + fewestDigits; ++left) {
+    add(digits.substr(left));
+    add("0" + digits.substr(left));
+  }
+}
+
 std::string Secrets::masked(std::string_view text) const {
   std::string result;
   const std::lock_guard lock(mutex_);
   while (!text.empty()) {
-    const auto found = std::ranges::find_if(secrets_, [text](const std::string& secret) {
-      return orvane::equalIgnoringCase(text.substr(0, secret.size()), secret);
-    });
-    if (found == secrets_.end()) {
-      result.push_back(text.front());
-      text.remove_prefix(1);
-    } else {
-      result.append(mask);
-      text.remove_prefix(found->size());
+    std::size_t size = 0;
+    for (auto secret = secrets_.begin(); size == 0 && secret != secrets_.end(); ++secret) {
+      size = sizeAtStart(text, *secret);
     }
+    result.append(size > 0 ? mask : text.substr(0, 1));
+    text.remove_prefix(std::max<std::size_t>(size, 1));
   }
   return result;
 }

@@ -19,9 +19,13 @@ class Secrets {
   /// Adds a text to mask. Ignores texts of less than two characters, which occur in any line.
   void add(std::string_view secret);
 
+  /// Adds a mobile number, also as a service may write it: without its country code, and with a 0 instead.
+  void addNumber(std::string_view number);
+
   bool areMasked() const { return areMasked_; }
 
-  /// Returns the text with every secret in it replaced by the mask. Ignores the case of ASCII letters.
+  /// Returns the text with every secret in it replaced by the mask. Ignores the case of ASCII letters, and
+  /// marks between the digits of a number: "07700 900-123".
   std::string masked(std::string_view text) const;
 
   /// Returns a body with its secrets masked. In JSON, the members "mobile", "captcha" and "verificationCode"

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -18,8 +19,15 @@
 namespace signin {
 namespace {
 
-/// One of the numbers that are reserved for fiction, so it belongs to no person.
-constexpr const char* someNumber = "+447700900123";
+/// Returns a number that belongs to no person, since no country has the code 999. It is random, so that
+/// sign-ins at the same time do not take each other's code. The numbers that cause faults start with other
+/// digits.
+std::string someNumber() {
+  std::random_device random;
+  return "+9991" + std::to_string(std::uniform_int_distribution(10'000'000, 99'999'999)(random));
+}
+
+constexpr std::string_view numberOption = "--mobile";
 
 /// How often a person may answer the same question before a refusal ends the sign-in.
 constexpr int mostTries = 3;
@@ -77,19 +85,23 @@ std::string textBubble(std::string_view text) {
 }  // namespace
 
 StepOutcome SignIn::run() {
-  mobile_ = answer({"--mobile", "Mobile number: ", {}, options_.mobile});
   StepOutcome outcome = StepOutcome::success;
-  const auto isAsked = [this](const auto& given) { return means_.hasPerson && !given; };
-  // After a misread picture the person gets a new one.
-  for (int tries = isAsked(options_.captcha) && !options_.only ? mostTries : 1; tries > 0; --tries) {
+  const auto triesFor = [this](const auto& given) { return means_.hasPerson && !given ? mostTries : 1; };
+  int tries = triesFor(options_.mobile);
+  do {
+    mobile_ = answer({numberOption, "Mobile number: ", {}, options_.mobile});
     if (options_.includes(Step::picture)) outcome = requestPicture();
-    if (outcome != StepOutcome::success) return outcome;
-    if (options_.includes(Step::code)) outcome = requestCode();
-    if (outcome != StepOutcome::refusal) break;
-    if (tries > 1) Terminal::print("Here is a new picture.\n");
+  } while (outcome == StepOutcome::refusal && --tries > 0);
+
+  tries = options_.only ? 1 : triesFor(options_.captcha);
+  while (options_.includes(Step::code) && outcome == StepOutcome::success) {
+    outcome = requestCode();
+    if (outcome != StepOutcome::refusal || --tries == 0) break;
+    Terminal::print("Here is a new picture.\n");  // A misread one cannot be used again.
+    outcome = requestPicture();
   }
   if (!options_.includes(Step::login) || outcome != StepOutcome::success) return outcome;
-  int tries = isAsked(options_.code) ? mostTries : 1;
+  tries = triesFor(options_.code);
   do {
     outcome = requestLogin();
   } while (outcome == StepOutcome::refusal && --tries > 0);
@@ -114,7 +126,7 @@ StepOutcome SignIn::requestCode() {
   Terminal::print("A text message with a code was sent to " + printable(mobile_) + ".\n");
   if (means_.inspector) {
     if (const auto message = means_.inspector->known("message", mobile_))
-      Terminal::print(textBubble(*message));
+      Terminal::print(textBubble(printable(*message)));
   }
   return succeed();
 }
@@ -145,9 +157,11 @@ StepOutcome SignIn::fail(Step step, const orvane::Error& error) const {
   const orvane::ErrorKind kind = orvane::kind(error);
   const bool isRefusal = kind == orvane::ErrorKind::refused;
   const std::string message = orvane::message(error);
-  Terminal::complain(std::string(stepNames[static_cast<std::size_t>(step)]) + ": " + printable(message) +
-                     " (" + std::string(rawValue(kind)) + ", " +
-                     (isRefusal ? "" : printable(error.domain) + " ") + std::to_string(error.code) + ")");
+  // A trace stands on standard error, too, and may be passed on.
+  const std::string shown = options_.trace ? means_.secrets.masked(message) : message;
+  Terminal::complain(std::string(stepNames[static_cast<std::size_t>(step)]) + ": " + printable(shown) + " (" +
+                     std::string(rawValue(kind)) + ", " + (isRefusal ? "" : printable(error.domain) + " ") +
+                     std::to_string(error.code) + ")");
   const StepOutcome outcome = isRefusal ? StepOutcome::refusal : StepOutcome::network;
   means_.report.end({outcome, error.domain, error.code, kind, message});
   return outcome;
@@ -161,12 +175,16 @@ std::string SignIn::answer(const Question& question) const {
     text = Terminal::ask(question.text);
     if (!text) throw UsageError(option + ": missing, and the input has ended");
   } else if (!text) {
-    text = question.fact.empty() ? someNumber : means_.inspector->known(question.fact, mobile_);
+    text = question.fact.empty() ? someNumber() : means_.inspector->known(question.fact, mobile_);
     if (!text) throw UsageError(option + ": missing, and the development service does not know it");
     Terminal::print(std::string(question.text) + printable(*text) + "\n");
   }
   if (!isUTF8(*text)) throw UsageError(option + ": not UTF-8");
-  means_.secrets.add(*text);
+  if (question.option == numberOption) {
+    means_.secrets.addNumber(*text);
+  } else {
+    means_.secrets.add(*text);
+  }
   return *text;
 }
 

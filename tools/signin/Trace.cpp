@@ -52,7 +52,10 @@ std::string Trace::requestLine(const orvane::URLRequest& request) const {
     line += shellWord(Address{reroute.host, reroute.port}.authority() + ":" +
                       Address{reroute.toHost, reroute.toPort}.authority());
   }
-  if (!configuration_.proxy.empty()) line.append(" -x ").append(shellWord(maskedUser(configuration_.proxy)));
+  const bool hasProxy = !configuration_.proxy.empty();
+  if (hasProxy) line.append(" -x ").append(shellWord(maskedUser(configuration_.proxy)));
+  // curl would else heed the proxies, or the exceptions, in the environment, which the session ignores.
+  line.append(hasProxy ? " --noproxy ''" : " --noproxy '*'");
   for (const orvane::HeaderField& field : request.headers()) {
     line.append(" -H ").append(headerWord(field));
   }

@@ -70,7 +70,8 @@ StepOutcome signIn(const Options& options, Report& report, std::FILE*& output) {
   const std::optional<Address> address =
       embedded ? Address{"127.0.0.1", embedded->server.port()} : options.connect;
   const auto secrets = std::make_shared<Secrets>(!options.unmasked);
-  for (const auto& given : {options.mobile, options.clientId, options.captcha, options.code}) {
+  if (options.mobile) secrets->addNumber(*options.mobile);
+  for (const auto& given : {options.clientId, options.captcha, options.code}) {
     if (given) secrets->add(*given);
   }
   const auto configuration = routeTo(address, options);

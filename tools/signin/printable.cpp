@@ -4,19 +4,20 @@
 
 namespace signin {
 
+std::size_t controlSize(std::string_view text) {
+  const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+  if (text.empty()) return 0;
+  if (byte(0) < 0x20 || byte(0) == 0x7F) return 1;
+  return byte(0) == 0xC2 && text.size() > 1 && byte(1) >= 0x80 && byte(1) < 0xA0 ? 2 : 0;
+}
+
 std::string printable(std::string_view text) {
   std::string result;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const auto byte = static_cast<unsigned char>(text[at]);
-    // UTF-8 has more control characters: U+0080 to U+009F, with the first byte C2. Without it, a second byte
-    // is not a character.
-    const bool startsControl =
-        byte == 0xC2 && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
-    if (byte < 0x20 || byte == 0x7F || startsControl) {
-      devservice::appendHexEscape(result, text[at]);
-    } else {
-      result.push_back(text[at]);
-    }
+  while (!text.empty()) {
+    const std::size_t size = controlSize(text);
+    for (const char c : text.substr(0, size)) devservice::appendHexEscape(result, c);
+    if (size == 0) result.push_back(text.front());
+    text.remove_prefix(size == 0 ? 1 : size);
   }
   return result;
 }

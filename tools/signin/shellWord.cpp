@@ -1,25 +1,30 @@
 #include "tools/signin/shellWord.h"
 
-#include <algorithm>
-
 #include "tools/devservice/appendHexEscape.h"
+#include "tools/signin/printable.h"
 
 namespace signin {
 
 std::string shellWord(std::string_view text) {
-  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; };
-  const bool hasControls = std::ranges::any_of(text, isControl);
+  bool hasControls = false;
+  for (std::size_t at = 0; at < text.size(); ++at) hasControls |= controlSize(text.substr(at)) > 0;
   std::string word(hasControls ? "$'" : "'");
-  for (const char c : text) {
-    if (isControl(c)) {
-      devservice::appendHexEscape(word, c);
-    } else if (c == '\'') {
+  while (!text.empty()) {
+    const std::size_t size = controlSize(text);
+    const char c = text.front();
+    for (const char control : text.substr(0, size)) devservice::appendHexEscape(word, control);
+    if (size > 0) {
+      text.remove_prefix(size);
+      continue;
+    }
+    if (c == '\'') {
       word.append(hasControls ? "\\'" : "'\\''");
     } else if (c == '\\' && hasControls) {
       word.append("\\\\");
     } else {
       word.push_back(c);
     }
+    text.remove_prefix(1);
   }
   return word + "'";
 }
