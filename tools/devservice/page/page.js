@@ -3,6 +3,7 @@
 // Text from a request only ever becomes a text node, never markup.
 
 const period = 500; // Milliseconds between two requests for the state.
+const patience = 3000; // Milliseconds after which a request is given up.
 const byId = (id) => document.getElementById(id);
 const clock = new Intl.DateTimeFormat(undefined,
   { hour: "2-digit", minute: "2-digit", second: "2-digit", hourCycle: "h23" });
@@ -32,20 +33,33 @@ function copyButton(className, label, text) {
   return button;
 }
 
+/** Returns true if the element contains the focus or a part of the selection. */
+function isInUse(element) {
+  const selection = getSelection();
+  const isSelected = !selection.isCollapsed && selection.containsNode(element, true);
+  return isSelected || element.contains(document.activeElement);
+}
+
 /** Makes a list show these entries. An entry already shown keeps its element, which updates itself. */
 function follow(list, entries, makeEntry) {
   const known = new Map([...list.children].map((element) => [element.dataset.id, element]));
-  entries.forEach((entry, index) => {
-    let element = known.get(String(entry.id));
+  const elements = entries.map((entry) => {
+    const element = known.get(String(entry.id)) ?? makeEntry(entry);
     known.delete(String(entry.id));
-    if (!element) {
-      element = makeEntry(entry);
-      element.dataset.id = entry.id;
-    }
+    element.dataset.id = entry.id;
     element.update(entry);
-    if (list.children[index] !== element) list.insertBefore(element, list.children[index] ?? null);
+    return element;
   });
   for (const element of known.values()) element.remove();
+  // An element that is moved loses focus and selection. So the one that has them stays, and others move.
+  const fixed = elements.findIndex((element) => element.isConnected && isInUse(element));
+  for (let i = fixed - 1; i >= 0; --i) {
+    if (elements[i].nextSibling !== elements[i + 1]) list.insertBefore(elements[i], elements[i + 1]);
+  }
+  for (let i = fixed + 1; i < elements.length; ++i) {
+    const place = i === 0 ? list.firstChild : elements[i - 1].nextSibling;
+    if (place !== elements[i]) list.insertBefore(elements[i], place);
+  }
 }
 
 function messageBubble({ time, mobile, text }) {
@@ -174,9 +188,11 @@ function requestRow(request) {
   return element;
 }
 
+const ask = (path, options) => fetch(path, { ...options, signal: AbortSignal.timeout(patience) });
+
 const change = (method, path, body) => {
   const headers = { "Content-Type": "application/json" };
-  return fetch(path, { method, headers, body: JSON.stringify(body) }).then(look).catch(unreachable);
+  return ask(path, { method, headers, body: JSON.stringify(body) }).then(look).catch(unreachable);
 };
 
 let chosen = null;
@@ -225,10 +241,12 @@ function showFaults(faults, choice) {
 function showConnection(text, live) {
   say(byId("connection"), text);
   document.body.dataset.live = live;
-  for (const control of document.querySelectorAll("button, select, input")) control.disabled = !live;
 }
 
-const unreachable = () => showConnection("Not reachable", false);
+function unreachable(error) {
+  const isLate = error.name === "TimeoutError";
+  showConnection(isLate ? `No answer in ${patience / 1000} s` : "Not reachable", false);
+}
 
 let run;
 /** Clears what an earlier run of the service has sent, since a new run counts from 1 again. */
@@ -240,7 +258,7 @@ function startRun(newRun) {
 }
 
 async function look() {
-  const reply = await fetch(`/page/state?filter=${encodeURIComponent(byId("filter").value)}`);
+  const reply = await ask(`/page/state?filter=${encodeURIComponent(byId("filter").value)}`);
   if (!reply.ok) throw new Error(reply.statusText);
   const state = await reply.json();
   startRun(state.run);
