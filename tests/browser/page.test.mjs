@@ -3,9 +3,15 @@
 import assert from "node:assert/strict";
 import { execFile, spawn } from "node:child_process";
 import { once } from "node:events";
-import { readFile } from "node:fs/promises";
+import { createRequire } from "node:module";
+import { mkdtemp, readFile, rm } from "node:fs/promises";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
 import { after, afterEach, beforeEach, test as anyTest } from "node:test";
 import { promisify } from "node:util";
+import Ajv from "ajv";
+import addFormats from "ajv-formats";
+import harSchemas from "har-schema";
 import { chromium } from "playwright-core";
 
 const [serviceProgram, signInProgram, executablePath] = process.argv.slice(2);
@@ -14,6 +20,17 @@ const run = promisify(execFile);
 const browser = await chromium.launch({ executablePath });
 after(() => browser.close());
 const test = (name, body) => anyTest(name, { timeout: 60_000 }, body);
+
+const require = createRequire(import.meta.url);
+const ajv = addFormats(new Ajv({ strict: false }))
+  .addMetaSchema(require("ajv/dist/refs/json-schema-draft-06.json")).addSchema(Object.values(harSchemas));
+
+/** Checks a HAR file, and returns its entries. */
+function checkHar(text) {
+  const har = JSON.parse(text);
+  assert.ok(ajv.validate("har.json#", har), ajv.errorsText());
+  return har.log.entries;
+}
 
 let service, url, page, complaints;
 
@@ -117,7 +134,7 @@ test("a fault is chosen by keyboard and used up by the next call", async () => {
     passed.push(await page.evaluate(() => document.activeElement.id || document.activeElement.className));
     assert.notEqual(await page.evaluate(() => getComputedStyle(document.activeElement).outlineStyle), "none");
   } while (name !== "refused");
-  assert.deepEqual(passed.slice(0, 3), ["messages", "copy used", "requests"]);
+  assert.deepEqual(passed.slice(0, 5), ["messages", "copy used", "caller", "call", "requests"]);
   await page.keyboard.press("Enter");
   const button = (name, pressed) => page.getByRole("button", { name, exact: true, pressed }).waitFor();
   await button("refused", true);
@@ -142,11 +159,53 @@ test("a request tells its members and is copied as a command", async () => {
   const row = page.getByRole("listitem").filter({ hasText: "POST /tenant/getVerifyCode" });
   await row.getByText(/^\d+ ms$/).waitFor();
   await row.locator("summary").click();
-  assert.deepEqual(await row.locator("dd").allInnerTexts(), ["***", "***"]);
+  assert.deepEqual(await row.locator("dd").first().innerText(), mobile);
   await row.getByRole("button").click();
   await row.locator(".copied").waitFor();
   const command = await page.evaluate(() => navigator.clipboard.readText());
   assert.match(command, /^curl -X 'POST' -H .*"mobile":"\+447700900123","captcha":"\*\*\*".*getVerifyCode'$/);
+});
+
+test("requests are filtered and saved, without secrets unless asked", async () => {
+  for await (const step of calls()) assert.equal(step, "done");
+  await sendMessage("10000");
+  const rows = page.locator("#requests > li");
+  await rows.nth(5).waitFor();
+  await page.getByLabel("Requests of the number").fill("4477");
+  await page.waitForFunction(() => document.querySelector("#requests").childElementCount === 4);
+  await page.getByLabel("Requests of the call").selectOption("login");
+  await page.waitForFunction(() => document.querySelector("#requests").childElementCount === 1);
+  await page.getByLabel("Requests of the call").selectOption("all");
+  for (const isMasked of [true, false]) {
+    await page.getByLabel("with numbers, codes and identifiers").setChecked(!isMasked);
+    const download = page.waitForEvent("download");
+    await page.getByRole("button", { name: "Save as HAR" }).click();
+    const text = await readFile(await (await download).path(), "utf8");
+    assert.equal(checkHar(text).length, 4);
+    for (const secret of ["447700900123", "an app"]) assert.equal(text.includes(secret), !isMasked);
+  }
+  assert.deepEqual(complaints, []);
+});
+
+test("the sign-in saves a file that a reader understands", async () => {
+  const folder = await mkdtemp(join(tmpdir(), "orvane-har-"));
+  const file = join(folder, "orvane.har");
+  assert.equal(await signIn("--auto", "--client-id=cl1ent", "--har", file), "done");
+  const text = await readFile(file, "utf8");
+  assert.equal(checkHar(text).length, 4);
+  for (const secret of ["447700900123", "cl1ent"]) assert.ok(!text.includes(secret), secret);
+  // The browser's driver reads the file, and answers a page's requests from it.
+  const reader = await browser.newPage();
+  await reader.route("http://identity.orvane.example/", (route) => route.fulfill({ body: "" }));
+  await reader.routeFromHAR(file, { url: "**/tenant/**" });
+  await reader.goto("http://identity.orvane.example/");
+  const reply = await reader.evaluate(async () => {
+    const sent = { method: "POST", body: '{"mobile":"***"}' };
+    return (await fetch("/tenant/verify/captcha", sent)).json();
+  });
+  assert.equal(reply.msg, "picture sent");
+  await reader.close();
+  await rm(folder, { recursive: true });
 });
 
 test("a reader who scrolled up stays there, and numbers are filtered and forgotten", async () => {

@@ -44,7 +44,7 @@ TEST(SignInOptions, AreUnderstoodOrRefused) {
       // Not together, or not alone.
       {{"--connect=a:1", "--live"}, "--live: cannot be used with --connect"},
       {{"--proxy=http://localhost:1", "--connect=a:1"}, "--proxy: needs --live"},
-      {{"--unmasked"}, "--unmasked: needs --trace"},
+      {{"--unmasked"}, "--unmasked: needs --trace or --har"},
       {{"--connect=a:1", "--trace", "--unmasked"},
        "--unmasked: allowed only if the requests stay on this machine"},
       {{"--json", "--picture", "-"}, "--picture -: cannot be used with --json"},

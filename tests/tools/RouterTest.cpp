@@ -74,6 +74,7 @@ TEST(Router, KeepsAllButTheCallsForLocalCallers) {
                                   local(picture),
                                   local("/page/style.css"),
                                   local("/inspect"),
+                                  local("/inspect/requests"),
                                   local("/page/fault", "", "POST", R"({"fault":1})"),
                                   local("/inspect", "", "DELETE")};
   for (const bool isLocal : {true, false}) {
@@ -201,6 +202,53 @@ TEST(Router, AnswersCallsForItsOwnHostsAlone) {
     request.headers.emplace_back("Host", host);
     EXPECT_EQ(Json::parse(bench.router.answer(request).body)["code"], code) << host;
   }
+}
+
+TEST(Router, TellsWhatItWasAskedWithoutSecrets) {
+  ServiceBench bench;
+  HTTPRequest identified = askCode(number, "AAAA");
+  identified.headers.emplace_back("xrapi-client-id", "cl1ent");
+  identified.headers.emplace_back("Host", "identity.test");
+  for (const HTTPRequest& request :
+       {askPicture(number), identified, askPicture("1 " + number), logIn("000000"), local("/inspect"),
+        local("/inspect/requests"), local("/nothing")}) {
+    bench.router.log(request, bench.router.answer(request));
+  }
+  const std::tuple<std::string, int, std::vector<int>> cases[] = {
+      {"", 200, {1, 2, 3, 4, 5}},
+      {"mobile=%2B49151", 200, {1, 2, 3, 4}},
+      {"mobile=1 ", 200, {3}},
+      {"call=picture&mobile=", 200, {1, 3}},
+      {"call=submission&unmasked=1", 200, {}},
+      {"since=1", 200, {1, 2, 3, 4, 5}},
+      {"since=9000000000000&format=", 200, {}},
+      {"call=facts", 400, {}},
+      {"since=-1", 400, {}},
+      {"unmasked=2", 400, {}},
+      {"format=xml", 400, {}},
+      {"number=1", 400, {}},
+  };
+  const auto tell = [&](const std::string& query) {
+    return bench.router.answer(local("/inspect/requests", query));
+  };
+  for (const auto& [query, status, expected] : cases) {
+    const HTTPReply reply = tell(query);
+    EXPECT_EQ(reply.status, status) << query;
+    std::vector<int> ids;
+    if (status == 200) {
+      for (const Json& entry : Json::parse(reply.body)) ids.push_back(entry["id"]);
+    }
+    EXPECT_EQ(ids, expected) << query;
+  }
+  for (const std::string format : {"", "har"}) {
+    for (const std::string secret : {"4915112345678", "AAAA", "000000", "cl1ent"}) {
+      EXPECT_EQ(tell("format=" + format).body.find(secret), secret.npos) << secret;
+      EXPECT_NE(tell("unmasked=1&format=" + format).body.find(secret), secret.npos) << secret;
+    }
+  }
+  const Json entry = Json::parse(tell("call=code&format=har").body)["log"]["entries"][0];
+  EXPECT_EQ(entry["request"]["url"], "http://identity.test/tenant/getVerifyCode");
+  EXPECT_EQ(bench.router.answer(local("/inspect/requests", "", "DELETE")).status, 405);
 }
 
 TEST(Router, IsAProxyForItsOwnHostsAlone) {

@@ -205,6 +205,8 @@ TEST(SignInProgram, ReportsHowItEnded) {
       {"--picture " + path("png"), 0, 3, R"("login" "success" 0 null )", ""},
       {"--captcha=no", 1, 2, R"("code" "refusal" 2002 "refused" )", "code: that is not the picture's text ("},
       {"--picture=/a/b", 2, 1, R"("picture" "usage" null null )", "--picture: cannot write /a/b: No such "},
+      {"--har=/a/b", 2, 1, R"(null "usage" null null )",
+       "--har: cannot write /a/b: No such file or directory\n"},
       {"--mobile=\xff", 2, 1, R"(null "usage" null null )", "--mobile: not UTF-8\n"},
       {"--live", 2, 0, "", "--mobile: missing, and there is no development service to ask\n"},
       {unreachable, 2, 1, R"(null "usage" null null )",

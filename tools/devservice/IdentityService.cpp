@@ -74,6 +74,11 @@ std::string takeMembers(const nlohmann::json& object, Names names, Members& memb
 
 }  // namespace
 
+std::optional<Call> callAt(std::string_view path) {
+  const auto route = std::ranges::find(routes, path, &Route::path);
+  return route == std::end(routes) ? std::nullopt : std::optional(route->call);
+}
+
 std::uint32_t systemRandom() {
   return std::random_device{}();
 }

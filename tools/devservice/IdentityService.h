@@ -42,6 +42,9 @@ struct FaultChoice {
 
 using TimePoint = std::chrono::steady_clock::time_point;
 
+/// Returns the call whose path this is, or nothing.
+std::optional<Call> callAt(std::string_view path);
+
 /// Returns 32 bits from the system's random source.
 std::uint32_t systemRandom();
 

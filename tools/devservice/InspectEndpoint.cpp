@@ -1,10 +1,16 @@
 #include "tools/devservice/InspectEndpoint.h"
 
 #include <algorithm>
+#include <boost/beast/core/string.hpp>
 #include <charconv>
+#include <initializer_list>
 #include <iterator>
+#include <utility>
+#include <vector>
 
+#include "tools/devservice/HarFile.h"
 #include "tools/devservice/Json.h"
+#include "tools/devservice/Secrets.h"
 #include "tools/devservice/Target.h"
 #include "tools/devservice/makeReply.h"
 
@@ -40,16 +46,85 @@ std::optional<std::uint64_t> numberIn(const Members& query, std::string_view nam
   return isNumber ? std::optional(number) : std::nullopt;
 }
 
-HTTPReply jsonReply(const Json& json) {
+HTTPReply jsonReply(std::string json) {
   HTTPReply reply;
-  reply.body = dumped(json);
+  reply.body = std::move(json);
   return reply;
+}
+
+/// Returns the first parameter that is none of the names, or an empty text.
+std::string unknownIn(const Members& query, std::initializer_list<std::string_view> names) {
+  const auto isUnknown = [&](const auto& entry) {
+    return std::ranges::find(names, entry.first) == names.end();
+  };
+  const auto found = std::ranges::find_if(query, isUnknown);
+  return found == query.end() ? std::string() : found->first;
+}
+
+/// The names of the calls. The index is a Call, less 1.
+constexpr std::string_view callNames[] = {"picture", "code", "login", "submission"};
+
+/// Returns the name of the call that the request is, or an empty text.
+std::string_view callOf(const LogEntry& entry) {
+  const auto call = callAt(entry.path);
+  return call ? callNames[static_cast<std::size_t>(*call) - 1] : "";
+}
+
+/// Adds what a saved log must not show of the request: its number, and the values of its secret members.
+void addSecrets(const LogEntry& entry, Secrets& secrets) {
+  secrets.addNumber(entry.mobile);
+  const Json members = entry.members.empty() ? Json() : Json::parse(entry.members);
+  for (const auto& [name, value] : members.items()) {
+    if (Secrets::isSecretMember(name)) secrets.add(value.get<std::string>());
+  }
+  for (const auto& [name, value] : entry.headers) {
+    if (Secrets::isSecretField(name)) secrets.add(value);
+  }
+}
+
+Json shown(const LogEntry& entry, const Secrets& secrets) {
+  Json headers = Json::object();
+  for (const auto& [name, value] : entry.headers) headers[name] = secrets.maskedField(name, value);
+  const bool hasMembers = !entry.members.empty();
+  return {{"id", entry.id},
+          {"time", milliseconds(entry.time)},
+          {"duration", entry.duration ? Json(entry.duration->count()) : Json()},
+          {"method", entry.method},
+          {"path", secrets.masked(entry.path)},
+          {"call", callOf(entry)},
+          {"mobile", secrets.masked(entry.mobile)},
+          {"headers", headers},
+          {"members", hasMembers ? Json::parse(secrets.maskedBody(entry.members)) : Json()},
+          {"status", entry.status},
+          {"body", secrets.maskedBody(entry.body)},
+          {"fault", entry.fault}};
+}
+
+Exchange exchangeOf(const LogEntry& entry) {
+  // No reply is sent after these faults.
+  constexpr std::string_view withoutReply[] = {"dropped", "reset", "not answered"};
+  const bool hasReply = std::ranges::find(withoutReply, entry.fault) == std::end(withoutReply);
+  const auto host = std::ranges::find_if(
+      entry.headers, [](const auto& field) { return boost::beast::iequals(field.first, "Host"); });
+  const bool isWhole = entry.body.size() == entry.bodySize;
+  return {.start = entry.time,
+          .duration = entry.duration.value_or(std::chrono::milliseconds(0)),
+          .method = entry.method,
+          .url = "http://" + (host == entry.headers.end() ? "localhost" : host->second) + entry.path,
+          .headers = entry.headers,
+          .requestBody = entry.members.empty() ? std::nullopt : std::optional(entry.members),
+          .status = hasReply ? entry.status : 0,
+          .replyBody = hasReply && isWhole ? std::optional(entry.body) : std::nullopt,
+          .replySize = hasReply ? entry.bodySize : 0,
+          .comment = std::string(entry.fault)};
 }
 
 }  // namespace
 
 HTTPReply InspectEndpoint::answer(const HTTPRequest& request) {
-  if (request.method == "GET") return inspect(request);
+  const bool isLog = request.path != "/inspect";
+  if (request.method == "GET") return isLog ? requests(request) : inspect(request);
+  if (isLog) return refuseMethod("GET, HEAD");
   if (request.method != "DELETE") return refuseMethod("GET, HEAD, DELETE");
   service_.forget();
   log_.clear();
@@ -57,16 +132,13 @@ HTTPReply InspectEndpoint::answer(const HTTPRequest& request) {
 }
 
 HTTPReply InspectEndpoint::inspect(const HTTPRequest& request) const {
-  constexpr std::string_view parameters[] = {"mobile", "wait", "after"};
   const Members query = queryMembers(request.query);
-  for (const auto& [name, value] : query) {
-    if (std::ranges::find(parameters, name) == std::end(parameters))
-      return makeRefusal(400, Code::badMember, name);
-  }
+  if (const auto name = unknownIn(query, {"mobile", "wait", "after"}); !name.empty())
+    return makeRefusal(400, Code::badMember, name);
   if (query.empty()) {
     Json all = Json::object();
     for (const auto& [mobile, known] : service_.recent(maxNumbers)) all[mobile] = entryOf(known);
-    return jsonReply(all);
+    return jsonReply(dumped(all));
   }
   const auto mobile = query.find("mobile");
   if (mobile == query.end()) return makeRefusal(400, Code::badMember, "mobile");
@@ -76,11 +148,43 @@ HTTPReply InspectEndpoint::inspect(const HTTPRequest& request) const {
   if (!wait) return makeRefusal(400, Code::badMember, "wait");
 
   const auto known = service_.inspect(mobile->second);
-  if (query.size() == 1) return known ? jsonReply(entryOf(*known)) : makeRefusal(404, Code::unknownNumber);
-  if (known && known->messageId.value_or(0) > *after) return jsonReply(entryOf(*known));
+  if (query.size() == 1)
+    return known ? jsonReply(dumped(entryOf(*known))) : makeRefusal(404, Code::unknownNumber);
+  if (known && known->messageId.value_or(0) > *after) return jsonReply(dumped(entryOf(*known)));
   HTTPReply none{.status = 204, .body = {}};
   none.wait = std::chrono::milliseconds(*wait);
   return none;
+}
+
+HTTPReply InspectEndpoint::requests(const HTTPRequest& request) const {
+  Members query = queryMembers(request.query);
+  if (const auto name = unknownIn(query, {"mobile", "call", "since", "unmasked", "format"}); !name.empty())
+    return makeRefusal(400, Code::badMember, name);
+  const std::string &mobile = query["mobile"], &call = query["call"], &format = query["format"];
+  const auto since = numberIn(query, "since", ~std::uint64_t{0} >> 1);
+  const auto unmasked = numberIn(query, "unmasked", 1);
+  if (!since) return makeRefusal(400, Code::badMember, "since");
+  if (!unmasked) return makeRefusal(400, Code::badMember, "unmasked");
+  if (!call.empty() && std::ranges::find(callNames, call) == std::end(callNames))
+    return makeRefusal(400, Code::badMember, "call");
+  if (!format.empty() && format != "har") return makeRefusal(400, Code::badMember, "format");
+
+  Json all = Json::array();
+  std::vector<std::string> entries;
+  for (const LogEntry& entry : log_.entries()) {
+    const bool isAsked = entry.mobile.find(mobile) != mobile.npos &&
+                         (call.empty() || call == callOf(entry)) &&
+                         static_cast<std::uint64_t>(milliseconds(entry.time)) >= *since;
+    if (!isAsked) continue;
+    Secrets secrets(*unmasked == 0);
+    addSecrets(entry, secrets);
+    if (format.empty()) {
+      all.push_back(shown(entry, secrets));
+    } else {
+      entries.push_back(harEntry(exchangeOf(entry), secrets));
+    }
+  }
+  return jsonReply(format.empty() ? dumped(all) : harFile("orvane-devservice", entries));
 }
 
 }  // namespace devservice

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "tools/devservice/HTTPReply.h"
 #include "tools/devservice/HTTPRequest.h"
 #include "tools/devservice/IdentityService.h"
@@ -7,18 +9,23 @@
 
 namespace devservice {
 
-/// Answers /inspect, for scripts on this machine: tells what the service knows of each mobile number, waits
-/// for a text message, and resets the service. Not thread-safe.
+/// Answers /inspect and /inspect/requests, for the page and for scripts on this machine: tells what the
+/// service knows of each mobile number and what it was asked, waits for a text message, and resets the
+/// service. Not thread-safe.
 class InspectEndpoint {
  public:
   /// Both must outlive the endpoint.
   InspectEndpoint(IdentityService& service, RequestLog& log) : service_(service), log_(log) {}
 
-  /// Returns the reply to a request from a caller that may see the codes.
+  /// Returns true if the endpoint answers requests for `path`.
+  static bool owns(std::string_view path) { return path == "/inspect" || path == "/inspect/requests"; }
+
+  /// Returns the reply to a request for a path that it owns, from a caller that may see the codes.
   HTTPReply answer(const HTTPRequest& request);
 
  private:
   HTTPReply inspect(const HTTPRequest& request) const;
+  HTTPReply requests(const HTTPRequest& request) const;
 
   IdentityService& service_;
   RequestLog& log_;

@@ -35,6 +35,8 @@ inline constexpr std::size_t maxShownNumbers = 20;
 inline constexpr std::size_t maxLogText = 200;
 /// Members of a request in the log; further ones are left out.
 inline constexpr std::size_t maxLoggedMembers = 10;
+/// Header fields of a request in the log; further ones are left out.
+inline constexpr std::size_t maxLoggedFields = 20;
 
 /// Lines of output that wait to be read. Further ones are dropped.
 inline constexpr std::size_t maxWaitingLines = 1000;

@@ -66,28 +66,10 @@ Json numbers(const IdentityService& service, std::string_view filter) {
   return all;
 }
 
-Json requests(const RequestLog& log) {
-  Json all = Json::array();
-  for (const LogEntry& entry : log.entries()) {
-    all.push_back({{"id", entry.id},
-                   {"time", milliseconds(entry.time)},
-                   {"duration", entry.duration ? Json(entry.duration->count()) : Json()},
-                   {"method", entry.method},
-                   {"path", entry.path},
-                   {"mobile", entry.mobile},
-                   {"members", entry.members},
-                   {"hasClientId", entry.hasClientId},
-                   {"status", entry.status},
-                   {"body", entry.body},
-                   {"fault", entry.fault}});
-  }
-  return all;
-}
-
 }  // namespace
 
-Page::Page(IdentityService& service, const RequestLog& log)
-    : service_(service), log_(log), run_(std::to_string(systemRandom()) + std::to_string(systemRandom())) {}
+Page::Page(IdentityService& service)
+    : service_(service), run_(std::to_string(systemRandom()) + std::to_string(systemRandom())) {}
 
 bool Page::owns(std::string_view path) {
   return path == "/" || path.starts_with("/page/");
@@ -113,8 +95,7 @@ HTTPReply Page::state(const HTTPRequest& request) const {
                     {"chosenFault", chosen(service_.chosenFault())},
                     {"messages", messages(service_)},
                     {"numberCount", service_.size()},
-                    {"numbers", numbers(service_, filter == query.end() ? "" : filter->second)},
-                    {"requests", requests(log_)}};
+                    {"numbers", numbers(service_, filter == query.end() ? "" : filter->second)}};
   HTTPReply reply;
   reply.body = dumped(all);
   return reply;

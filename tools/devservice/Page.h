@@ -6,15 +6,14 @@
 #include "tools/devservice/HTTPReply.h"
 #include "tools/devservice/HTTPRequest.h"
 #include "tools/devservice/IdentityService.h"
-#include "tools/devservice/RequestLog.h"
 
 namespace devservice {
 
 /// Serves the page for a developer's browser, and the requests of the page's script. Not thread-safe.
 class Page {
  public:
-  /// Both must outlive the page.
-  Page(IdentityService& service, const RequestLog& log);
+  /// `service` must outlive the page.
+  explicit Page(IdentityService& service);
 
   /// Returns true if the page answers requests for `path`.
   static bool owns(std::string_view path);
@@ -28,7 +27,6 @@ class Page {
   HTTPReply chooseFault(const HTTPRequest& request);
 
   IdentityService& service_;
-  const RequestLog& log_;
   const std::string run_;  // Tells the script that the service was restarted.
 };
 

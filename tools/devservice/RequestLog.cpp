@@ -1,7 +1,6 @@
 #include "tools/devservice/RequestLog.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "tools/devservice/Json.h"
 #include "tools/devservice/Limits.h"
@@ -11,7 +10,6 @@ namespace {
 
 // The index is a TransportFault.
 constexpr std::string_view faultNotes[] = {"", "delayed", "dropped", "cut", "reset", "not answered"};
-constexpr std::string_view secretMembers[] = {"mobile", "captcha", "verificationCode"};
 
 std::string cut(std::string_view text) {
   return std::string(text.substr(0, maxLogText));
@@ -27,14 +25,13 @@ Json firstMembers(std::string_view text) {
   return Json::parse(text, keeps, false);
 }
 
-/// Returns the members that are texts, as JSON with masked secrets. A call has no other members.
-std::string maskedMembers(const Json& object) {
-  Json masked = Json::object();
+/// Returns the members that are texts, as JSON. A call has no other members.
+std::string membersIn(const Json& object) {
+  Json members = Json::object();
   for (const auto& [name, value] : object.items()) {
-    const bool isSecret = std::ranges::find(secretMembers, name) != std::end(secretMembers);
-    if (value.is_string()) masked[cut(name)] = isSecret ? "***" : cut(value.get_ref<const std::string&>());
+    if (value.is_string()) members[cut(name)] = cut(value.get_ref<const std::string&>());
   }
-  return dumped(masked);
+  return dumped(members);
 }
 
 }  // namespace
@@ -47,16 +44,20 @@ const LogEntry& RequestLog::add(const HTTPRequest& request, const HTTPReply& rep
       .duration = {},
       .method = cut(request.method),
       .path = cut(request.path),
+      .headers = {},
       .mobile = {},
       .members = {},
-      .hasClientId = request.header("XRAPI-CLIENT-ID").has_value(),
       .status = reply.status,
       .body = isBrief ? reply.body : std::to_string(reply.body.size()) + " bytes",
+      .bodySize = reply.body.size(),
       .fault = faultNotes[static_cast<std::size_t>(reply.fault)],
   };
+  for (const auto& [name, value] : request.headers) {
+    if (entry.headers.size() < maxLoggedFields) entry.headers.emplace_back(cut(name), cut(value));
+  }
   const Json object = request.body.size() <= maxBodySize ? firstMembers(request.body) : Json();
   if (object.is_object()) {
-    entry.members = maskedMembers(object);
+    entry.members = membersIn(object);
     if (const auto mobile = object.find("mobile"); mobile != object.end() && mobile->is_string())
       entry.mobile = cut(mobile->get_ref<const std::string&>());
   }

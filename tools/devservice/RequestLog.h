@@ -1,17 +1,21 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "tools/devservice/HTTPReply.h"
 #include "tools/devservice/HTTPRequest.h"
 
 namespace devservice {
-/// A request and its reply. Texts longer than maxLogText are cut.
+
+/// A request and its reply, unmasked. Texts longer than maxLogText are cut.
 struct LogEntry {
   std::uint64_t id;  ///< Counted from 1.
   std::chrono::system_clock::time_point time;
@@ -19,11 +23,12 @@ struct LogEntry {
   std::optional<std::chrono::milliseconds> duration;
   std::string method;
   std::string path;
-  std::string mobile;   ///< Empty if the request has none.
-  std::string members;  ///< Of the request, as JSON with masked secrets. Empty if the body is not an object.
-  bool hasClientId;
+  std::vector<std::pair<std::string, std::string>> headers;  ///< Of the request.
+  std::string mobile;                                        ///< Empty if the request has none.
+  std::string members;  ///< Of the request, as JSON. Empty if the body is not an object.
   int status;
-  std::string body;        ///< The reply's body, or the size of a long one.
+  std::string body;  ///< The reply's body, or the size of a long one.
+  std::size_t bodySize;
   std::string_view fault;  ///< The fault that hit the connection, or empty.
 };
 

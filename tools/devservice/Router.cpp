@@ -56,7 +56,7 @@ std::string_view shortest(std::string_view authority) {
 
 Router::Router(IdentityService& service, std::vector<std::string> hosts, Log log, std::string token)
     : service_(service),
-      page_(service, requests_),
+      page_(service),
       inspector_(service, requests_),
       access_(std::move(token)),
       hosts_(std::move(hosts)),
@@ -78,7 +78,7 @@ HTTPReply Router::answer(const HTTPRequest& request) {
     whole.method = "GET";
     return answer(whole);
   }
-  if (!Page::owns(request.path) && request.path != "/inspect") return service_.answer(request);
+  if (!Page::owns(request.path) && !InspectEndpoint::owns(request.path)) return service_.answer(request);
   HTTPReply reply = answerDeveloper(request);
   reply.headers.insert(reply.headers.begin(), std::begin(guards), std::end(guards));
   return reply;
@@ -92,9 +92,10 @@ HTTPReply Router::answerDeveloper(const HTTPRequest& request) {
 }
 
 std::uint64_t Router::log(const HTTPRequest& request, const HTTPReply& reply) {
-  const bool isFrequent = Page::owns(request.path) || request.path == healthPath;
+  const bool isFrequent =
+      Page::owns(request.path) || request.path == "/inspect/requests" || request.path == healthPath;
   if (isFrequent && reply.status < 400) return 0;
-  if (request.path == "/inspect") {
+  if (InspectEndpoint::owns(request.path)) {
     // The log on the page shows what an application sends, and scripts are not the application.
     RequestLog none;
     if (log_) log_(lineOf(none.add(request, reply)));

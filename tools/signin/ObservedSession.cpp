@@ -1,8 +1,10 @@
 #include "tools/signin/ObservedSession.h"
 
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -25,21 +27,49 @@ std::string timeText() {
   return text;
 }
 
+std::string textOf(std::span<const std::uint8_t> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+devservice::Exchange exchangeOf(const orvane::URLRequest& request) {
+  devservice::Exchange exchange{
+      .start = std::chrono::system_clock::now(), .method = request.method(), .url = request.url()};
+  for (const orvane::HeaderField& field : request.headers()) {
+    exchange.headers.emplace_back(field.name, field.value);
+  }
+  if (request.body()) exchange.requestBody = textOf(*request.body());
+  return exchange;
+}
+
+void addOutcome(const orvane::DataTaskResult& result, devservice::Exchange& exchange) {
+  if (result.error) {
+    exchange.comment = orvane::description(*result.error);
+    return;
+  }
+  exchange.status = result.response->statusCode;
+  exchange.replyBody = textOf(*result.body);
+  exchange.replySize = exchange.replyBody->size();
+}
+
 }  // namespace
 
 ObservedSession::ObservedSession(const orvane::HostSessionConfiguration& configuration,
-                                 std::shared_ptr<const Trace> trace)
-    : inner_(configuration), trace_(std::move(trace)) {}
+                                 std::shared_ptr<const Trace> trace, std::shared_ptr<HarLog> har)
+    : inner_(configuration), trace_(std::move(trace)), har_(std::move(har)) {}
 
 void ObservedSession::startDataTask(orvane::URLRequest request, orvane::DataTaskHandler handler) {
   using Clock = std::chrono::steady_clock;
   if (trace_) Terminal::writeError(timeText() + "\n" + trace_->requestLine(request));
-  auto observed = [handler = std::move(handler), trace = trace_, url = request.url(),
-                   start = Clock::now()](orvane::DataTaskResult result) {
+  auto observed = [handler = std::move(handler), trace = trace_, har = har_, exchange = exchangeOf(request),
+                   start = Clock::now()](orvane::DataTaskResult result) mutable {
     Terminal::hideWaiting();
+    exchange.duration = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
     if (trace) {
-      const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
-      Terminal::writeError(timeText() + " " + trace->replyLine(url, result, took));
+      Terminal::writeError(timeText() + " " + trace->replyLine(exchange.url, result, exchange.duration));
+    }
+    if (har) {
+      addOutcome(result, exchange);
+      har->add(std::move(exchange));
     }
     if (handler) handler(std::move(result));
   };

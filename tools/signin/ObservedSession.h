@@ -5,16 +5,18 @@
 
 #include "orvane/host/HostSession.h"
 #include "orvane/orvane.h"
+#include "tools/signin/HarLog.h"
 #include "tools/signin/Trace.h"
 
 namespace signin {
 
-/// A host session that hides the line about waiting when a reply comes, and can write each request and its
-/// outcome to standard error.
+/// A host session that hides the line about waiting when a reply comes. It can write each request and its
+/// outcome to standard error, and save them.
 class ObservedSession final : public orvane::URLSession {
  public:
-  /// Writes requests and outcomes if `trace` is not null.
-  ObservedSession(const orvane::HostSessionConfiguration& configuration, std::shared_ptr<const Trace> trace);
+  /// Writes requests and outcomes if `trace` is not null, and saves them if `har` is not null.
+  ObservedSession(const orvane::HostSessionConfiguration& configuration, std::shared_ptr<const Trace> trace,
+                  std::shared_ptr<HarLog> har);
 
   void startDataTask(orvane::URLRequest request, orvane::DataTaskHandler handler) override;
   void cancelAllOperations() override { inner_.cancelAllOperations(); }
@@ -25,6 +27,7 @@ class ObservedSession final : public orvane::URLSession {
  private:
   orvane::HostSession inner_;
   const std::shared_ptr<const Trace> trace_;
+  const std::shared_ptr<HarLog> har_;
 };
 
 }  // namespace signin

@@ -84,7 +84,7 @@ void refuseContradictions(const Options& options) {
   const std::pair<bool, const char*> contradictions[] = {
       {options.connect && options.live, "--live: cannot be used with --connect"},
       {options.proxy && !options.live, "--proxy: needs --live"},
-      {options.unmasked && !options.trace, "--unmasked: needs --trace"},
+      {options.unmasked && !options.trace && !options.harFile, "--unmasked: needs --trace or --har"},
       {options.json && options.pictureFile == "-", "--picture -: cannot be used with --json"},
   };
   for (const auto& [isGiven, complaint] : contradictions) {
@@ -161,8 +161,11 @@ Options parseOptions(std::span<const char* const> arguments) {
   addFlag("--trace", options.trace,
           "print each request as a curl command, and its reply, on standard error;\n"
           "mobile number, text in the picture, code and client identifier are masked");
+  addText("--har", options.harFile, "FILE",
+          "save the requests and replies to FILE, for the network panel of a browser;\n"
+          "masked like a trace");
   addFlag("--unmasked", options.unmasked,
-          "with --trace: mask nothing; only if the requests stay on this machine");
+          "with --trace or --har: mask nothing; only if the requests stay on this\nmachine");
   app.set_version_flag(
       "--version",
       "orvane-signin " ORVANE_VERSION "\n" + std::string(reinterpret_cast<const char*>(OrvaneVersionString)),

@@ -25,6 +25,7 @@ struct Options {
   std::optional<std::string> code;
   std::optional<std::string> pictureFile;
   std::optional<std::string> proxy;
+  std::optional<std::string> harFile;
   std::optional<Step> only;
   std::optional<Address> connect;
   bool live = false;

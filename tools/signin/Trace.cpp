@@ -30,19 +30,19 @@ std::string maskedUser(const std::string& url) {
   const std::size_t at = url.rfind('@');
   if (at == url.npos) return url;
   const std::size_t scheme = url.find("//");
-  return url.substr(0, scheme < at ? scheme + 2 : 0) + std::string(Secrets::mask) + url.substr(at);
+  return url.substr(0, scheme < at ? scheme + 2 : 0) + std::string(devservice::Secrets::mask) +
+         url.substr(at);
 }
 
 }  // namespace
 
-Trace::Trace(orvane::HostSessionConfiguration configuration, std::shared_ptr<const Secrets> secrets)
+Trace::Trace(orvane::HostSessionConfiguration configuration,
+             std::shared_ptr<const devservice::Secrets> secrets)
     : configuration_(std::move(configuration)), secrets_(std::move(secrets)) {}
 
 std::string Trace::headerWord(const orvane::HeaderField& field) const {
   if (field.value.empty()) return shellWord(field.name + ";");  // curl's syntax for a field without a value.
-  const bool isSecret = secrets_->areMasked() && orvane::equalIgnoringCase(field.name, "XRAPI-CLIENT-ID");
-  return shellWord(field.name + ": " +
-                   (isSecret ? std::string(Secrets::mask) : secrets_->masked(field.value)));
+  return shellWord(field.name + ": " + secrets_->maskedField(field.name, field.value));
 }
 
 std::string Trace::requestLine(const orvane::URLRequest& request) const {

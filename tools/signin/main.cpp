@@ -12,12 +12,13 @@
 #include "orvane/host/HostSession.h"
 #include "orvane/orvane.h"
 #include "tools/devservice/IdentityService.h"
+#include "tools/devservice/Secrets.h"
 #include "tools/devservice/Server.h"
+#include "tools/signin/HarLog.h"
 #include "tools/signin/InspectClient.h"
 #include "tools/signin/ObservedSession.h"
 #include "tools/signin/Options.h"
 #include "tools/signin/Report.h"
-#include "tools/signin/Secrets.h"
 #include "tools/signin/SignIn.h"
 #include "tools/signin/Terminal.h"
 #include "tools/signin/onInterruption.h"
@@ -69,14 +70,15 @@ StepOutcome signIn(const Options& options, Report& report, std::FILE*& output) {
   if (options.embedsService()) embedded.emplace();
   const std::optional<Address> address =
       embedded ? Address{"127.0.0.1", embedded->server.port()} : options.connect;
-  const auto secrets = std::make_shared<Secrets>(!options.unmasked);
+  const auto secrets = std::make_shared<devservice::Secrets>(!options.unmasked);
   if (options.mobile) secrets->addNumber(*options.mobile);
   for (const auto& given : {options.clientId, options.captcha, options.code}) {
     if (given) secrets->add(*given);
   }
   const auto configuration = routeTo(address, options);
   const auto session = std::make_shared<ObservedSession>(
-      configuration, options.trace ? std::make_shared<const Trace>(configuration, secrets) : nullptr);
+      configuration, options.trace ? std::make_shared<const Trace>(configuration, secrets) : nullptr,
+      options.harFile ? std::make_shared<HarLog>(*options.harFile, secrets) : nullptr);
   orvane::installPlatform({.sharedSession = session});
   if (options.clientId) orvane::OrvaneManager::shareManager().setAppClientId(*options.clientId);
 

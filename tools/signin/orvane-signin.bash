@@ -8,7 +8,7 @@ _orvane_signin() {
   COMPREPLY=()
   case $before in
     --only) kind=(-W 'picture code login') ;;
-    --picture)
+    --picture | --har)
       kind=(-f)
       compopt -o filenames
       ;;
@@ -19,7 +19,7 @@ _orvane_signin() {
     --mobile | --captcha | --code | --client-id | --proxy) return ;;
     *)
       kind=(-W '--connect --live --proxy --mobile --captcha --code --client-id --picture --only --auto --json
-        --trace --unmasked --help --version')
+        --trace --har --unmasked --help --version')
       ;;
   esac
   mapfile -t COMPREPLY < <(compgen "${kind[@]}" -- "$word")

@@ -153,15 +153,16 @@ function outcome({ body, fault }) {
 }
 
 /** Returns a command that repeats the request. It has the mobile number; the other secrets are masked. */
-function curl({ method, path, mobile, members, hasClientId }) {
+function curl({ method, path, members, headers }) {
   const word = (text) => `'${text.replaceAll("'", "'\\''")}'`;
   const words = ["curl", "-X", word(method)];
   if (members) {
     const fields = ["Content-Type: application/json", "XRAPI-VERSION: 1.0", "XRAPI-DEVICE-TYPE: 1"];
+    const hasClientId = Object.keys(headers).some((name) => name.toUpperCase() === "XRAPI-CLIENT-ID");
     if (hasClientId) fields.push("XRAPI-CLIENT-ID: ***");
     for (const field of fields) words.push("-H", word(field));
-    const body = JSON.parse(members);
-    if (mobile) body.mobile = mobile;
+    const body = { ...members };
+    for (const name of ["captcha", "verificationCode"]) if (name in body) body[name] = "***";
     words.push("--data-raw", word(JSON.stringify(body)));
   }
   return [...words, word(location.origin + encodeURI(path))].join(" ");
@@ -178,7 +179,7 @@ function requestRow(request) {
     make("span", "status", String(status)),
     duration,
     make("span", "outcome", text));
-  const rows = Object.entries(members ? JSON.parse(members) : {})
+  const rows = Object.entries(members ?? {})
     .map(([name, value]) => make("div", "", make("dt", "", name), make("dd", "", value)));
   const details = make("details", "", summary, make("dl", "", ...rows), make("pre", "", body || "no body"),
     copyButton("plain", "Copy as curl", () => curl(request)));
@@ -257,15 +258,37 @@ function startRun(newRun) {
   for (const list of lists) list.replaceChildren();
 }
 
-async function look() {
-  const reply = await ask(`/page/state?filter=${encodeURIComponent(byId("filter").value)}`);
+async function get(path) {
+  const reply = await ask(path);
   if (!reply.ok) throw new Error(reply.statusText);
-  const state = await reply.json();
+  return reply;
+}
+
+/** Returns the reply with the requests that the controls choose. */
+function getRequests(unmasked, format) {
+  const parameters = { mobile: byId("caller").value, call: byId("call").value, unmasked, format };
+  const query = Object.entries(parameters).map(([name, value]) => `${name}=${encodeURIComponent(value)}`);
+  return get(`/inspect/requests?${query.join("&")}`);
+}
+
+async function saveRequests() {
+  const reply = await getRequests(Number(byId("unmasked").checked), "har");
+  const link = make("a");
+  link.href = URL.createObjectURL(await reply.blob());
+  link.download = "orvane.har";
+  link.click();
+  setTimeout(() => URL.revokeObjectURL(link.href), 10_000); // The browser reads it after the click.
+}
+
+async function look() {
+  const filter = encodeURIComponent(byId("filter").value);
+  const replies = await Promise.all([get(`/page/state?filter=${filter}`), getRequests(1, "")]);
+  const [state, requests] = await Promise.all(replies.map((reply) => reply.json()));
   startRun(state.run);
   showFaults(state.faults, state.chosenFault);
   showMessages(state.messages);
   showNumbers(state.numbers, state.numberCount);
-  follow(byId("requests"), state.requests.reverse(), requestRow);
+  follow(byId("requests"), requests.reverse(), requestRow);
   showConnection("Live", true);
 }
 
@@ -277,6 +300,8 @@ async function keepLooking() {
 byId("command").textContent = `orvane-signin --connect ${location.hostname}:${location.port || 80}`;
 for (const id of ["every", "delay"])
   byId(id).addEventListener("change", () => chosen !== null && chooseFault(chosen));
-byId("filter").addEventListener("input", () => look().catch(unreachable));
+for (const id of ["filter", "caller", "call"])
+  byId(id).addEventListener("input", () => look().catch(unreachable));
+byId("save").addEventListener("click", () => saveRequests().catch(unreachable));
 byId("clear").addEventListener("click", () => change("DELETE", "/inspect"));
 keepLooking();

@@ -1,39 +1,40 @@
-#include "tools/signin/Secrets.h"
+#include "tools/devservice/Secrets.h"
 
 #include <algorithm>
+#include <boost/beast/core/string.hpp>
 #include <functional>
 #include <iterator>
-#include <nlohmann/json.hpp>
 #include <utility>
 
-#include "orvane/orvane.h"
+#include "tools/devservice/Json.h"
 
-namespace signin {
+namespace devservice {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // Deeper levels are left out, since the recursion must not exhaust the stack.
 constexpr int deepestShownLevel = 32;
 constexpr std::size_t longestShownArray = 16;
 
-bool isSecretMember(std::string_view name) {
-  constexpr std::string_view names[] = {"mobile", "captcha", "verificationCode"};
-  return std::ranges::find(names, name) != std::end(names);
-}
+constexpr std::string_view separators = " -.()/";
 
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-/// Returns how much of the text's start is the secret, in bytes, or 0. See Secrets::masked().
+/// Returns the text with ASCII letters in lower case.
+std::string lowered(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+  return lower;
+}
+
+/// Returns how much of the text's start is the secret, in bytes, or 0. Both are in lower case.
 std::size_t sizeAtStart(std::string_view text, std::string_view secret) {
   const bool isNumber = std::ranges::all_of(secret, isDigit);
   std::size_t at = 0;
   for (const char c : secret) {
-    while (isNumber && at > 0 && at < text.size() && std::string_view(" -.()/").find(text[at]) != text.npos)
-      ++at;
-    if (at == text.size() || !orvane::equalIgnoringCase(text.substr(at, 1), {&c, 1})) return 0;
+    while (isNumber && at > 0 && at < text.size() && separators.find(text[at]) != text.npos) ++at;
+    if (at == text.size() || text[at] != c) return 0;
     ++at;
   }
   return at;
@@ -61,7 +62,7 @@ void maskObject(Json& object, const Secrets& secrets) {
   Json masked = Json::object();
   for (const auto& member : object.items()) {
     Json& value = masked[secrets.masked(member.key())] = std::move(member.value());
-    if (secrets.areMasked() && isSecretMember(member.key())) {
+    if (secrets.areMasked() && Secrets::isSecretMember(member.key())) {
       value = Secrets::mask;
     } else {
       maskValue(value, secrets);
@@ -72,12 +73,22 @@ void maskObject(Json& object, const Secrets& secrets) {
 
 }  // namespace
 
+bool Secrets::isSecretMember(std::string_view name) {
+  constexpr std::string_view names[] = {"mobile", "captcha", "verificationCode", "IMEI", "IMSI"};
+  return std::ranges::find(names, name) != std::end(names);
+}
+
+bool Secrets::isSecretField(std::string_view name) {
+  constexpr std::string_view names[] = {"XRAPI-CLIENT-ID", "Cookie", "Authorization", "Proxy-Authorization"};
+  return std::ranges::any_of(names, [name](auto secret) { return boost::beast::iequals(name, secret); });
+}
+
 void Secrets::add(std::string_view secret) {
   // A service may quote a mobile number without its plus sign, or with an encoded one.
   if (secret.starts_with('+')) secret.remove_prefix(1);
   if (!areMasked_ || secret.size() < 2) return;
   const std::lock_guard lock(mutex_);
-  secrets_.emplace_back(secret);
+  secrets_.push_back(lowered(secret));
   std::ranges::sort(secrets_, std::greater(), &std::string::size);
 }
 
@@ -94,17 +105,29 @@ void Secrets::addNumber(std::string_view number) {
 }
 
 std::string Secrets::masked(std::string_view text) const {
-  std::string result;
+  const std::string lower = lowered(text);
+  std::string joined = lower;
+  std::erase_if(joined, [](char c) { return separators.find(c) != separators.npos; });
+  // Most texts have none of the secrets, and a search for each is fast, whatever a caller has sent.
+  std::vector<std::string> present;
   const std::lock_guard lock(mutex_);
-  while (!text.empty()) {
+  std::ranges::copy_if(secrets_, std::back_inserter(present), [&](const std::string& secret) {
+    return (std::ranges::all_of(secret, isDigit) ? joined : lower).find(secret) != lower.npos;
+  });
+  std::string result;
+  for (std::size_t at = 0; at < text.size();) {
     std::size_t size = 0;
-    for (auto secret = secrets_.begin(); size == 0 && secret != secrets_.end(); ++secret) {
-      size = sizeAtStart(text, *secret);
+    for (auto secret = present.begin(); size == 0 && secret != present.end(); ++secret) {
+      size = sizeAtStart(std::string_view(lower).substr(at), *secret);
     }
-    result.append(size > 0 ? mask : text.substr(0, 1));
-    text.remove_prefix(std::max<std::size_t>(size, 1));
+    result.append(size > 0 ? mask : text.substr(at, 1));
+    at += std::max<std::size_t>(size, 1);
   }
   return result;
+}
+
+std::string Secrets::maskedField(std::string_view name, std::string_view value) const {
+  return areMasked_ && isSecretField(name) ? std::string(mask) : masked(value);
 }
 
 std::string Secrets::maskedBody(std::string_view body) const {
@@ -115,4 +138,4 @@ std::string Secrets::maskedBody(std::string_view body) const {
   return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-}  // namespace signin
+}  // namespace devservice

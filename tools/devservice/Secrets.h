@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-namespace signin {
+namespace devservice {
 
-/// The texts that a trace must not show. Thread-safe.
+/// The texts that a trace or a saved file must not show. Thread-safe.
 class Secrets {
  public:
   /// Replaces a secret.
@@ -22,21 +22,30 @@ class Secrets {
   /// Adds a mobile number, also as a service may write it: without its country code, and with a 0 instead.
   void addNumber(std::string_view number);
 
+  /// Returns true if the value of such a member, or of such a header field, is a secret.
+  ///@{
+  static bool isSecretMember(std::string_view name);
+  static bool isSecretField(std::string_view name);
+  ///@}
+
   bool areMasked() const { return areMasked_; }
 
   /// Returns the text with every secret in it replaced by the mask. Ignores the case of ASCII letters, and
   /// marks between the digits of a number: "07700 900-123".
   std::string masked(std::string_view text) const;
 
-  /// Returns a body with its secrets masked. In JSON, the members "mobile", "captcha" and "verificationCode"
-  /// have the mask as value; all other names and values are treated like masked(). A long array of numbers is
-  /// replaced by its size, and levels that are nested too deep are left out.
+  /// Returns the value of a header field with its secrets masked.
+  std::string maskedField(std::string_view name, std::string_view value) const;
+
+  /// Returns a body with its secrets masked. In JSON, the members "mobile", "captcha", "verificationCode",
+  /// "IMEI" and "IMSI" have the mask as value; all other names and values are treated like masked(). A long
+  /// array of numbers is replaced by its size, and levels that are nested too deep are left out.
   std::string maskedBody(std::string_view body) const;
 
  private:
   const bool areMasked_;
   mutable std::mutex mutex_;
-  std::vector<std::string> secrets_;  // Longest first.
+  std::vector<std::string> secrets_;  // In lower case, longest first.
 };
 
-}  // namespace signin
+}  // namespace devservice
