@@ -9,7 +9,9 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { after, afterEach, beforeEach, test as anyTest } from "node:test";
 import { promisify } from "node:util";
+import { Validator } from "@seriousme/openapi-schema-validator";
 import Ajv from "ajv";
+import Ajv2020 from "ajv/dist/2020.js";
 import addFormats from "ajv-formats";
 import harSchemas from "har-schema";
 import { chromium } from "playwright-core";
@@ -206,6 +208,29 @@ test("the sign-in saves a file that a reader understands", async () => {
   assert.equal(reply.msg, "picture sent");
   await reader.close();
   await rm(folder, { recursive: true });
+});
+
+test("the calls are as the service describes them", async () => {
+  const description = await (await fetch(`${url}/openapi.json`)).json();
+  const { valid, errors } = await new Validator().validate(structuredClone(description));
+  assert.ok(valid, JSON.stringify(errors));
+  for await (const step of calls()) assert.equal(step, "done");
+  await signIn("--only=code", "--captcha=no");
+  const schemas = new Ajv2020({ strict: false }).addSchema(description, "service");
+  const check = (path, value) => {
+    const place = path.map((step) => step.replaceAll("~", "~0").replaceAll("/", "~1")).join("/");
+    assert.ok(schemas.validate({ $ref: `service#/${place}` }, value), schemas.errorsText());
+  };
+  const asked = await (await fetch(`${url}/inspect/requests?unmasked=1`)).json();
+  assert.equal(asked.length, 5);
+  for (const { path, members } of asked) {
+    check(["paths", path, "post", "requestBody", "content", "application/json", "schema"], members);
+    const { $ref } = description.paths[path].post.responses[200];
+    const replySchema = [...$ref.split("/").slice(1), "content", "application/json", "schema"];
+    const headers = { "Content-Type": "application/json", "XRAPI-VERSION": "1.0", "XRAPI-DEVICE-TYPE": "1" };
+    const reply = await fetch(`${url}${path}`, { method: "POST", headers, body: JSON.stringify(members) });
+    check(replySchema, await reply.json());
+  }
 });
 
 test("a reader who scrolled up stays there, and numbers are filtered and forgotten", async () => {

@@ -73,6 +73,7 @@ TEST(Router, KeepsAllButTheCallsForLocalCallers) {
                                   local("/page/state"),
                                   local(picture),
                                   local("/page/style.css"),
+                                  local("/openapi.json"),
                                   local("/inspect"),
                                   local("/inspect/requests"),
                                   local("/page/fault", "", "POST", R"({"fault":1})"),

@@ -1,10 +1,18 @@
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
+
+#include "tools/devservice/Code.h"
+#include "tools/devservice/Fault.h"
+#include "tools/devservice/IdentityService.h"
+#include "tools/devservice/PageFile.h"
 
 namespace {
 
@@ -41,6 +49,31 @@ TEST(Pages, HaveTheOptionsOfTheHelp) {
     EXPECT_EQ(optionsIn(page, "^ +(?:-h, )?(--[a-z-]+)"), options);
     EXPECT_TRUE(page.starts_with("ORVANE-")) << page;  // Warnings come first.
   }
+}
+
+// The lists that programs and people read are those of the service.
+TEST(Pages, HaveTheCodesAndFaultsOfTheService) {
+  const std::string page = outputOf("cat " TOOLS_FOLDER "/../docs/service.md");
+  std::string codes = "|---|---|\n", faults = "|---|---|---|---|\n";
+  std::vector<int> refusals;
+  for (const auto& [code, text] : devservice::codeTable()) {
+    const int number = static_cast<int>(code);
+    codes += "| " + std::to_string(number) + " | " + std::string(text) + " |\n";
+    if (number != 0) refusals.push_back(number);
+  }
+  for (const devservice::Fault& fault : devservice::faultTable()) {
+    faults += "| " + std::to_string(fault.number);
+    for (const auto cell : {fault.group, fault.name, fault.text}) faults.append(" | ").append(cell);
+    faults += " |\n";
+  }
+  EXPECT_NE(page.find(codes + "\n"), page.npos) << codes;
+  EXPECT_NE(page.find(faults + "\n"), page.npos) << faults;
+
+  const auto file = std::ranges::find(devservice::pageFiles(), "/openapi.json", &devservice::PageFile::path);
+  const auto description = nlohmann::json::parse(file->content);
+  EXPECT_EQ(description["components"]["schemas"]["Refusal"]["properties"]["code"]["enum"], refusals);
+  EXPECT_EQ(description["paths"].size(), 4);
+  for (const auto& [path, call] : description["paths"].items()) EXPECT_TRUE(devservice::callAt(path)) << path;
 }
 
 }  // namespace

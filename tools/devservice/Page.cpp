@@ -72,7 +72,7 @@ Page::Page(IdentityService& service)
     : service_(service), run_(std::to_string(systemRandom()) + std::to_string(systemRandom())) {}
 
 bool Page::owns(std::string_view path) {
-  return path == "/" || path.starts_with("/page/");
+  return path == "/" || path == "/openapi.json" || path.starts_with("/page/");
 }
 
 HTTPReply Page::answer(const HTTPRequest& request) {
