@@ -212,7 +212,7 @@ TEST(Router, TellsWhatItWasAskedWithoutSecrets) {
   identified.headers.emplace_back("Host", "identity.test");
   for (const HTTPRequest& request :
        {askPicture(number), identified, askPicture("1 " + number), logIn("000000"), local("/inspect"),
-        local("/inspect/requests"), local("/nothing")}) {
+        local("/inspect/requests"), local("/nothing", "", "POST", "{s3cret")}) {
     bench.router.log(request, bench.router.answer(request));
   }
   const std::tuple<std::string, int, std::vector<int>> cases[] = {
@@ -242,7 +242,7 @@ TEST(Router, TellsWhatItWasAskedWithoutSecrets) {
     EXPECT_EQ(ids, expected) << query;
   }
   for (const std::string format : {"", "har"}) {
-    for (const std::string secret : {"4915112345678", "AAAA", "000000", "cl1ent"}) {
+    for (const std::string secret : {"4915112345678", "AAAA", "000000", "cl1ent", "s3cret"}) {
       EXPECT_EQ(tell("format=" + format).body.find(secret), secret.npos) << secret;
       EXPECT_NE(tell("unmasked=1&format=" + format).body.find(secret), secret.npos) << secret;
     }

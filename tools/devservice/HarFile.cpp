@@ -46,7 +46,7 @@ Json requestOf(const Exchange& exchange, const Secrets& secrets) {
   Json request = {{"method", exchange.method}, {"url", secrets.masked(exchange.url)},
                   {"httpVersion", "HTTP/1.1"}, {"cookies", Json::array()},
                   {"headers", fields},         {"queryString", parameters},
-                  {"headersSize", -1},         {"bodySize", exchange.requestBody.value_or("").size()}};
+                  {"headersSize", -1},         {"bodySize", exchange.requestSize}};
   if (exchange.requestBody)
     request["postData"] = {{"mimeType", type}, {"text", bodyText(*exchange.requestBody, secrets)}};
   return request;

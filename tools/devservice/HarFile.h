@@ -21,6 +21,7 @@ struct Exchange {
   std::string url;
   std::vector<std::pair<std::string, std::string>> headers = {};  ///< Of the request.
   std::optional<std::string> requestBody = {};
+  std::size_t requestSize = 0;
   int status = 0;                             ///< 0 if no reply came.
   std::optional<std::string> replyBody = {};  ///< Absent if it is not known, or none came.
   std::size_t replySize = 0;

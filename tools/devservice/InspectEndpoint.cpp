@@ -82,6 +82,13 @@ void addSecrets(const LogEntry& entry, Secrets& secrets) {
   }
 }
 
+/// Returns the body of a request if it is not an object. All of it may be a secret, since no number in it was
+/// recognised.
+std::optional<std::string> textOf(const LogEntry& entry, const Secrets& secrets) {
+  if (entry.text.empty()) return std::nullopt;
+  return secrets.areMasked() ? std::string(Secrets::mask) : entry.text;
+}
+
 Json shown(const LogEntry& entry, const Secrets& secrets) {
   Json headers = Json::object();
   for (const auto& [name, value] : entry.headers) headers[name] = secrets.maskedField(name, value);
@@ -95,12 +102,13 @@ Json shown(const LogEntry& entry, const Secrets& secrets) {
           {"mobile", secrets.masked(entry.mobile)},
           {"headers", headers},
           {"members", hasMembers ? Json::parse(secrets.maskedBody(entry.members)) : Json()},
+          {"text", orNull(textOf(entry, secrets))},
           {"status", entry.status},
           {"body", secrets.maskedBody(entry.body)},
           {"fault", entry.fault}};
 }
 
-Exchange exchangeOf(const LogEntry& entry) {
+Exchange exchangeOf(const LogEntry& entry, const Secrets& secrets) {
   // No reply is sent after these faults.
   constexpr std::string_view withoutReply[] = {"dropped", "reset", "not answered"};
   const bool hasReply = std::ranges::find(withoutReply, entry.fault) == std::end(withoutReply);
@@ -112,7 +120,8 @@ Exchange exchangeOf(const LogEntry& entry) {
           .method = entry.method,
           .url = "http://" + (host == entry.headers.end() ? "localhost" : host->second) + entry.path,
           .headers = entry.headers,
-          .requestBody = entry.members.empty() ? std::nullopt : std::optional(entry.members),
+          .requestBody = entry.members.empty() ? textOf(entry, secrets) : entry.members,
+          .requestSize = entry.textSize,
           .status = hasReply ? entry.status : 0,
           .replyBody = hasReply && isWhole ? std::optional(entry.body) : std::nullopt,
           .replySize = hasReply ? entry.bodySize : 0,
@@ -181,7 +190,7 @@ HTTPReply InspectEndpoint::requests(const HTTPRequest& request) const {
     if (format.empty()) {
       all.push_back(shown(entry, secrets));
     } else {
-      entries.push_back(harEntry(exchangeOf(entry), secrets));
+      entries.push_back(harEntry(exchangeOf(entry, secrets), secrets));
     }
   }
   return jsonReply(format.empty() ? dumped(all) : harFile("orvane-devservice", entries));

@@ -47,6 +47,8 @@ const LogEntry& RequestLog::add(const HTTPRequest& request, const HTTPReply& rep
       .headers = {},
       .mobile = {},
       .members = {},
+      .text = {},
+      .textSize = request.body.size(),
       .status = reply.status,
       .body = isBrief ? reply.body : std::to_string(reply.body.size()) + " bytes",
       .bodySize = reply.body.size(),
@@ -60,6 +62,8 @@ const LogEntry& RequestLog::add(const HTTPRequest& request, const HTTPReply& rep
     entry.members = membersIn(object);
     if (const auto mobile = object.find("mobile"); mobile != object.end() && mobile->is_string())
       entry.mobile = cut(mobile->get_ref<const std::string&>());
+  } else {
+    entry.text = cut(request.body);
   }
   if (entries_.size() == maxLogEntries) entries_.pop_front();
   return entries_.emplace_back(std::move(entry));

@@ -25,7 +25,9 @@ struct LogEntry {
   std::string path;
   std::vector<std::pair<std::string, std::string>> headers;  ///< Of the request.
   std::string mobile;                                        ///< Empty if the request has none.
-  std::string members;  ///< Of the request, as JSON. Empty if the body is not an object.
+  std::string members;   ///< Of the request, as JSON. Empty if the body is not an object.
+  std::string text;      ///< The request's body if it is not an object.
+  std::size_t textSize;  ///< Of the request's body, uncut.
   int status;
   std::string body;  ///< The reply's body, or the size of a long one.
   std::size_t bodySize;

@@ -38,6 +38,7 @@ devservice::Exchange exchangeOf(const orvane::URLRequest& request) {
     exchange.headers.emplace_back(field.name, field.value);
   }
   if (request.body()) exchange.requestBody = textOf(*request.body());
+  exchange.requestSize = exchange.requestBody.value_or("").size();
   return exchange;
 }
 
