@@ -169,7 +169,7 @@ function curl({ method, path, members, headers }) {
 }
 
 function requestRow(request) {
-  const { time, method, path, mobile, members, status, body } = request;
+  const { time, method, path, mobile, members, text: sent, status, body } = request;
   const [good, text] = outcome(request);
   const duration = make("span", "duration");
   const summary = make("summary", "",
@@ -179,7 +179,7 @@ function requestRow(request) {
     make("span", "status", String(status)),
     duration,
     make("span", "outcome", text));
-  const rows = Object.entries(members ?? {})
+  const rows = Object.entries(members ?? (sent ? { body: sent } : {}))
     .map(([name, value]) => make("div", "", make("dt", "", name), make("dd", "", value)));
   const details = make("details", "", summary, make("dl", "", ...rows), make("pre", "", body || "no body"),
     copyButton("plain", "Copy as curl", () => curl(request)));
