@@ -66,8 +66,8 @@ void call(IdentityService& service, Router& router, const HTTPRequest& request) 
   router.log(request, reply);
   const Json envelope = Json::parse(reply.body, nullptr, false);
   if (reply.status == 204 || (Page::owns(request.path) && reply.status == 200)) return;
-  if (request.path == "/inspect" && reply.status == 200)
-    return require(envelope.is_object(), "an inspection is JSON");
+  if (InspectEndpoint::owns(request.path) && reply.status == 200)
+    return require(envelope.is_structured(), "an inspection is JSON");
   if (mobile.starts_with(faultNumberPrefix)) return;  // May demand anything.
   checkEnvelope(envelope);
   if (envelope["code"] != 0) return;
