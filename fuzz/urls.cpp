@@ -8,7 +8,7 @@
 #include "adapters/host/Redirect.h"
 #include "adapters/host/Transfer.h"
 #include "fuzz/fuzz.h"
-#include "orvane/base/lowerASCII.h"
+#include "orvane/base/ascii.h"
 #include "orvane/platform/URLParts.h"
 
 namespace orvane {
@@ -33,7 +33,7 @@ std::string byCurl(const std::string& url) {
     destination.append(text ? text : "none").append(" ");
     curl_free(text);
   }
-  std::transform(destination.begin(), destination.end(), destination.begin(), lowerASCII);
+  std::transform(destination.begin(), destination.end(), destination.begin(), lowerCase);
   return destination;
 }
 

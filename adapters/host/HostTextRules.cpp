@@ -5,15 +5,12 @@
 #include <string_view>
 #include <utf8proc.h>
 
+#include "orvane/base/ascii.h"
 #include "orvane/base/decodeUTF8.h"
 #include "orvane/platform/URLParts.h"
 
 namespace orvane {
 namespace {
-
-bool isHexDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
 
 bool isForbidden(char c) {
   const auto byte = static_cast<unsigned char>(c);
@@ -34,7 +31,7 @@ bool isHost(std::string_view host) {
 }
 
 bool isPort(std::string_view port) {
-  if (port.find_first_not_of("0123456789") != port.npos) return false;
+  if (!std::all_of(port.begin(), port.end(), isDigit)) return false;
   port.remove_prefix(std::min(port.find_first_not_of('0'), port.size()));
   return port.size() < 5 || (port.size() == 5 && port <= "65535");
 }

@@ -11,7 +11,7 @@
 
 #include "adapters/host/ExitGate.h"
 #include "adapters/host/Redirect.h"
-#include "orvane/base/lowerASCII.h"
+#include "orvane/base/ascii.h"
 #include "orvane/platform/URLParts.h"
 
 namespace orvane {
@@ -38,7 +38,7 @@ std::string address(const std::string& host, std::uint16_t port) {
 std::string hostKey(const URLParts& parts) {
   std::string key(parts.scheme);
   key.append("://").append(parts.host).append(":").append(parts.portOrDefault());
-  std::transform(key.begin(), key.end(), key.begin(), lowerASCII);
+  std::transform(key.begin(), key.end(), key.begin(), lowerCase);
   return key;
 }
 

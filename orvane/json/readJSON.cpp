@@ -4,6 +4,7 @@
 #include <charconv>
 #include <list>
 
+#include "orvane/base/ascii.h"
 #include "orvane/base/decodeUTF8.h"
 #include "orvane/base/realText.h"
 #include "orvane/json/readByteRun.h"
@@ -158,7 +159,7 @@ bool Reader::scalar(Value& value) {
 
 bool Reader::digits() noexcept {
   const std::size_t start = at_;
-  while (peek() >= '0' && peek() <= '9') ++at_;
+  while (isDigit(peek())) ++at_;
   return at_ != start;
 }
 

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "orvane/base/ascii.h"
 #include "orvane/base/decodeUTF8.h"
 #include "orvane/base/realText.h"
 
@@ -120,14 +121,13 @@ bool Writer::string(std::string_view text) {
 void Writer::escape(char c) {
   constexpr std::string_view meanings = "\"\\\b\f\n\r\t";
   constexpr std::string_view letters = "\"\\bfnrt";
-  constexpr std::string_view hex = "0123456789abcdef";
   append('\\');
   if (const std::size_t which = meanings.find(c); which != meanings.npos) {
     append(letters[which]);
   } else {
     append("u00");
-    append(hex[static_cast<unsigned char>(c) >> 4]);
-    append(hex[static_cast<unsigned char>(c) & 15]);
+    append(lowerHexDigits[static_cast<unsigned char>(c) >> 4]);
+    append(lowerHexDigits[static_cast<unsigned char>(c) & 15]);
   }
 }
 

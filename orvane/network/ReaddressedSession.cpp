@@ -1,9 +1,11 @@
 #include "orvane/network/ReaddressedSession.h"
 
+#include <algorithm>
 #include <charconv>
 #include <string_view>
 #include <utility>
 
+#include "orvane/base/ascii.h"
 #include "orvane/base/fatal.h"
 #include "orvane/network/serviceBaseURL.h"
 #include "orvane/platform/URLParts.h"
@@ -11,17 +13,20 @@
 namespace orvane {
 namespace {
 
-constexpr std::string_view nameCharacters =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+bool isNameCharacter(char c) {
+  return isLetter(c) || isDigit(c) || c == '-' || c == '.' || c == '_' || c == '~';
+}
 
-bool consistsOf(std::string_view text, std::string_view characters) {
-  return text.find_first_not_of(characters) == text.npos;
+template <class IsCharacter>
+bool consistsOf(std::string_view text, IsCharacter isCharacter) {
+  return std::all_of(text.begin(), text.end(), isCharacter);
 }
 
 bool isHost(std::string_view host) {
   if (host.starts_with('[') && host.ends_with(']'))
-    return host.size() > 2 && consistsOf(host.substr(1, host.size() - 2), "0123456789ABCDEFabcdef:.");
-  return !host.empty() && consistsOf(host, nameCharacters);
+    return host.size() > 2 && consistsOf(host.substr(1, host.size() - 2),
+                                         [](char c) { return isHexDigit(c) || c == ':' || c == '.'; });
+  return !host.empty() && consistsOf(host, isNameCharacter);
 }
 
 bool isPort(std::string_view port) {
@@ -47,7 +52,7 @@ std::string checked(std::string address) {
     if (!isPort(parts.port)) refuse("has a port that is not a number from 1 to 65535");
     rest.remove_prefix(1 + parts.port.size());
   }
-  if (!consistsOf(rest, std::string(nameCharacters) + "/"))
+  if (!consistsOf(rest, [](char c) { return isNameCharacter(c) || c == '/'; }))
     refuse("has a query, a fragment, or a path with a character that is not allowed");
   address.erase(address.find_last_not_of('/') + 1);
   return address;

@@ -1,6 +1,7 @@
 #include "orvane/network/percentEncode.h"
 
 #include "orvane/base/appendPercentEncoded.h"
+#include "orvane/base/ascii.h"
 #include "orvane/base/decodeUTF8.h"
 #include "orvane/platform/TextRules.h"
 
@@ -8,7 +9,7 @@ namespace orvane {
 namespace {
 
 bool isASCIIAlphanumeric(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+  return isLetter(c) || isDigit(c);
 }
 
 }  // namespace

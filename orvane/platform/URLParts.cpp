@@ -3,18 +3,15 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "orvane/base/ascii.h"
 #include "orvane/platform/URLRequest.h"
 
 namespace orvane {
 namespace {
 
-bool isLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 bool isScheme(std::string_view text) {
   const auto isSchemeCharacter = [](char c) {
-    return isLetter(c) || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
+    return isLetter(c) || isDigit(c) || c == '+' || c == '-' || c == '.';
   };
   return !text.empty() && isLetter(text[0]) && std::all_of(text.begin(), text.end(), isSchemeCharacter);
 }

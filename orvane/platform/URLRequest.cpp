@@ -3,23 +3,17 @@
 #include <algorithm>
 #include <array>
 
-#include "orvane/base/lowerASCII.h"
+#include "orvane/base/ascii.h"
 
 namespace orvane {
 namespace {
 
-/// Says for each byte if an HTTP token may contain it.
-constexpr auto isTokenCharacter = [] {
-  std::array<bool, 256> is{};
-  for (const char c :
-       std::string_view("0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ!#$%&'*+-.^_`|~"))
-    is[static_cast<unsigned char>(c)] = true;
-  return is;
-}();
+bool isTokenCharacter(char c) {
+  return isLetter(c) || isDigit(c) || std::string_view("!#$%&'*+-.^_`|~").find(c) != std::string_view::npos;
+}
 
 bool isToken(std::string_view text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(),
-                                      [](char c) { return isTokenCharacter[static_cast<unsigned char>(c)]; });
+  return !text.empty() && std::all_of(text.begin(), text.end(), isTokenCharacter);
 }
 
 bool belongsToSession(std::string_view name) {
@@ -33,7 +27,7 @@ bool belongsToSession(std::string_view name) {
 
 bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char inA, char inB) { return lowerASCII(inA) == lowerASCII(inB); });
+                    [](char inA, char inB) { return lowerCase(inA) == lowerCase(inB); });
 }
 
 // Defined once, because they are long and would otherwise be repeated wherever a request is handed on.

@@ -32,9 +32,9 @@ class Router {
   /// Returns the reply to any request.
   HTTPReply answer(const HTTPRequest& request);
 
-  /// Logs a request whose reply is about to be sent. The page's own requests, and those for the log and /health,
-  /// get no line and no entry unless they are refused; requests for /inspect get a line but no entry. Returns
-  /// the entry's id for finish(), or 0.
+  /// Logs a request whose reply is about to be sent. The page's own requests, and those for the log and
+  /// /health, get no line and no entry unless they are refused; requests for /inspect get a line but no
+  /// entry. Returns the entry's id for finish(), or 0.
   std::uint64_t log(const HTTPRequest& request, const HTTPReply& reply);
 
   /// Sets the duration of that entry after its reply was sent.
