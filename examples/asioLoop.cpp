@@ -28,7 +28,7 @@ static auto forAsio(Call call) {
     auto waiting = std::move(handler);
     Result outcome = co_await std::move(call);
     const auto failure =
-        outcome ? nullptr : std::make_exception_ptr(std::runtime_error(message(*outcome.error)));
+        outcome ? nullptr : std::make_exception_ptr(std::runtime_error(errorMessage(*outcome.error)));
     std::move(waiting)(failure, std::move(outcome));
   };
   using Signature = void(std::exception_ptr, Result);
@@ -56,7 +56,7 @@ int main(int argc, char** argv) {
   const auto session = std::make_shared<HostSession>();
   installPlatform({.sharedSession = std::make_shared<ReaddressedSession>(session, address),
                    .mainQueue = queue,
-                   .failureWords = message});
+                   .failureWords = errorMessage});
   const auto work = asio::make_work_guard(loop);
   int status = 0;
   asio::co_spawn(loop, signIn(), [&](std::exception_ptr failure) {

@@ -19,15 +19,15 @@ static std::string ask(const char* question) {
 int main(int argc, char** argv) {
   const std::string address = argc > 1 ? argv[1] : std::string(serviceBaseURL());
   const auto session = std::make_shared<HostSession>();
-  installPlatform(
-      {.sharedSession = std::make_shared<ReaddressedSession>(session, address), .failureWords = message});
+  installPlatform({.sharedSession = std::make_shared<ReaddressedSession>(session, address),
+                   .failureWords = errorMessage});
   OrvaneManager& manager = OrvaneManager::shareManager();
   const std::string mobile = ask("Mobile number: ");
   int status = 1;
 
   const auto failed = [](const ErrorPtr& error) {
     if (!error) return false;
-    std::cerr << "Sign-in failed: " << message(*error) << "\n";
+    std::cerr << "Sign-in failed: " << errorMessage(*error) << "\n";
     hostMainQueue().stop();
     return true;
   };

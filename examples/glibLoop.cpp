@@ -27,7 +27,7 @@ static void ask(const char* question, std::function<void(std::string answer)> th
 
 static bool failed(const ErrorPtr& error) {
   if (!error) return false;
-  g_printerr("Sign-in failed: %s\n", message(*error).c_str());
+  g_printerr("Sign-in failed: %s\n", errorMessage(*error).c_str());
   g_main_loop_quit(loop);
   return true;
 }
@@ -37,7 +37,7 @@ int main(int argc, char** argv) {
   const auto session = std::make_shared<HostSession>();
   installPlatform({.sharedSession = std::make_shared<ReaddressedSession>(session, address),
                    .mainQueue = std::make_shared<PostingQueue>(g_idle_add_once),
-                   .failureWords = message});
+                   .failureWords = errorMessage});
   auto& manager = OrvaneManager::shareManager();
   std::string mobile;
 

@@ -35,7 +35,7 @@ class Answer {
 };
 
 static void fail(const ErrorPtr& error) {
-  std::cerr << "Sign-in failed: " << message(*error) << "\n";
+  std::cerr << "Sign-in failed: " << errorMessage(*error) << "\n";
   QCoreApplication::exit(1);
 }
 
@@ -68,7 +68,7 @@ int main(int argc, char** argv) {
   const auto session = std::make_shared<HostSession>();
   installPlatform({.sharedSession = std::make_shared<ReaddressedSession>(session, address),
                    .mainQueue = queue,
-                   .failureWords = message});
+                   .failureWords = errorMessage});
   QMetaObject::invokeMethod(
       &application, [] { signIn(); }, Qt::QueuedConnection);
   const int status = QCoreApplication::exec();

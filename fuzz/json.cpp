@@ -13,10 +13,10 @@ using Json = nlohmann::json;
 
 /// Recurses: what was read is at most 512 deep.
 Json converted(const Value& value) {
-  if (const std::string* text = value.text()) return *text;
+  if (const std::string* text = value.string()) return *text;
   if (const bool* boolean = value.boolean()) return *boolean;
   if (const std::int64_t* integer = value.integer()) return *integer;
-  if (const double* real = value.real()) return *real;
+  if (const double* real = value.floating()) return *real;
   if (const Array* elements = value.array()) {
     Json array = Json::array();
     for (const Value& element : *elements) array.push_back(converted(element));

@@ -64,8 +64,9 @@ void judge(Call call, const std::string& body) {
     if (isUndecoded) return;
     require(isJudged, "a reply that cannot be read is a failure");
     const Json& number = reply.at("code");
-    const std::int64_t code = number.is_number_integer() ? number.get<std::int64_t>()
-                                                         : Value(number.get<double>()).asInteger().value();
+    const std::int64_t code = number.is_number_integer()
+                                  ? number.get<std::int64_t>()
+                                  : Value(number.get<double>()).numberAsInteger().value();
     require((code == 0) == !error, "another code than 0 is a refusal");
     if (!error) return;
     require(error->domain == reply.at("msg"), "a refusal's domain is the message");

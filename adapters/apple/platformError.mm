@@ -38,7 +38,7 @@ NSError* platformError(const ErrorPtr& error) {
   NSMutableDictionary* const userInfo = [NSMutableDictionary dictionary];
   if (error->cause) [userInfo addEntriesFromDictionary:wordsAndCause(*error)];
   for (const auto& [key, value] : error->userInfo) {
-    if (const std::string* text = value.text())
+    if (const std::string* text = value.string())
       [userInfo setObject:platformText(*text) forKey:platformText(key)];
   }
   return [NSError errorWithDomain:platformText(error->domain)

@@ -29,7 +29,7 @@ bool isUTF8(std::string_view text) {
   return true;
 }
 
-/// Returns an argument of the function `call`, or stops the process if it is no string.
+/// Returns an argument of the function `call`, or stops the process if it is not a string.
 std::string argument(const char* string, const char* call) {
   if (!string) fatal(std::string(call).append(": a string is null"));
   if (!isUTF8(string)) fatal(std::string(call).append(": a string is not UTF-8"));
@@ -41,8 +41,8 @@ class Failure {
  public:
   explicit Failure(const Error& error)
       : domain_(error.domain),
-        message_(orvane::message(error)),
-        failure_{static_cast<orvane_kind>(kind(error)), error.code, domain_.c_str(), message_.c_str()} {}
+        message_(orvane::errorMessage(error)),
+        failure_{static_cast<orvane_kind>(errorKind(error)), error.code, domain_.c_str(), message_.c_str()} {}
   Failure(const Failure&) = delete;
   Failure& operator=(const Failure&) = delete;
 
@@ -77,7 +77,8 @@ class Outcome {
   std::shared_ptr<void> context_;
 };
 
-/// Returns the shared manager for the function `call`, or stops the process if there is no platform for it.
+/// Returns the shared manager for the function `call`, or stops the process if orvane_prepare() was not
+/// called.
 OrvaneManager& preparedManager(const char* call) {
   if (!preparedSession.load()) fatal(std::string(call).append(": orvane_prepare() was not called"));
   return OrvaneManager::shareManager();
@@ -94,10 +95,10 @@ void start(const Start& makeCall, const Callback& callback, Nothing... nothing) 
 }
 
 std::string failureWords(const orvane_setup& setup, const Error& cause) {
-  if (!setup.failure_words) return message(cause);
+  if (!setup.failure_words) return errorMessage(cause);
   const std::unique_ptr<char, void (*)(void*)> words(setup.failure_words(Failure(cause), setup.context),
                                                      std::free);
-  return words ? argument(words.get(), "failure_words") : message(cause);
+  return words ? argument(words.get(), "failure_words") : errorMessage(cause);
 }
 
 }  // namespace

@@ -19,9 +19,9 @@ orvane::Error errorOf(NSError* error) {
 }  // namespace
 
 OVErrorKind OVKindOfError(NSError* error) {
-  return static_cast<OVErrorKind>(orvane::hashValue(orvane::kind(errorOf(error))));
+  return static_cast<OVErrorKind>(orvane::hashValue(orvane::errorKind(errorOf(error))));
 }
 
 NSString* OVMessageOfError(NSError* error) {
-  return orvane::platformText(orvane::message(errorOf(error)));
+  return orvane::platformText(orvane::errorMessage(errorOf(error)));
 }

@@ -2,7 +2,7 @@
 
 namespace orvane {
 
-std::string description(const Error& error) {
+std::string errorDescription(const Error& error) {
   return error.domain + " (" + std::to_string(error.code) + ")";
 }
 

@@ -32,6 +32,6 @@ struct Error {
 };
 
 /// Returns "DOMAIN (CODE)", without the user information.
-ORVANE_API std::string description(const Error& error);
+ORVANE_API std::string errorDescription(const Error& error);
 
 }  // namespace orvane

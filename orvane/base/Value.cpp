@@ -81,13 +81,13 @@ void Value::copyShallow(const Value& other, std::vector<std::pair<const Value*, 
     auto copy = std::make_unique<Map>();
     for (const auto& [key, value] : *from) copyInto(copy->try_emplace(copy->end(), key)->second, value);
     data_ = std::move(copy);
-  } else if (const std::string* from = other.text()) {
+  } else if (const std::string* from = other.string()) {
     data_ = *from;
   } else if (const bool* from = other.boolean()) {
     data_ = *from;
   } else if (const std::int64_t* from = other.integer()) {
     data_ = *from;
-  } else if (const double* from = other.real()) {
+  } else if (const double* from = other.floating()) {
     data_ = *from;
   }
 }
@@ -114,10 +114,10 @@ void Value::moveContainersTo(std::vector<Value>& pending) {
   }
 }
 
-std::optional<std::int64_t> Value::asInteger() const noexcept {
+std::optional<std::int64_t> Value::numberAsInteger() const noexcept {
   using Limits = std::numeric_limits<std::int64_t>;
   if (const std::int64_t* number = integer()) return *number;
-  const double* number = real();
+  const double* number = floating();
   if (!number) return std::nullopt;
   if (std::isnan(*number)) return 0;
   // 2^63 is exact as a double; the greatest std::int64_t, one less, is not.
@@ -127,9 +127,9 @@ std::optional<std::int64_t> Value::asInteger() const noexcept {
   return static_cast<std::int64_t>(*number);
 }
 
-std::optional<std::string> Value::decimalText() const {
+std::optional<std::string> Value::numberAsString() const {
   if (const std::int64_t* number = integer()) return std::to_string(*number);
-  if (const double* number = real()) return writeReal(*number, 16);
+  if (const double* number = floating()) return writeReal(*number, 16);
   return std::nullopt;
 }
 

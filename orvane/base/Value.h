@@ -83,12 +83,12 @@ class ORVANE_API Array {
   std::vector<Value> values_;  // The elements, once one of them is not a byte.
 };
 
-/// A JSON value: nothing (null), a boolean, an integer, a real, a text, an array or a map. A value type:
-/// copies are deep. May nest to any depth, since copying and destroying do not recurse.
+/// A JSON value: null, a boolean, an integer, a floating-point number, a string, an array or a map. A value
+/// type: copies are deep. May nest to any depth, since copying and destroying do not recurse.
 class ORVANE_API Value {
  public:
-  /// Makes a value of the argument's kind. An integer that does not fit std::int64_t becomes a real, and a
-  /// null text pointer becomes nothing.
+  /// Makes a value of the argument's kind. An integer that does not fit std::int64_t becomes a
+  /// floating-point number, and a null pointer becomes null.
   ///@{
   Value() noexcept = default;
   Value(std::nullptr_t) noexcept {}
@@ -107,7 +107,7 @@ class ORVANE_API Value {
   Value(Map map) : data_(std::make_unique<Map>(std::move(map))) {}
   ///@}
 
-  /// Copies deeply. A value that was moved from is nothing.
+  /// Copies deeply. A value that was moved from is null.
   ///@{
   Value(const Value& other);
   Value(Value&& other) noexcept : data_(std::move(other.data_)) { other.data_.emplace<std::monostate>(); }
@@ -118,29 +118,30 @@ class ORVANE_API Value {
   ///@}
   ~Value();
 
-  /// Returns true if the value is nothing: JSON's null.
-  bool isNothing() const noexcept { return std::holds_alternative<std::monostate>(data_); }
+  /// Returns true if the value is null.
+  bool isNull() const noexcept { return std::holds_alternative<std::monostate>(data_); }
 
   /// Returns a pointer to the content if the value is of that kind, else null.
   ///@{
   const bool* boolean() const noexcept { return std::get_if<bool>(&data_); }
   const std::int64_t* integer() const noexcept { return std::get_if<std::int64_t>(&data_); }
-  const double* real() const noexcept { return std::get_if<double>(&data_); }
-  const std::string* text() const noexcept { return std::get_if<std::string>(&data_); }
+  const double* floating() const noexcept { return std::get_if<double>(&data_); }
+  const std::string* string() const noexcept { return std::get_if<std::string>(&data_); }
   const Array* array() const noexcept { return content<Array>(); }
   const Map* map() const noexcept { return content<Map>(); }
-  std::string* text() noexcept { return std::get_if<std::string>(&data_); }
+  std::string* string() noexcept { return std::get_if<std::string>(&data_); }
   Array* array() noexcept { return content<Array>(); }
   Map* map() noexcept { return content<Map>(); }
   ///@}
 
-  /// Returns a number as an integer, or nothing if the value is not a number; a boolean is not one. A real is
-  /// truncated toward zero and clamped to the range of std::int64_t; not-a-number becomes 0.
-  std::optional<std::int64_t> asInteger() const noexcept;
+  /// Returns a number as an integer, or nothing if the value is not a number; a boolean is not one. A
+  /// floating-point number is truncated toward zero and clamped to the range of std::int64_t; not-a-number
+  /// becomes 0.
+  std::optional<std::int64_t> numberAsInteger() const noexcept;
 
-  /// Returns a number in decimal, or nothing if the value is not a number. A real has up to 16 significant
-  /// digits and no trailing zeros: 137.0 is "137", 12.5 is "12.5".
-  std::optional<std::string> decimalText() const;
+  /// Returns a number in decimal, or nothing if the value is not a number. A floating-point number has up to
+  /// 16 significant digits and no trailing zeros: 137.0 is "137", 12.5 is "12.5".
+  std::optional<std::string> numberAsString() const;
 
  private:
   using Data = std::variant<std::monostate, bool, std::int64_t, double, std::string, std::unique_ptr<Array>,

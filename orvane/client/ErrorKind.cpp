@@ -9,7 +9,7 @@ namespace {
 /// The text under a key of the user information; null where there is none.
 const std::string* text(const Error& error, std::string_view key) {
   const auto found = error.userInfo.find(key);
-  return found == error.userInfo.end() ? nullptr : found->second.text();
+  return found == error.userInfo.end() ? nullptr : found->second.string();
 }
 
 /// The kind of an error of the domain NSURLErrorDomain.
@@ -66,16 +66,16 @@ ErrorKind failureKind(const Error& error) {
 
 }  // namespace
 
-ErrorKind kind(const Error& error) {
+ErrorKind errorKind(const Error& error) {
   if (error.cause) return failureKind(*error.cause);
   return error.userInfo.empty() && !error.platformError ? ErrorKind::refused : failureKind(error);
 }
 
-std::string message(const Error& error) {
-  const ErrorKind errorKind = kind(error);
-  const bool hasWords = error.cause || errorKind == ErrorKind::refused;
+std::string errorMessage(const Error& error) {
+  const ErrorKind kind = errorKind(error);
+  const bool hasWords = error.cause || kind == ErrorKind::refused;
   const std::string* own = hasWords ? &error.domain : text(error, "NSLocalizedDescription");
-  return own && !own->empty() ? *own : std::string(sentence(errorKind));
+  return own && !own->empty() ? *own : std::string(sentence(kind));
 }
 
 }  // namespace orvane

@@ -31,10 +31,10 @@ inline constexpr std::span<const std::string_view> rawValues<ErrorKind> = errorK
 /// Returns the kind of an error that `finished` received: that of its cause, if it has one. Of the others, an
 /// error that has neither user information nor a
 /// platform error counts as a refusal, whatever its domain: the domain of a refusal is the service's text.
-ORVANE_API ErrorKind kind(const Error& error);
+ORVANE_API ErrorKind errorKind(const Error& error);
 
 /// Returns one sentence for a person: the message of a refusal, the application's own words for a failure,
 /// the platform's description of its error, or an English sentence if there is none of these.
-ORVANE_API std::string message(const Error& error);
+ORVANE_API std::string errorMessage(const Error& error);
 
 }  // namespace orvane

@@ -20,15 +20,15 @@ class Reply {
 
   std::int64_t code() {
     const Value* const code = member("code", "the reply has no \"code\"");
-    const std::optional<std::int64_t> integer = code ? code->asInteger() : std::nullopt;
+    const std::optional<std::int64_t> integer = code ? code->numberAsInteger() : std::nullopt;
     if (!integer) note("the reply's \"code\" is not a number");
     return integer.value_or(0);
   }
 
   std::string msg() {
     const Value* const msg = member("msg", "the reply has no \"msg\"");
-    const std::string* const text = msg ? msg->text() : nullptr;
-    if (!text) note("the reply's \"msg\" is not a text");
+    const std::string* const text = msg ? msg->string() : nullptr;
+    if (!text) note("the reply's \"msg\" is not a string");
     return text ? *text : std::string();
   }
 

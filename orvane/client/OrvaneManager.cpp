@@ -41,7 +41,7 @@ void conclude(const ServiceCall& call, JudgedReply reply, Finish finish) {
 }
 
 void trace(const ServiceCall& call, const Error& error) {
-  const std::string line = "orvane: " + std::string(call.name) + ": " + description(error) + "\n";
+  const std::string line = "orvane: " + std::string(call.name) + ": " + errorDescription(error) + "\n";
   std::fwrite(line.data(), 1, line.size(), stdout);
   std::fflush(stdout);
 }

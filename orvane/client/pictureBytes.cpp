@@ -18,8 +18,8 @@ std::optional<std::uint8_t> byteInText(std::string_view text) {
 }
 
 std::optional<std::uint8_t> byteInElement(const Value& element) {
-  if (const std::string* text = element.text()) return byteInText(*text);
-  const std::optional<std::string> decimal = element.decimalText();
+  if (const std::string* text = element.string()) return byteInText(*text);
+  const std::optional<std::string> decimal = element.numberAsString();
   return decimal ? byteInText(*decimal) : std::nullopt;
 }
 

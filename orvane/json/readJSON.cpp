@@ -143,7 +143,7 @@ bool Reader::scalar(Value& value) {
   switch (peek()) {
     case '"':
       value = std::string();
-      return string(*value.text());
+      return string(*value.string());
     case 't':
       value = true;
       return accept("true");

@@ -86,13 +86,13 @@ bool Writer::begin(const Value& value) {
     open(*array);
   } else if (const Map* map = value.map()) {
     open(*map);
-  } else if (const std::string* text = value.text()) {
+  } else if (const std::string* text = value.string()) {
     return string(*text);
   } else if (const bool* boolean = value.boolean()) {
     append(*boolean ? "true" : "false");
   } else if (const std::int64_t* integer = value.integer()) {
     append(std::to_string(*integer));
-  } else if (const double* real = value.real()) {
+  } else if (const double* real = value.floating()) {
     if (!std::isfinite(*real)) return false;
     append(writeReal(*real));
   } else {

@@ -79,7 +79,7 @@ class ORVANE_API NetworkTool {
 
   /// Returns the parameters as "key=value" pairs joined by "&", or nothing if they are absent. A value keeps
   /// letters, marks and numbers of every script; everything else in it is percent-encoded. A key stays as it
-  /// is. Stops the process if a value is not a text, or not UTF-8.
+  /// is. Stops the process if a value is not a string, or not UTF-8.
   virtual std::optional<std::string> queryString(const std::optional<Parameters>& parameters);
 
   /// Drops the handlers that wait on the session queue and have not started. Does not stop any transfer, and

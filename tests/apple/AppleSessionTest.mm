@@ -123,8 +123,8 @@ TEST(AppleSession, DoesNotReturnFromHTTPSToHTTP) {
         EXPECT_EQ(std::to_string(result.response->statusCode), row.outcome);
         continue;
       }
-      EXPECT_EQ(description(*result.error), "NSURLErrorDomain (-1002)");
-      EXPECT_EQ(*result.error->userInfo.at("NSErrorFailingURLStringKey").text(), row.outcome);
+      EXPECT_EQ(errorDescription(*result.error), "NSURLErrorDomain (-1002)");
+      EXPECT_EQ(*result.error->userInfo.at("NSErrorFailingURLStringKey").string(), row.outcome);
       EXPECT_TRUE([[platformError(result.error) localizedDescription] isEqual:@"unsupported URL"]);
     }
   }

@@ -102,7 +102,7 @@ TEST(PlatformError, KeepsItsIdentityAndItsWords) {
     EXPECT_EQ(carried->domain, "d😀");
     EXPECT_EQ(carried->code, -7);
     ASSERT_EQ(carried->userInfo.size(), 1U);
-    EXPECT_EQ(*carried->userInfo.at("reason").text(), "why");
+    EXPECT_EQ(*carried->userInfo.at("reason").string(), "why");
     NSError* const given = orvane::platformError(std::exchange(carried, nullptr));
     EXPECT_EQ(given, identity);
     EXPECT_EQ([given code], -7);

@@ -62,7 +62,8 @@ void write(const ErrorPtr& error, bool isComplete) {
     isOfTransport = error->domain == NetworkTool::errorDomain || error->domain == "NSURLErrorDomain";
     if (isOfTransport == error->userInfo.empty()) line += ", user information amiss";
     if (error->cause) line += " for " + error->cause->domain + " " + std::to_string(error->cause->code);
-    if ((kind(*error) == ErrorKind::refused) != (!isOfTransport && !error->cause)) line += ", kind amiss";
+    if ((errorKind(*error) == ErrorKind::refused) != (!isOfTransport && !error->cause))
+      line += ", kind amiss";
   }
   if (!isComplete) line += ", the other argument amiss";
   const bool isOnMainThread = std::this_thread::get_id() == mainThread;

@@ -131,7 +131,7 @@ TEST(HostSession, RefusesURLsBeforeAnythingIsSent) {
       ASSERT_TRUE(result.error) << what << url.substr(0, 60);
       EXPECT_EQ(result.error->domain, "NSURLErrorDomain");
       EXPECT_EQ(result.error->code, code) << what << url.substr(0, 60);
-      EXPECT_EQ(*result.error->userInfo.at("NSErrorFailingURLStringKey").text(), url);
+      EXPECT_EQ(*result.error->userInfo.at("NSErrorFailingURLStringKey").string(), url);
     }
   }
   EXPECT_EQ(server.requests().size(), 1U);
@@ -554,7 +554,7 @@ TEST(HostSession, ChecksCertificates) {
     const ErrorPtr error = start(none, URLRequest("https://" + name + "/")).get().result.error;
     ASSERT_TRUE(error);
     EXPECT_EQ(error->code, -1);
-    EXPECT_NE(*error->userInfo.at("NSLocalizedDescription").text(), "The request failed.");
+    EXPECT_NE(*error->userInfo.at("NSLocalizedDescription").string(), "The request failed.");
   }
   const Certificate forProxy("localhost", &authority);
   const TLSServer proxy(&forProxy, reply("by the proxy"));

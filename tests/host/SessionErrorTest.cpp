@@ -12,8 +12,8 @@ TEST(SessionError, SaysWhatThePageSays) {
   for (std::size_t at = 0; at < sessionFailureCount; ++at) {
     const ErrorPtr error = makeSessionError(static_cast<SessionFailure>(at), "u", "detail");
     EXPECT_EQ(std::to_string(error->code), rows[at].at("code"));
-    EXPECT_EQ(*error->userInfo.at("NSLocalizedDescription").text(), rows[at].at("sentence"));
-    EXPECT_EQ(*error->userInfo.at("NSDebugDescription").text(), "detail");
+    EXPECT_EQ(*error->userInfo.at("NSLocalizedDescription").string(), rows[at].at("sentence"));
+    EXPECT_EQ(*error->userInfo.at("NSDebugDescription").string(), "detail");
   }
 }
 

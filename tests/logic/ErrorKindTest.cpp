@@ -17,8 +17,8 @@ TEST(ErrorKind, IsWhatThePageSays) {
       const int last = std::stoi((*found)[(*found)[2].matched ? 2 : 1]);
       for (int code = std::stoi((*found)[1]); code >= last; --code, ++codes) {
         const Error error{"NSURLErrorDomain", code, {{"NSErrorFailingURLStringKey", "http://a"}}};
-        EXPECT_EQ(rawValue(kind(error)), row.at("kind")) << code;
-        EXPECT_EQ(message(error), row.at("sentence")) << code;
+        EXPECT_EQ(rawValue(errorKind(error)), row.at("kind")) << code;
+        EXPECT_EQ(errorMessage(error), row.at("sentence")) << code;
       }
     }
   }
@@ -44,8 +44,8 @@ TEST(ErrorKind, OfARefusalIsNotToldByItsText) {
       {{domain, -1, {{"error", "请求建立失败"}}}, notSent, "The request could not be sent."},
   };
   for (const auto& [error, expected, sentence] : rows) {
-    EXPECT_EQ(kind(error), expected) << description(error);
-    EXPECT_EQ(message(error), sentence) << description(error);
+    EXPECT_EQ(errorKind(error), expected) << errorDescription(error);
+    EXPECT_EQ(errorMessage(error), sentence) << errorDescription(error);
   }
 }
 

@@ -28,9 +28,9 @@ class NetworkToolTest : public OnFakes {
     tool.requestJSON(HTTPMethod::JSON_POST, url, std::nullopt,
                      [this](const std::optional<Value>& result, const ErrorPtr& error) {
                        if (result) received += asText(writeJSON(*result));
-                       if (error) received += description(*error);
+                       if (error) received += errorDescription(*error);
                        if (error && error->userInfo.size() == 1)
-                         received += *error->userInfo.at("error").text();
+                         received += *error->userInfo.at("error").string();
                        received += std::this_thread::get_id() == testThread ? " here" : " in the background";
                      });
   }
@@ -165,7 +165,7 @@ TEST_F(NetworkToolDeathTest, StopsOnProgrammingErrorsAndNamesNoArgument) {
        "request: the text given as URL is not a URL"},
       {[&] { tool.request(JSON_POST, "u", noUTF8); },
        "request: the parameters cannot be represented in JSON"},
-      {[&] { tool.request(GET, "u", noText); }, "queryString: a parameter's value is not a text"},
+      {[&] { tool.request(GET, "u", noText); }, "queryString: a parameter's value is not a string"},
       {[&] { tool.queryString(noUTF8); }, "queryString: a parameter's value is not UTF-8"},
       {[&] { start(), session->answer(DataTaskResult{}); },
        "requestJSON: the session reported neither a body nor an error"},

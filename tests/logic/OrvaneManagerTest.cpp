@@ -12,7 +12,7 @@ namespace {
 
 std::string text(const ErrorPtr& error) {
   if (!error) return "none";
-  return description(*error) + (error->userInfo.empty() ? "" : " and user information");
+  return errorDescription(*error) + (error->userInfo.empty() ? "" : " and user information");
 }
 
 /// Returns the last request as "METHOD URL BODY NAME=VALUE ...", without the base URL.
@@ -134,7 +134,7 @@ TEST_F(OrvaneManagerDeathTest, MalformedRepliesStopTheProcess) {
       {code, R"({"code":"0"})", "requestCode: the reply's \"code\" is not a number"},
       {code, R"({"code":true})", "requestCode: the reply's \"code\" is not a number"},
       {code, R"({"code":5})", "requestCode: the reply has no \"msg\""},
-      {code, R"({"code":5,"msg":null})", "requestCode: the reply's \"msg\" is not a text"},
+      {code, R"({"code":5,"msg":null})", "requestCode: the reply's \"msg\" is not a string"},
       {picture, R"({"code":5})", "requestPictureCode: the reply has no \"msg\""},
       {picture, R"({"code":0})", "requestPictureCode: the reply has no \"data\""},
       {picture, R"({"code":0,"data":"iVBOR"})", "requestPictureCode: the reply's \"data\" is not an array"},

@@ -32,8 +32,8 @@ TEST(Value, ReadsNumbersAsIntegersAndAsText) {
       {nullptr, std::nullopt, std::nullopt},
       {Array{7}, std::nullopt, std::nullopt}};
   for (const auto& [value, integer, text] : rows) {
-    EXPECT_EQ(value.asInteger(), integer);
-    EXPECT_EQ(value.decimalText(), text);
+    EXPECT_EQ(value.numberAsInteger(), integer);
+    EXPECT_EQ(value.numberAsString(), text);
   }
 }
 
@@ -64,14 +64,14 @@ TEST(Value, CopiesAreIndependent) {
   const Value original = Map{{"list", Array{1, Array{"a", Map{{"k", 2.5}}}}}, {"text", "t"}};
   Value copy = original;
   copy.map()->at("list").array()->push_back(3);
-  *copy.map()->at("text").text() = "changed";
+  *copy.map()->at("text").string() = "changed";
   EXPECT_EQ(original.map()->at("list").array()->size(), 2U);
-  EXPECT_EQ(*original.map()->at("text").text(), "t");
+  EXPECT_EQ(*original.map()->at("text").string(), "t");
   Array nested = {Array{7, 8}, "x"};
   nested = *nested[0].array();
   EXPECT_EQ(nested.size(), 2U);
   const Array& inner = *(*copy.map()->at("list").array())[1].array();
-  EXPECT_EQ(*inner[1].map()->at("k").real(), 2.5);
+  EXPECT_EQ(*inner[1].map()->at("k").floating(), 2.5);
   copy = 1;  // Releases the map: the leak sanitizer looks.
   EXPECT_EQ(*copy.integer(), 1);
 }

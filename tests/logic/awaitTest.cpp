@@ -35,7 +35,7 @@ struct Record {
   std::shared_ptr<int> alive = std::make_shared<int>();
 
   void say(const auto& value, const ErrorPtr& error) {
-    said += value + (error ? description(*error) : "ok") + ";";
+    said += value + (error ? errorDescription(*error) : "ok") + ";";
     thread = std::this_thread::get_id();
   }
   bool hasEnded() const { return alive.use_count() == 1; }
@@ -187,7 +187,7 @@ TEST_F(AwaitDeathTest, AnExceptionOutOfADetachedCoroutineEndsTheProcess) {
 TEST_F(AwaitTest, OnMainQueueDefersACallbackWithCapturesThatOnlyMove) {
   std::string said;
   auto say = [&said, word = std::make_unique<std::string>("failed: ")](const auto&, const ErrorPtr& error) {
-    said = *word + message(*error);
+    said = *word + errorMessage(*error);
   };
   NetworkTool().requestJSON(HTTPMethod::GET, "", std::nullopt, onMainQueue(std::move(say)));
   EXPECT_EQ(said, "");

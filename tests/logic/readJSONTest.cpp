@@ -103,8 +103,8 @@ TEST(ReadJSON, ReadsAMillionValuesAndNoMore) {
 TEST(ReadJSON, KeepsIntegerRealAndBooleanApart) {
   const Value value = *readJSON("[1,1.0,true,300,18446744073709551616]");
   const Array& array = *value.array();
-  EXPECT_TRUE(array[0].integer() && array[1].real() && array[2].boolean());
-  EXPECT_TRUE(array[3].integer() && array[4].real());
+  EXPECT_TRUE(array[0].integer() && array[1].floating() && array[2].boolean());
+  EXPECT_TRUE(array[3].integer() && array[4].floating());
 }
 
 TEST(ReadJSON, ReadsByteArraysTheFastWayLikeThePlainWay) {

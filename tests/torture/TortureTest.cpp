@@ -97,7 +97,7 @@ class Actor : public std::enable_shared_from_this<Actor> {
     return [self = shared_from_this(), ticket = std::make_shared<Ticket>(calls_), seed, depth, expected](
                const auto& result, const ErrorPtr& error) {
       ++ticket->completions;
-      EXPECT_EQ(error ? description(*error) : result ? "done" : "nothing", expected);
+      EXPECT_EQ(error ? errorDescription(*error) : result ? "done" : "nothing", expected);
       if (depth > 0) self->act(seed * 31 + 7, depth - 1);
     };
   }

@@ -43,7 +43,7 @@ std::optional<std::string> InspectClient::known(std::string_view fact, const std
   const std::optional<orvane::Map> entry = inspect(mobile);
   const auto found = entry ? entry->find(fact) : orvane::Map::const_iterator();
   if (!entry || found == entry->end()) return std::nullopt;
-  const std::string* text = found->second.text();
+  const std::string* text = found->second.string();
   return text ? std::optional(*text) : std::nullopt;
 }
 

@@ -44,7 +44,7 @@ devservice::Exchange exchangeOf(const orvane::URLRequest& request) {
 
 void addOutcome(const orvane::DataTaskResult& result, devservice::Exchange& exchange) {
   if (result.error) {
-    exchange.comment = orvane::description(*result.error);
+    exchange.comment = orvane::errorDescription(*result.error);
     return;
   }
   exchange.status = result.response->statusCode;

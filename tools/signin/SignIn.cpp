@@ -154,9 +154,9 @@ StepOutcome SignIn::succeed(StepEnd stepEnd) const {
 
 /// Reports why the call failed.
 StepOutcome SignIn::fail(Step step, const orvane::Error& error) const {
-  const orvane::ErrorKind kind = orvane::kind(error);
+  const orvane::ErrorKind kind = orvane::errorKind(error);
   const bool isRefusal = kind == orvane::ErrorKind::refused;
-  const std::string message = orvane::message(error);
+  const std::string message = orvane::errorMessage(error);
   // A trace stands on standard error, too, and may be passed on.
   const std::string shown = options_.trace ? means_.secrets.masked(message) : message;
   Terminal::complain(std::string(stepNames[static_cast<std::size_t>(step)]) + ": " + printable(shown) + " (" +

@@ -69,9 +69,10 @@ std::string Trace::replyLine(std::string_view url, const orvane::DataTaskResult&
                              std::chrono::milliseconds took) const {
   std::string line = secrets_->masked(url) + ": " + std::to_string(took.count()) + " ms, ";
   if (result.error) {
-    line += secrets_->masked(orvane::description(*result.error));
+    line += secrets_->masked(orvane::errorDescription(*result.error));
     for (const auto& [key, value] : result.error->userInfo) {
-      if (value.text()) line.append(", ").append(key).append(": ").append(secrets_->masked(*value.text()));
+      if (value.string())
+        line.append(", ").append(key).append(": ").append(secrets_->masked(*value.string()));
     }
   } else {
     const std::string_view body = textOf(*result.body);

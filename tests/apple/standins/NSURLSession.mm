@@ -31,7 +31,7 @@ orvane::URLRequest portable(NSURLRequest* request) {
 
 NSError* errorOf(const orvane::Error& error) {
   NSMutableDictionary* const userInfo = [NSMutableDictionary dictionary];
-  for (const auto& [key, value] : error.userInfo) [userInfo setObject:text(*value.text()) forKey:text(key)];
+  for (const auto& [key, value] : error.userInfo) [userInfo setObject:text(*value.string()) forKey:text(key)];
   [userInfo setObject:[NSURL URLWithString:@"http://h/"] forKey:@"URL"];
   [userInfo setObject:@"an entry of no meaning" forKey:@1];
   NSError* const made = [NSError errorWithDomain:text(error.domain)
