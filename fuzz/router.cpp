@@ -68,7 +68,7 @@ void call(IdentityService& service, Router& router, const HTTPRequest& request) 
   if (reply.status == 204 || (Page::owns(request.path) && reply.status == 200)) return;
   if (InspectEndpoint::owns(request.path) && reply.status == 200)
     return require(envelope.is_structured(), "an inspection is JSON");
-  if (mobile.starts_with(faultNumberPrefix)) return;  // May demand anything.
+  if (mobile.starts_with(faultNumberPrefix)) return;  // May requested anything.
   checkEnvelope(envelope);
   if (envelope["code"] != 0) return;
   if (request.path == "/tenant/getVerifyCode")

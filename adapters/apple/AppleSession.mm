@@ -21,7 +21,7 @@ NSURLRequest* platformRequest(const URLRequest& request) {
 }
 
 /// Refers to the bytes of `data` in place. Only mutable data is copied: `copy` returns immutable data itself.
-Body lentBody(NSData* data) {
+Body borrowedBody(NSData* data) {
   NSData* const kept = autoreleased([data copy]);
   return {{static_cast<const std::uint8_t*>([kept bytes]), [kept length]}, retained(kept)};
 }
@@ -31,7 +31,7 @@ DataTaskResult resultOf(NSData* body, NSURLResponse* response, NSError* error) {
   if (error) return {std::nullopt, std::nullopt, makeError(error)};
   DataTaskResult result;
   // NSURLSession may report an empty body as nil.
-  if (body || response) result.body = lentBody(body);
+  if (body || response) result.body = borrowedBody(body);
   if ([response isKindOfClass:[NSHTTPURLResponse class]])
     result.response = HTTPResponse{static_cast<int>([(NSHTTPURLResponse*)response statusCode])};
   return result;

@@ -235,7 +235,7 @@ bool Transfer::noteProgress(curl_off_t received, curl_off_t sent) noexcept {
     refuse(SessionFailure::dataTooLarge);
   // The engine sees to time-outs, unless curl does not return to it: it reads all of a proxy's refusal in one
   // call, even if that never ends. A second is enough to read what has arrived.
-  if (std::max(end(), context_.now + std::chrono::seconds(1)) <= Clock::now())
+  if (std::max(deadline(), context_.now + std::chrono::seconds(1)) <= Clock::now())
     refuse(SessionFailure::timedOut);
   return !exchange_.refusal;
 }
@@ -246,7 +246,7 @@ std::size_t Transfer::refuse(SessionFailure failure) noexcept {
   return CURL_WRITEFUNC_ERROR;
 }
 
-Clock::time_point Transfer::end() const noexcept {
+Clock::time_point Transfer::deadline() const noexcept {
   return std::min(exchange_.lastActivity + context_.configuration.idleTimeout, task_.deadline);
 }
 

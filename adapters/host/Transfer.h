@@ -54,7 +54,7 @@ class Transfer {
 
   /// Returns when the transfer times out, unless a byte of a body or a whole header line is transferred
   /// before.
-  Clock::time_point end() const noexcept;
+  Clock::time_point deadline() const noexcept;
 
   /// Returns the outcome of the exchange that curl ended with `result`. Moves the body out.
   DataTaskResult finish(CURLcode result);

@@ -64,7 +64,7 @@ std::list<HandlerCall> TransferEngine::advance(std::vector<DataTask>&& arrived) 
     settle(*transfer, result);
   }
   for (std::size_t at = 0; at < running_.size();) {
-    if (running_[at]->end() > context_.now) {
+    if (running_[at]->deadline() > context_.now) {
       ++at;
     } else {
       settle(*running_[at], CURLE_OPERATION_TIMEDOUT);  // Removes it.
@@ -77,7 +77,7 @@ void TransferEngine::wait() {
   using std::chrono::milliseconds;
   Clock::time_point next = context_.now + std::chrono::hours(1);
   if (!waiting_.empty()) next = std::min(next, waiting_.front().deadline);
-  for (const auto& transfer : running_) next = std::min(next, transfer->end());
+  for (const auto& transfer : running_) next = std::min(next, transfer->deadline());
   const auto timeout = std::max(std::chrono::ceil<milliseconds>(next - Clock::now()), milliseconds(0));
   if (curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(timeout.count()), nullptr) != CURLM_OK)
     std::this_thread::sleep_for(milliseconds(20));  // Does not spin where poll() fails.

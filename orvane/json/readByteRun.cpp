@@ -36,18 +36,18 @@ std::uint64_t wordAt(const char* characters) {
 std::uint64_t commasAt(const char* block) {
   constexpr std::uint64_t each = 0x0101010101010101;  // Times a byte: that byte in all eight places.
   std::uint64_t commas = 0;
-  std::uint64_t strangers = 0;
+  std::uint64_t unexpected = 0;
   for (int at = 0; at < blockSize; at += wordSize) {
     // Turns a comma into 0x00, and '0' to '?' into 0x10 to 0x1F. So the bit 0x10 tells them apart.
     const std::uint64_t word = wordAt(block + at) ^ ',' * each;
     const std::uint64_t ones = ~word >> 4 & each;  // 0x01 for each comma, 0x00 for each digit.
     // Another character has a bit above 0x10, or a bit below it where 0x10 is missing.
-    strangers |= word & (0xE0 * each | 0x0F * ones);
+    unexpected |= word & (0xE0 * each | 0x0F * ones);
     // Moves the eight ones side by side. "12,7,255" has 0x0000000100010000. The factor has the bits 7, 14 and
     // so on to 56, so the product is the sum of that word shifted by each. Its highest byte is 0b00010100.
     commas |= (ones * 0x0102040810204080 >> 56) << at;
   }
-  return strangers == 0 ? commas : 0;
+  return unexpected == 0 ? commas : 0;
 }
 
 struct Number {

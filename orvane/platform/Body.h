@@ -25,12 +25,12 @@ class Body {
   /// does. The body and its copies share `owner`. The last of them releases it, on any thread, so the release
   /// must be safe there. Makes an empty body if `owner` is null.
   Body(std::span<const std::uint8_t> bytes, std::shared_ptr<const void> owner) noexcept
-      : lent_(bytes), owner_(std::move(owner)) {}
+      : borrowed_(bytes), owner_(std::move(owner)) {}
 
   /// Returns the bytes, which are valid until the body is changed, moved or destroyed.
   ///@{
-  const std::uint8_t* data() const noexcept { return owner_ ? lent_.data() : own_.data(); }
-  std::size_t size() const noexcept { return owner_ ? lent_.size() : own_.size(); }
+  const std::uint8_t* data() const noexcept { return owner_ ? borrowed_.data() : own_.data(); }
+  std::size_t size() const noexcept { return owner_ ? borrowed_.size() : own_.size(); }
   bool empty() const noexcept { return size() == 0; }
   const std::uint8_t* begin() const noexcept { return data(); }
   const std::uint8_t* end() const noexcept { return data() + size(); }
@@ -39,7 +39,7 @@ class Body {
  private:
   Bytes own_;
   std::span<const std::uint8_t>
-      lent_;  // Counts only while there is an owner: a body that was moved from is empty.
+      borrowed_;  // Counts only while there is an owner: a body that was moved from is empty.
   std::shared_ptr<const void> owner_;
 };
 

@@ -86,7 +86,7 @@ TEST(Router, KeepsAllButTheCallsForLocalCallers) {
       EXPECT_EQ(bench.router.answer(request).status, isLocal ? 200 : 403) << request.path;
     }
     EXPECT_EQ(bench.service.size(), isLocal ? 0 : 1);
-    EXPECT_FALSE(bench.service.chosenFault().demand.fault);
+    EXPECT_FALSE(bench.service.chosenFault().requested.fault);
   }
   ServiceBench bench;
   EXPECT_EQ(bench.router.answer(local(picture)).status, 404);

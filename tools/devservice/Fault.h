@@ -14,7 +14,7 @@ struct Fault {
   std::string_view group;  ///< The layer that it hits: "network", "HTTP" or "reply".
   std::string_view name;   ///< One to three words.
   std::string_view text;
-  void (*spoil)(ReplyDraft& draft);  ///< Null for the refusal, which keeps the call from being done.
+  void (*corrupt)(ReplyDraft& draft);  ///< Null for the refusal, which keeps the call from being done.
 };
 
 /// Number of the fault that delays the reply.

@@ -102,9 +102,9 @@ HTTPReply IdentityService::answer(const HTTPRequest& request) {
   const std::string& mobile = members.find("mobile")->second;
   if (!isMobileNumber(mobile)) return makeRefusal(200, Code::badNumber, mobile);
 
-  const Demand demand = demandFor(mobile, route->call);
-  if (demand.fault && !demand.fault->spoil) return makeReply(ReplyBody::refusal(Code::demanded));
-  return makeReply(perform(route->call, members, request.header("XRAPI-CLIENT-ID")), demand);
+  const RequestedFault requested = requestedFaultFor(mobile, route->call);
+  if (requested.fault && !requested.fault->corrupt) return makeReply(ReplyBody::refusal(Code::demanded));
+  return makeReply(perform(route->call, members, request.header("XRAPI-CLIENT-ID")), requested);
 }
 
 std::optional<Inspection> IdentityService::inspect(std::string_view mobile) const {
@@ -156,13 +156,13 @@ void IdentityService::forget() {
 }
 
 /// Returns what the number demands, else the chosen fault if it hits this call.
-Demand IdentityService::demandFor(std::string_view mobile, Call call) {
-  if (const Demand demand = demandOf(mobile, call); demand.fault) return demand;
+RequestedFault IdentityService::requestedFaultFor(std::string_view mobile, Call call) {
+  if (const RequestedFault requested = requestedFaultOf(mobile, call); requested.fault) return requested;
   const std::lock_guard lock(mutex_);
-  if (choice_.every == 0) return std::exchange(choice_, {}).demand;
+  if (choice_.every == 0) return std::exchange(choice_, {}).requested;
   if (++missed_ < choice_.every) return {};
   missed_ = 0;
-  return choice_.demand;
+  return choice_.requested;
 }
 
 ReplyBody IdentityService::perform(Call call, const Members& members,

@@ -13,7 +13,6 @@
 #include <utility>
 #include <vector>
 
-#include "tools/devservice/Demand.h"
 #include "tools/devservice/HTTPReply.h"
 #include "tools/devservice/HTTPRequest.h"
 #include "tools/devservice/Inspection.h"
@@ -22,6 +21,7 @@
 #include "tools/devservice/Predictions.h"
 #include "tools/devservice/RecentMap.h"
 #include "tools/devservice/ReplyBody.h"
+#include "tools/devservice/RequestedFault.h"
 
 namespace devservice {
 
@@ -33,9 +33,9 @@ struct TextMessage {
   std::string text;
 };
 
-/// A fault for the calls whose mobile number does not demand one.
+/// A fault for the calls whose mobile number does not ask for one.
 struct FaultChoice {
-  Demand demand;
+  RequestedFault requested;
   /// The fault hits one call in `every`, until another choice is made. 0: only the next call.
   unsigned every = 0;
 };
@@ -120,7 +120,7 @@ class IdentityService {
   static Attempt attempt(std::optional<Secret>& secret, std::string_view text, TimePoint now);
   static Inspection view(const Record& record, TimePoint now);
 
-  Demand demandFor(std::string_view mobile, Call call);
+  RequestedFault requestedFaultFor(std::string_view mobile, Call call);
   ReplyBody perform(Call call, const Members& members, std::optional<std::string_view> clientId);
   ReplyBody sendPicture(const std::string& mobile);
   ReplyBody sendCode(const std::string& mobile, std::string_view pictureText);

@@ -26,9 +26,9 @@ Json faults() {
 }
 
 Json chosen(const FaultChoice& choice) {
-  if (!choice.demand.fault) return {};
-  return {{"fault", choice.demand.fault->number},
-          {"delay", choice.demand.delay.count()},
+  if (!choice.requested.fault) return {};
+  return {{"fault", choice.requested.fault->number},
+          {"delay", choice.requested.delay.count()},
           {"every", choice.every}};
 }
 
@@ -125,10 +125,10 @@ HTTPReply Page::chooseFault(const HTTPRequest& request) {
       return makeRefusal(400, Code::badMember, name);
     const int number = value.get<int>();
     if (isDelay) {
-      choice.demand.delay = std::chrono::milliseconds(number);
+      choice.requested.delay = std::chrono::milliseconds(number);
     } else if (!isFault) {
       choice.every = static_cast<unsigned>(number);
-    } else if (choice.demand.fault = findFault(number); !choice.demand.fault) {
+    } else if (choice.requested.fault = findFault(number); !choice.requested.fault) {
       return makeRefusal(400, Code::badMember, name);
     }
   }

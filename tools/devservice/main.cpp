@@ -14,10 +14,10 @@
 #include <utility>
 
 #include "tools/devservice/Code.h"
-#include "tools/devservice/Demand.h"
 #include "tools/devservice/Fault.h"
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/LineWriter.h"
+#include "tools/devservice/RequestedFault.h"
 #include "tools/devservice/Server.h"
 
 namespace devservice {

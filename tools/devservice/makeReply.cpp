@@ -5,14 +5,14 @@
 
 namespace devservice {
 
-HTTPReply makeReply(const ReplyBody& body, const Demand& demand) {
+HTTPReply makeReply(const ReplyBody& body, const RequestedFault& requested) {
   ReplyDraft draft{{{"code", static_cast<int>(body.code)}, {"msg", body.msg}, {"data", nullptr}}};
   if (body.data) draft.object["data"] = *body.data;
-  if (demand.fault && demand.fault->spoil) demand.fault->spoil(draft);
+  if (requested.fault && requested.fault->corrupt) requested.fault->corrupt(draft);
   return {.status = draft.status,
           .body = draft.body ? *draft.body : dumped(draft.object),
           .fault = draft.transport,
-          .delay = demand.delay};
+          .delay = requested.delay};
 }
 
 HTTPReply makeRefusal(int status, Code reason, std::string_view detail) {

@@ -33,7 +33,7 @@ void Report::open(std::FILE* lines) {
   lines_ = lines;
   opened = this;
   struct sigaction action = {};
-  action.sa_handler = tellAbortion;
+  action.sa_handler = handleSignal;
   sigaction(SIGABRT, &action, nullptr);
 }
 
@@ -54,7 +54,7 @@ void Report::end(const StepEnd& stepEnd) {
   if (stepEnd.outcome == StepOutcome::interrupted) lines_ = nullptr;
 }
 
-void Report::tellAbortion(int) {
+void Report::handleSignal(int) {
   const Report& report = *opened;
   const std::string& text = report.abortionLine_;
   if (text.empty()) return;

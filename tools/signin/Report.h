@@ -24,7 +24,7 @@ class Report {
   void end(const StepEnd& stepEnd);
 
  private:
-  static void tellAbortion(int signal);
+  static void handleSignal(int signal);
 
   std::mutex mutex_;
   std::FILE* lines_ = nullptr;

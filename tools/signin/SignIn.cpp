@@ -86,7 +86,9 @@ std::string textBubble(std::string_view text) {
 
 StepOutcome SignIn::run() {
   StepOutcome outcome = StepOutcome::success;
-  const auto triesFor = [this](const auto& given) { return means_.hasPerson && !given ? mostTries : 1; };
+  const auto triesFor = [this](const auto& given) {
+    return dependencies_.isInteractive && !given ? mostTries : 1;
+  };
   int tries = triesFor(options_.mobile);
   do {
     mobile_ = answer({numberOption, "Mobile number: ", {}, options_.mobile});
@@ -109,7 +111,7 @@ StepOutcome SignIn::run() {
 }
 
 StepOutcome SignIn::requestPicture() {
-  means_.report.begin(Step::picture);
+  dependencies_.report.begin(Step::picture);
   const auto picture = await("Waiting for the picture ...", orvane::requestPictureCode(manager_, mobile_));
   if (!picture) return fail(Step::picture, *picture.error);
   present(*picture);
@@ -117,30 +119,30 @@ StepOutcome SignIn::requestPicture() {
 }
 
 StepOutcome SignIn::requestCode() {
-  means_.report.begin(Step::code);
+  dependencies_.report.begin(Step::code);
   const std::string captcha =
       answer({"--captcha", "What does the picture say? ", "picture", options_.captcha});
   const auto sent =
       await("Waiting for the code to be sent ...", orvane::requestCode(manager_, mobile_, captcha));
   if (!sent) return fail(Step::code, *sent.error);
   Terminal::print("A text message with a code was sent to " + printable(mobile_) + ".\n");
-  if (means_.inspector) {
-    if (const auto message = means_.inspector->known("message", mobile_))
+  if (dependencies_.inspector) {
+    if (const auto message = dependencies_.inspector->known("message", mobile_))
       Terminal::print(textBubble(printable(*message)));
   }
   return succeed();
 }
 
 StepOutcome SignIn::requestLogin() {
-  means_.report.begin(Step::login);
+  dependencies_.report.begin(Step::login);
   const std::string code = answer({"--code", "Code in the text message: ", "code", options_.code});
   const auto login = await("Waiting for the login ...", orvane::requestLogin(manager_, mobile_, code));
   if (!login) return fail(Step::login, *login.error);
   Terminal::print("Signed in. The service says: " + printable(*login) + "\n");
   const StepOutcome outcome = succeed({.message = *login});
-  if (!means_.session.waitUntilIdle(patience)) {
+  if (!dependencies_.session.waitUntilIdle(patience)) {
     Terminal::showWaiting("Sending the device's facts ...");
-    means_.session.waitUntilIdle(submissionLimit);
+    dependencies_.session.waitUntilIdle(submissionLimit);
     Terminal::hideWaiting();
   }
   return outcome;
@@ -148,7 +150,7 @@ StepOutcome SignIn::requestLogin() {
 
 StepOutcome SignIn::succeed(StepEnd stepEnd) const {
   stepEnd.code = 0;
-  means_.report.end(stepEnd);
+  dependencies_.report.end(stepEnd);
   return stepEnd.outcome;
 }
 
@@ -158,12 +160,12 @@ StepOutcome SignIn::fail(Step step, const orvane::Error& error) const {
   const bool isRefusal = kind == orvane::ErrorKind::refused;
   const std::string message = orvane::errorMessage(error);
   // A trace stands on standard error, too, and may be passed on.
-  const std::string shown = options_.trace ? means_.secrets.masked(message) : message;
+  const std::string shown = options_.trace ? dependencies_.secrets.masked(message) : message;
   Terminal::complain(std::string(stepNames[static_cast<std::size_t>(step)]) + ": " + printable(shown) + " (" +
                      std::string(rawValue(kind)) + ", " + (isRefusal ? "" : printable(error.domain) + " ") +
                      std::to_string(error.code) + ")");
   const StepOutcome outcome = isRefusal ? StepOutcome::refusal : StepOutcome::network;
-  means_.report.end({outcome, error.domain, error.code, kind, message});
+  dependencies_.report.end({outcome, error.domain, error.code, kind, message});
   return outcome;
 }
 
@@ -171,19 +173,19 @@ StepOutcome SignIn::fail(Step step, const orvane::Error& error) const {
 std::string SignIn::answer(const Question& question) const {
   std::optional<std::string> text = question.given;
   const std::string option(question.option);
-  if (!text && means_.hasPerson) {
+  if (!text && dependencies_.isInteractive) {
     text = Terminal::ask(question.text);
     if (!text) throw UsageError(option + ": missing, and the input has ended");
   } else if (!text) {
-    text = question.fact.empty() ? someNumber() : means_.inspector->known(question.fact, mobile_);
+    text = question.fact.empty() ? someNumber() : dependencies_.inspector->known(question.fact, mobile_);
     if (!text) throw UsageError(option + ": missing, and the development service does not know it");
     Terminal::print(std::string(question.text) + printable(*text) + "\n");
   }
   if (!isUTF8(*text)) throw UsageError(option + ": not UTF-8");
   if (question.option == numberOption) {
-    means_.secrets.addNumber(*text);
+    dependencies_.secrets.addNumber(*text);
   } else {
-    means_.secrets.add(*text);
+    dependencies_.secrets.add(*text);
   }
   return *text;
 }
@@ -195,12 +197,12 @@ void SignIn::present(const orvane::Bytes& picture) const {
       viewPicture(picture, Terminal::outputColumns(), Terminal::outputPalette());
   if (options_.pictureFile) {
     save(picture);
-    const bool isPrinted = means_.pictureOutput != nullptr;
+    const bool isPrinted = dependencies_.pictureOutput != nullptr;
     Terminal::print("The picture (" + size + ") is " +
                     (isPrinted ? "on standard output" : "in " + *options_.pictureFile) + ".\n");
   } else if (view) {
     Terminal::print(view->lines);
-    if (means_.hasPerson && !view->isClear)
+    if (dependencies_.isInteractive && !view->isClear)
       Terminal::print("If you cannot read it, save it with --picture FILE.\n");
   }
   if (!view)
@@ -209,9 +211,9 @@ void SignIn::present(const orvane::Bytes& picture) const {
 }
 
 void SignIn::save(const orvane::Bytes& picture) const {
-  if (means_.pictureOutput) {
-    std::fwrite(picture.data(), 1, picture.size(), means_.pictureOutput);
-    std::fflush(means_.pictureOutput);
+  if (dependencies_.pictureOutput) {
+    std::fwrite(picture.data(), 1, picture.size(), dependencies_.pictureOutput);
+    std::fflush(dependencies_.pictureOutput);
     return;
   }
   const std::string& path = *options_.pictureFile;

@@ -20,9 +20,9 @@ namespace signin {
 class SignIn {
  public:
   /// What the sign-in works with. All of it must outlive the sign-in.
-  struct Means {
+  struct Dependencies {
     const Options& options;
-    bool hasPerson;            ///< True if a person answers for missing options, else `inspector` does.
+    bool isInteractive;        ///< True if a person answers for missing options, else `inspector` does.
     InspectClient* inspector;  ///< May be null if no option is missing or there is a person.
     ObservedSession& session;  ///< The session that the library uses.
     devservice::Secrets& secrets;
@@ -30,7 +30,8 @@ class SignIn {
     std::FILE* pictureOutput;  ///< The file for --picture -, else null.
   };
 
-  explicit SignIn(const Means& means) : means_(means), options_(means.options) {}
+  explicit SignIn(const Dependencies& dependencies)
+      : dependencies_(dependencies), options_(dependencies.options) {}
 
   /// Returns how the last call ended. Writes a failed call's error to standard error. Throws UsageError if
   /// there is no answer, an answer is not UTF-8, or the picture cannot be saved.
@@ -55,7 +56,7 @@ class SignIn {
   void present(const orvane::Bytes& picture) const;
   void save(const orvane::Bytes& picture) const;
 
-  const Means means_;
+  const Dependencies dependencies_;
   const Options& options_;
   orvane::OrvaneManager& manager_ = orvane::OrvaneManager::shareManager();
   std::string mobile_;

@@ -64,13 +64,13 @@ Palette Terminal::outputPalette() {
   return colours == "truecolor" || colours == "24bit" ? Palette::direct : Palette::indexed;
 }
 
-std::FILE* Terminal::takeOutput(bool hasPerson) {
+std::FILE* Terminal::takeOutput(bool isInteractive) {
   const auto checked = [](int result) {
     if (result < 0) throw std::system_error(errno, std::system_category(), "standard output");
     return result;
   };
   const int taken = checked(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0));
-  const int others = hasPerson ? STDERR_FILENO : checked(open("/dev/null", O_WRONLY | O_CLOEXEC));
+  const int others = isInteractive ? STDERR_FILENO : checked(open("/dev/null", O_WRONLY | O_CLOEXEC));
   checked(dup2(others, STDOUT_FILENO));
   std::FILE* const file = fdopen(taken, "w");
   checked(file ? 0 : -1);

@@ -25,7 +25,7 @@ struct Terminal {
 
   /// Returns standard output, which print() uses no more: it writes to standard error if there is a person,
   /// else nowhere. To be called at most once. Throws std::system_error.
-  static std::FILE* takeOutput(bool hasPerson);
+  static std::FILE* takeOutput(bool isInteractive);
 
   /// Prints the question and reads a line; asks again while the line is blank. Returns it without leading and
   /// trailing blanks, or nothing at the end of the input.

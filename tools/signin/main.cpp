@@ -52,8 +52,8 @@ orvane::HostSessionConfiguration routeTo(const std::optional<Address>& address, 
 }
 
 StepOutcome signIn(const Options& options, Report& report, std::FILE*& output) {
-  const bool hasPerson = Terminal::inputIsTerminal() && !options.automatic;
-  const bool lacksAnswers = !hasPerson && !options.missing().empty();
+  const bool isInteractive = Terminal::inputIsTerminal() && !options.automatic;
+  const bool lacksAnswers = !isInteractive && !options.missing().empty();
   const auto refuseToGuess = [&](const std::string& why) {
     throw UsageError(std::string(options.missing()) + ": missing, and " + why);
   };
@@ -63,7 +63,7 @@ StepOutcome signIn(const Options& options, Report& report, std::FILE*& output) {
     Terminal::leave();
     report.end({StepOutcome::interrupted});
   });
-  if (options.takesOutput()) output = Terminal::takeOutput(hasPerson);
+  if (options.takesOutput()) output = Terminal::takeOutput(isInteractive);
   if (options.json) report.open(output);
 
   std::optional<EmbeddedService> embedded;
@@ -87,7 +87,7 @@ StepOutcome signIn(const Options& options, Report& report, std::FILE*& output) {
   if (lacksAnswers && !inspector->isThere())
     refuseToGuess("no development service answers at " + options.service());
   return SignIn({.options = options,
-                 .hasPerson = hasPerson,
+                 .isInteractive = isInteractive,
                  .inspector = inspector ? &*inspector : nullptr,
                  .session = *session,
                  .secrets = *secrets,

@@ -12,17 +12,17 @@ namespace devservice {
 enum class Call { picture = 1, code, login, submission };
 
 /// A fault, or null for none. `delay` is used by the late reply only.
-struct Demand {
+struct RequestedFault {
   const Fault* fault = nullptr;
   std::chrono::milliseconds delay = usualDelay;
 };
 
-/// Start of the mobile numbers that demand a fault. After it come the digit of the call that the fault hits,
+/// Start of the mobile numbers that ask for a fault. After it come the digit of the call that the fault hits,
 /// 0 for all of them, and the two digits of the fault. For the late reply four more digits may follow: the
 /// delay in hundredths of a second. Any other number with this start is an ordinary one.
 inline constexpr std::string_view faultNumberPrefix = "+99900000";
 
 /// Returns what the mobile number demands of that call.
-Demand demandOf(std::string_view mobile, Call call);
+RequestedFault requestedFaultOf(std::string_view mobile, Call call);
 
 }  // namespace devservice

@@ -1,4 +1,4 @@
-#include "tools/devservice/Demand.h"
+#include "tools/devservice/RequestedFault.h"
 
 #include <optional>
 
@@ -17,7 +17,7 @@ std::optional<int> numberOf(std::string_view digits) {
 
 }  // namespace
 
-Demand demandOf(std::string_view mobile, Call call) {
+RequestedFault requestedFaultOf(std::string_view mobile, Call call) {
   if (!mobile.starts_with(faultNumberPrefix)) return {};
   const std::string_view digits = mobile.substr(faultNumberPrefix.size());
   if (digits.size() != 3 && digits.size() != 7) return {};
@@ -27,7 +27,8 @@ Demand demandOf(std::string_view mobile, Call call) {
   if (!hit || !fault || !hundredths || (*hit != 0 && *hit != static_cast<int>(call))) return {};
   if (digits.size() == 3) return {findFault(*fault)};
   const std::chrono::milliseconds delay{*hundredths * 10};
-  return *fault == lateFault && delay <= maxDelay ? Demand{findFault(lateFault), delay} : Demand{};
+  return *fault == lateFault && delay <= maxDelay ? RequestedFault{findFault(lateFault), delay}
+                                                  : RequestedFault{};
 }
 
 }  // namespace devservice
