@@ -38,10 +38,12 @@ class CountedSession final : public URLSession {
 
   /// Counts a task until the last copy of the result is gone: a session releases its handler in any case.
   std::shared_ptr<void> count() {
-    const std::lock_guard lock(tasks_->mutex);
-    ++tasks_->number;
+    {
+      const std::lock_guard lock(tasks_->mutex);
+      ++tasks_->number;
+    }
     return {tasks_.get(), [tasks = tasks_](void*) {
-              const std::lock_guard inner(tasks->mutex);
+              const std::lock_guard lock(tasks->mutex);
               --tasks->number;
               tasks->ended.notify_all();
             }};

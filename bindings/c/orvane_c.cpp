@@ -2,8 +2,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string>
 #include <system_error>
+#include <type_traits>
 
 #include "orvane/base/decodeUTF8.h"
 #include "orvane/base/fatal.h"
@@ -40,15 +45,18 @@ std::string argument(const char* string, const char* call) {
 class Failure {
  public:
   explicit Failure(const Error& error)
-      : domain_(error.domain),
-        message_(orvane::errorMessage(error)),
-        failure_{static_cast<orvane_kind>(errorKind(error)), error.code, domain_.c_str(), message_.c_str()} {}
+      : domain_(original(error).domain),
+        message_(errorMessage(error)),
+        failure_{static_cast<orvane_kind>(errorKind(error)), original(error).code, domain_.c_str(),
+                 message_.c_str()} {}
   Failure(const Failure&) = delete;
   Failure& operator=(const Failure&) = delete;
 
   operator const orvane_failure*() const { return &failure_; }
 
  private:
+  static const Error& original(const Error& error) { return error.cause ? *error.cause : error; }
+
   const std::string domain_;
   const std::string message_;
   const orvane_failure failure_;
@@ -84,13 +92,17 @@ OrvaneManager& preparedManager(const char* call) {
   return OrvaneManager::shareManager();
 }
 
-/// Starts a call whose outcome `callback` receives: also if the session throws, because it has no thread.
-template <class Start, class Callback, class... Nothing>
-void start(const Start& makeCall, const Callback& callback, Nothing... nothing) {
+/// Makes a call whose outcome `callback` receives: also if the session throws, because it has no thread.
+template <class Finished, class Start>
+void start(const Finished& callback, const Start& makeCall) {
   try {
-    makeCall(callback);
+    makeCall();
   } catch (const std::system_error&) {
-    callback(nothing..., networkToolError(requestNotBuilt));
+    if constexpr (std::is_same_v<Finished, OrvaneManager::CodeFinished>) {
+      callback(networkToolError(requestNotBuilt));
+    } else {
+      callback({}, networkToolError(requestNotBuilt));
+    }
   }
 }
 
@@ -106,7 +118,7 @@ std::string failureWords(const orvane_setup& setup, const Error& cause) {
 
 using namespace orvane;
 
-void orvane_prepare(const orvane_setup* given) {
+void orvane_prepare(const orvane_setup* given) noexcept {
   if (!given || !given->post) fatal("orvane_prepare: there is no function that posts");
   const orvane_setup setup = *given;
   const auto session = std::make_shared<CountedSession>(makeDefaultPlatform().sharedSession);
@@ -123,47 +135,46 @@ void orvane_prepare(const orvane_setup* given) {
   installPlatform(std::move(platform));
 }
 
-void orvane_set_client_id(const char* client_id) {
+void orvane_set_client_id(const char* client_id) noexcept {
   constexpr const char* call = "orvane_set_client_id";
   OrvaneManager& manager = preparedManager(call);
   manager.setClientId(client_id ? std::optional(argument(client_id, call)) : std::nullopt);
 }
 
 void orvane_request_picture_code(const char* mobile, orvane_picture_finished finished, void* context,
-                                 void (*release)(void* context)) {
+                                 void (*release)(void* context)) noexcept {
   constexpr const char* call = "orvane_request_picture_code";
   OrvaneManager& manager = preparedManager(call);
-  const auto callback = onMainQueue(
+  const OrvaneManager::PictureCodeFinished callback = onMainQueue(
       [outcome = Outcome(finished, context, release)](std::optional<Bytes> bytes, ErrorPtr error) mutable {
         outcome.report(error, bytes ? bytes->data() : nullptr, bytes ? bytes->size() : 0);
       });
-  start([&](auto done) { manager.requestPictureCode(argument(mobile, call), done); }, callback,
-        std::optional<Bytes>());
+  start(callback, [&] { manager.requestPictureCode(argument(mobile, call), callback); });
 }
 
 void orvane_request_code(const char* mobile, const char* picture_text, orvane_code_finished finished,
-                         void* context, void (*release)(void* context)) {
+                         void* context, void (*release)(void* context)) noexcept {
   constexpr const char* call = "orvane_request_code";
   OrvaneManager& manager = preparedManager(call);
-  const auto callback = onMainQueue(
+  const OrvaneManager::CodeFinished callback = onMainQueue(
       [outcome = Outcome(finished, context, release)](ErrorPtr error) mutable { outcome.report(error); });
-  start([&](auto done) { manager.requestCode(argument(mobile, call), argument(picture_text, call), done); },
-        callback);
+  start(callback,
+        [&] { manager.requestCode(argument(mobile, call), argument(picture_text, call), callback); });
 }
 
 void orvane_request_login(const char* mobile, const char* code, orvane_login_finished finished, void* context,
-                          void (*release)(void* context)) {
+                          void (*release)(void* context)) noexcept {
   constexpr const char* call = "orvane_request_login";
   OrvaneManager& manager = preparedManager(call);
-  const auto callback = onMainQueue([outcome = Outcome(finished, context, release)](
-                                        std::optional<std::string> message, ErrorPtr error) mutable {
-    outcome.report(error, message ? message->c_str() : nullptr);
-  });
-  start([&](auto done) { manager.requestLogin(argument(mobile, call), argument(code, call), done); },
-        callback, std::optional<std::string>());
+  const OrvaneManager::LoginFinished callback =
+      onMainQueue([outcome = Outcome(finished, context, release)](std::optional<std::string> message,
+                                                                  ErrorPtr error) mutable {
+        outcome.report(error, message ? message->c_str() : nullptr);
+      });
+  start(callback, [&] { manager.requestLogin(argument(mobile, call), argument(code, call), callback); });
 }
 
-int orvane_wait_until_idle(int64_t milliseconds) {
+int orvane_wait_until_idle(int64_t milliseconds) noexcept {
   preparedManager("orvane_wait_until_idle");
   const std::int64_t longest = std::chrono::milliseconds(std::chrono::hours(24)).count();
   return preparedSession.load()->waitUntilIdle(

@@ -19,9 +19,11 @@ orvane::Error errorOf(NSError* error) {
 }  // namespace
 
 OVErrorKind OVKindOfError(NSError* error) {
+  if (!error) return OVErrorKindOther;
   return static_cast<OVErrorKind>(orvane::hashValue(orvane::errorKind(errorOf(error))));
 }
 
 NSString* OVMessageOfError(NSError* error) {
+  if (!error) return @"";
   return orvane::platformText(orvane::errorMessage(errorOf(error)));
 }

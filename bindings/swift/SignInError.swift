@@ -6,7 +6,7 @@ public struct SignInError: Error, Sendable, Equatable {
   public enum Kind: Int, Sendable {
     /// The service refused the call: a wrong code, for example.
     case refused
-    /// The request could not be built or sent. Trying again does not help.
+    /// The request could not be built, or a URL on its way cannot be used. Trying again does not help.
     case notSent
     /// The connection failed or was lost. The service may have received the request.
     case noConnection
@@ -24,9 +24,9 @@ public struct SignInError: Error, Sendable, Equatable {
   public let kind: Kind
   /// One sentence for a person.
   public let message: String
-  /// The service's code, always 1 after a login; or the code of the transfer's error.
+  /// The service's code, 1 for each refused login; or the code of the transfer's error.
   public let code: Int
-  /// The service's message, the application's words, or the domain of `code`.
+  /// The service's message, or the domain of the transfer's error.
   public let domain: String
 
   /// Makes an error, as an application's tests do.

@@ -12,7 +12,7 @@ namespace orvane {
 /// The kinds of failure that an application may treat differently. docs/errors.md lists the errors of each.
 enum class ErrorKind {
   refused,       ///< The service refused the call.
-  notSent,       ///< The request could not be built or sent.
+  notSent,       ///< The request could not be built, or a URL on its way cannot be used.
   noConnection,  ///< The connection failed or was lost. The service may have received the request.
   timedOut,      ///< No reply came in time. The service may have received the request.
   notSecure,     ///< No secure connection could be made.

@@ -17,7 +17,7 @@ namespace orvane {
 class ORVANE_API ReaddressedSession final : public URLSession {
  public:
   /// Sends requests to `address`: "http://" or "https://", a host, and perhaps a port and a path, which the
-  /// paths of the calls follow. A slash at the end is ignored. `session` carries out all requests and calls
+  /// paths of the calls follow. Slashes at the end are removed. `session` carries out all requests and calls
   /// all handlers.
   ///
   /// Stops the process if `session` is null or `address` is none. In an address, a host is a name in ASCII or

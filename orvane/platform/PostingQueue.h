@@ -1,10 +1,10 @@
 #pragma once
 
 #include <concepts>
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <shared_mutex>
 #include <utility>
 
 #include "orvane/base/Export.h"
@@ -26,19 +26,12 @@ class ORVANE_API PostingQueue final : public DispatchQueue {
   explicit PostingQueue(Post post)
       : post_([post](Task task) { post(runTask, std::make_unique<Task>(std::move(task)).release()); }) {}
 
-  void async(Task task) override {
-    const std::shared_lock posting(posting_);
-    if (post_) post_(std::move(task));
-  }
+  void async(Task task) override;
 
   /// Drops all tasks that come later: callbacks are not called any more, and coroutines neither resumed nor
-  /// destroyed. Waits for calls of the function that are under way, so it must not be called inside one. May
-  /// be called from any thread.
-  void close() {
-    std::function<void(Task)> closed;
-    const std::unique_lock lock(posting_);
-    closed.swap(post_);
-  }
+  /// destroyed. Waits for calls of the function that are under way on other threads, so it must not be called
+  /// inside one. May be called from any thread.
+  void close();
 
  private:
   static void runTask(void* task) {
@@ -46,9 +39,11 @@ class ORVANE_API PostingQueue final : public DispatchQueue {
     (*owned)();
   }
 
-  // Shared by all that post, so that it delays none of them. Alone it lets close() wait for them.
-  std::shared_mutex posting_;
-  std::function<void(Task)> post_;
+  const std::function<void(Task)> post_;
+  std::mutex mutex_;
+  std::condition_variable posted_;
+  int posting_ = 0;  // The calls of `post_` that are under way.
+  bool closed_ = false;
 };
 
 }  // namespace orvane

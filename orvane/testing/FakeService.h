@@ -85,14 +85,14 @@ class FakeService final : public URLSession {
     ErrorPtr error_;
   };
 
-  /// Returns the one service. The first call installs it as the platform's session, with a main queue that
-  /// settle() runs, and with those members of `platform` that are set; later ones ignore `platform`. Stops
-  /// the process if the library is in use by then.
+  /// Returns the one service. The first call installs it as the platform's session, together with the main
+  /// queue that settle() runs and the other members of `platform`; later ones ignore `platform`. Stops the
+  /// process if the library is in use by then.
   static FakeService& installed(Platform platform = {}) {
     static const auto* const shared = [&] {
       const auto* made = new std::shared_ptr<FakeService>(new FakeService);
       platform.sharedSession = *made;
-      if (!platform.mainQueue) platform.mainQueue = (*made)->mainQueue_;
+      platform.mainQueue = (*made)->mainQueue_;
       installPlatform(std::move(platform));
       return made;
     }();
@@ -135,7 +135,7 @@ class FakeService final : public URLSession {
     return requests_;
   }
 
-  /// A request to another address than the service's fails with -1003, and is not recorded.
+  /// A request whose path is not that of a call fails with -1003, and is not recorded. Hosts do not matter.
   void startDataTask(URLRequest request, DataTaskHandler handler) override {
     constexpr std::array<std::string_view, 4> paths = {"/tenant/verify/captcha", "/tenant/getVerifyCode",
                                                        "/tenant/submitVerifyCode",
@@ -161,7 +161,7 @@ class FakeService final : public URLSession {
 
  private:
   struct Waiting {
-    std::optional<Call> call;  // Absent if the request goes to another address.
+    std::optional<Call> call;  // Absent if the path is not that of a call.
     DataTaskHandler handler;
   };
 

@@ -33,15 +33,13 @@ TEST(OrvaneC, ReportsEachOutcomeOnTheEventLoopAndThenReleases) {
       {"picture", R"({"code":0,"data":[104,105]})", "hi of 2\n"},
       {"picture", R"({"code":0,"data":[]})", " of 0\n"},
       {"picture", R"({"code":7,"msg":"Busy"})", " of 0, 0 7 Busy, Busy\n"},
-      {"picture", R"({"code":0})",
-       " of 0, 5 -1 The service's reply could not be read., "
-       "The service's reply could not be read.\n"},
+      {"picture", R"({"code":0})", " of 0, 5 -1 com.brovent.error, The service's reply could not be read.\n"},
       {"code", R"({"code":0})", "code\n"},
       {"code", "not JSON", "code, 5 -1 com.brovent.error, The service's reply could not be read.\n"},
       {"login", R"({"code":0,"msg":"Welcome"})", "Welcome\n"},
       {"login", R"({"code":9,"msg":"No"})", "No, 0 1 No, No\n"},
       {"login", nullptr,
-       "words for NSURLErrorDomain -1005, 2 1 words for NSURLErrorDomain -1005, "
+       "words for NSURLErrorDomain -1005, 2 -1005 NSURLErrorDomain, "
        "words for NSURLErrorDomain -1005\n"}};
   for (const auto& [call, body, expected] : rows) {
     LoopbackServer server([&](const LoopbackServer::Request& request) {

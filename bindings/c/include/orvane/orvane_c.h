@@ -15,14 +15,18 @@
  * Strings are UTF-8, end with a zero byte, and are copied before a function returns. All functions may be
  * called from any thread. Nothing that the network does stops the process. A mistake in the program does,
  * with one line on standard error: a null string, a string that is not UTF-8, a call before orvane_prepare(),
- * or a second orvane_prepare().
+ * or a second orvane_prepare(). So does a lack of memory. A text of the service that contains a zero byte is
+ * cut there.
  */
 
 #include <stddef.h>
 #include <stdint.h>
 
 #ifdef __cplusplus
+#define ORVANE_NOEXCEPT noexcept
 extern "C" {
+#else
+#define ORVANE_NOEXCEPT
 #endif
 
 /* The library hides all other names. */
@@ -31,7 +35,7 @@ extern "C" {
 /** The kinds of failure that a program may treat differently. docs/errors.md says what to do after each. */
 typedef enum orvane_kind {
   ORVANE_REFUSED,       /**< The service refused the call. */
-  ORVANE_NOT_SENT,      /**< The request could not be built or sent. */
+  ORVANE_NOT_SENT,      /**< The request could not be built, or a URL on its way cannot be used. */
   ORVANE_NO_CONNECTION, /**< The connection failed or was lost. The service may have received the request. */
   ORVANE_TIMED_OUT,     /**< No reply came in time. The service may have received the request. */
   ORVANE_NOT_SECURE,    /**< No secure connection could be made. */
@@ -41,10 +45,10 @@ typedef enum orvane_kind {
 
 /** Why a call failed. */
 typedef struct orvane_failure {
-  orvane_kind kind;   /**< What a program may treat differently. */
-  int64_t code;       /**< The service's code, always 1 after a login; or the code of the transfer's error. */
-  const char* domain; /**< The service's message, the program's words, or the domain of `code`. */
-  const char* message; /**< One sentence for a person. */
+  orvane_kind kind; /**< What a program may treat differently. */
+  int64_t code;     /**< The service's code, 1 for each refused login; or the code of the transfer's error. */
+  const char* domain;  /**< The service's message, or the domain of the transfer's error. */
+  const char* message; /**< One sentence for a person, or the program's words. */
 } orvane_failure;
 
 /** What orvane_prepare() needs to know. Set the members that are not used to zero. */
@@ -68,11 +72,11 @@ typedef struct orvane_setup {
 } orvane_setup;
 
 /** Prepares the library, once, before anything else is called. Copies `setup`. */
-void orvane_prepare(const orvane_setup* setup);
+void orvane_prepare(const orvane_setup* setup) ORVANE_NOEXCEPT;
 
 /** Sets the client identifier that later calls send. Null clears it. Not to be called while another thread
     makes a call. */
-void orvane_set_client_id(const char* client_id);
+void orvane_set_client_id(const char* client_id) ORVANE_NOEXCEPT;
 
 /** Receives the bytes of the picture, or a failure. `failure` is null if and only if there is a picture,
     which may be empty. */
@@ -88,22 +92,23 @@ typedef void (*orvane_login_finished)(const char* message, const orvane_failure*
 /** Fetches the picture verification code for a mobile number. Also writes the error of a failed transfer to
     standard output: one line with its domain and code. */
 void orvane_request_picture_code(const char* mobile, orvane_picture_finished finished, void* context,
-                                 void (*release)(void* context));
+                                 void (*release)(void* context)) ORVANE_NOEXCEPT;
 
 /** Asks the service to send a code by SMS. `picture_text` is what the user read from the picture. */
 void orvane_request_code(const char* mobile, const char* picture_text, orvane_code_finished finished,
-                         void* context, void (*release)(void* context));
+                         void* context, void (*release)(void* context)) ORVANE_NOEXCEPT;
 
 /** Logs in with the code that came by SMS. After an accepted login the library reports the system's version,
     the carrier's name and the device's model to the service, and ignores the outcome. */
 void orvane_request_login(const char* mobile, const char* code, orvane_login_finished finished, void* context,
-                          void (*release)(void* context));
+                          void (*release)(void* context)) ORVANE_NOEXCEPT;
 
 /** Waits until no request is under way, or until `milliseconds` have passed, a day at most. Returns 1 if
     none is. A program that ends after a login calls it, so that the report about the device is sent. It
     does not wait for `finished`, which needs the event loop. */
-int orvane_wait_until_idle(int64_t milliseconds);
+int orvane_wait_until_idle(int64_t milliseconds) ORVANE_NOEXCEPT;
 
+#undef ORVANE_NOEXCEPT
 #pragma GCC visibility pop
 
 #ifdef __cplusplus

@@ -36,7 +36,7 @@ FOUNDATION_EXPORT const unsigned char OrvaneVersionString[];
 /// Signs a user in with a mobile phone number: fetches a picture to read, has a code sent by SMS, and logs in
 /// with it.
 ///
-/// Each call sends one request over plain HTTP and calls its block exactly once: on the main queue after a
+/// Each call sends one request and calls its block exactly once: on the main queue after a
 /// reply, accepted or refused, else on the URL session's delegate queue in the background. A login without a
 /// JSON reply stops the process, and so does any reply that lacks what the call reads. OVSession prevents
 /// both. docs/errors.md lists all outcomes, and orvane/client/OrvaneManager.h has the same contract for C++.
@@ -87,8 +87,8 @@ __attribute__((visibility("default")))
 /// Logs in with the code that came by SMS. The block receives the service's message, for an accepted and for
 /// a refused login, and for a refused one an error with the code 1.
 ///
-/// Warning: stops the process if the request fails or the reply is not JSON, because the reply is read before
-/// the error.
+/// Warning: without the words of OVSession, stops the process if the request fails or the reply is not JSON,
+/// because the reply is read before the error.
 ///
 /// After an accepted login a report is sent to the service: the system's version, the carrier's name and the
 /// device's model. Its outcome is ignored.
@@ -124,7 +124,7 @@ __attribute__((visibility("default")))
 /// The kinds of failure that an application may treat differently. docs/errors.md says what to do after each.
 typedef NS_ENUM(NSInteger, OVErrorKind) {
   OVErrorKindRefused,       ///< The service refused the call.
-  OVErrorKindNotSent,       ///< The request could not be built or sent.
+  OVErrorKindNotSent,       ///< The request could not be built, or a URL on its way cannot be used.
   OVErrorKindNoConnection,  ///< The connection failed or was lost. The service may have received the request.
   OVErrorKindTimedOut,      ///< No reply came in time. The service may have received the request.
   OVErrorKindNotSecure,     ///< No secure connection could be made.
