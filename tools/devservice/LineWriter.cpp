@@ -51,14 +51,11 @@ class LineWriter::Lines {
   }
 
   void run(const std::string& first, void (*failed)()) {
-    std::unique_lock lock(mutex_);
-    isWriting_ = true;
-    lock.unlock();
     if (!writeAll(descriptor_, first + '\n')) {
       hasFailed_ = true;
       failed();
     }
-    lock.lock();
+    std::unique_lock lock(mutex_);
     for (;;) {
       isWriting_ = false;
       changed_.notify_all();
@@ -90,7 +87,7 @@ class LineWriter::Lines {
   std::condition_variable changed_;
   std::deque<std::string> lines_;
   std::size_t dropped_ = 0;  // Since the last of lines_ was added.
-  bool isWriting_ = false;
+  bool isWriting_ = true;    // From the start, so that end() waits for the first line.
   bool ends_ = false;
   std::atomic<bool> hasFailed_ = false;
 };

@@ -14,6 +14,8 @@ namespace {
 // Deeper levels are left out, since the recursion must not exhaust the stack.
 constexpr int deepestShownLevel = 32;
 constexpr std::size_t longestShownArray = 16;
+// More are left out, since each addition to an object searches it.
+constexpr std::size_t mostShownMembers = 1000;
 
 constexpr std::string_view separators = " -.()/";
 
@@ -38,6 +40,13 @@ std::size_t sizeAtStart(std::string_view text, std::string_view secret) {
     ++at;
   }
   return at;
+}
+
+/// Returns how many digits the text starts with if they may be a mobile number, else 0.
+std::size_t numberAtStart(std::string_view text) {
+  constexpr std::size_t fewestDigits = 7;
+  const std::size_t size = std::min(text.find_first_not_of("0123456789"), text.size());
+  return size >= fewestDigits ? size : 0;
 }
 
 void maskObject(Json& object, const Secrets& secrets);
@@ -120,6 +129,7 @@ std::string Secrets::masked(std::string_view text) const {
     for (auto secret = present.begin(); size == 0 && secret != present.end(); ++secret) {
       size = sizeAtStart(std::string_view(lower).substr(at), *secret);
     }
+    if (size == 0 && areMasked_) size = numberAtStart(text.substr(at));
     result.append(size > 0 ? mask : text.substr(at, 1));
     at += std::max<std::size_t>(size, 1);
   }
@@ -131,7 +141,10 @@ std::string Secrets::maskedField(std::string_view name, std::string_view value) 
 }
 
 std::string Secrets::maskedBody(std::string_view body) const {
-  const auto isShown = [](int depth, Json::parse_event_t, const Json&) { return depth <= deepestShownLevel; };
+  std::size_t count = 0;
+  const auto isShown = [&count](int depth, Json::parse_event_t event, const Json&) {
+    return depth <= deepestShownLevel && (event != Json::parse_event_t::key || ++count <= mostShownMembers);
+  };
   Json value = Json::parse(body, isShown, false);
   if (value.is_discarded()) return masked(body);
   maskValue(value, *this);

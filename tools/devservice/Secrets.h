@@ -31,7 +31,8 @@ class Secrets {
   bool areMasked() const { return areMasked_; }
 
   /// Returns the text with every secret in it replaced by the mask. Ignores the case of ASCII letters, and
-  /// marks between the digits of a number: "07700 900-123".
+  /// marks between the digits of a number: "07700 900-123". Any seven digits or more in a row may be a
+  /// number.
   std::string masked(std::string_view text) const;
 
   /// Returns the value of a header field with its secrets masked.
@@ -39,7 +40,8 @@ class Secrets {
 
   /// Returns a body with its secrets masked. In JSON, the members "mobile", "captcha", "verificationCode",
   /// "IMEI" and "IMSI" have the mask as value; all other names and values are treated like masked(). A long
-  /// array of numbers is replaced by its size, and levels that are nested too deep are left out.
+  /// array of numbers is replaced by its size. Levels that are nested too deep are left out, and so are
+  /// members after the first thousand.
   std::string maskedBody(std::string_view body) const;
 
  private:

@@ -76,8 +76,8 @@ std::string checkToken(const std::string& text) {
   constexpr std::string_view characters =
       "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-._~";
   const bool isGood =
-      text.size() >= 8 && text.size() <= 200 && text.find_first_not_of(characters) == text.npos;
-  return isGood ? "" : "8 to 200 letters, digits, '-', '.', '_' or '~'";
+      text.size() >= 16 && text.size() <= 200 && text.find_first_not_of(characters) == text.npos;
+  return isGood ? "" : "16 to 200 letters, digits, '-', '.', '_' or '~'";
 }
 
 std::string checkCode(const std::string& text) {
