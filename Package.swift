@@ -8,6 +8,9 @@ import PackageDescription
 
 // The service's address, if the application gives none at run time: http:// and a host name.
 let baseURL = Context.environment["ORVANE_BASE_URL"] ?? "http://identity.orvane.example"
+precondition(
+  baseURL.range(of: #"^http://[A-Za-z0-9]+((\.|-+)[A-Za-z0-9]+)*\z"#, options: .regularExpression) != nil,
+  "ORVANE_BASE_URL is \"\(baseURL)\"; it must be http:// and a host name, without a port or a path.")
 
 #if os(Linux)
 let adapter = "adapters/host"
@@ -42,8 +45,8 @@ let package = Package(
   platforms: [.iOS(.v13), .macOS(.v10_15), .macCatalyst(.v14)],
   products: products + [.library(name: "OrvaneSignIn", targets: ["OrvaneSignIn"])],
   targets: targets + [
-    // The whole library with its interface for C. Its path is the root, from which it includes its headers: in
-    // targets for each folder, SwiftPM would make modules of the C++ headers.
+    // The whole library with its interface for C. Its path is the root, from which it includes its headers:
+    // in targets for each folder, SwiftPM would make modules of the C++ headers.
     .target(
       name: "OrvaneC", path: ".", exclude: excluded, sources: ["orvane", adapter, "bindings/c"],
       publicHeadersPath: "bindings/c/include",
