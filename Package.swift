@@ -58,6 +58,7 @@ let package = Package(
     .target(
       name: "OrvaneSignIn", dependencies: ["OrvaneC"], path: "bindings", exclude: ["c", "objc"],
       sources: ["swift"], resources: [.copy("PrivacyInfo.xcprivacy")]),
+    .testTarget(name: "OrvaneSignInTests", dependencies: ["OrvaneSignIn"], path: "tests/swift/unit"),
   ],
   cxxLanguageStandard: .cxx20
 )
