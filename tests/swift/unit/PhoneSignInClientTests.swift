@@ -32,11 +32,14 @@ final class PhoneSignInClientTests: XCTestCase {
     let cancelled = await waiting.result
     XCTAssertThrowsError(try cancelled.get()) { XCTAssert($0 is CancellationError) }
 
-    let early = Task {
+    let early = PendingCall<Int>()
+    let notStarted = await Task {
       withUnsafeCurrentTask { $0?.cancel() }
-      return try await PendingCall<Int>().outcome { XCTFail("A call was started that was cancelled before") }
-    }
-    let notStarted = await early.result
+      return try await early.outcome {
+        XCTFail("A call was started that was cancelled before")
+        early.end(.success(2))
+      }
+    }.result
     XCTAssertThrowsError(try notStarted.get()) { XCTAssert($0 is CancellationError) }
   }
 }
