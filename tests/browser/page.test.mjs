@@ -21,7 +21,7 @@ const mobile = "+447700900123";
 const run = promisify(execFile);
 const browser = await chromium.launch({ executablePath });
 after(() => browser.close());
-const test = (name, body) => anyTest(name, { timeout: 60_000 }, body);
+const test = (name, body) => anyTest(name, { timeout: 300_000 }, body);
 
 const require = createRequire(import.meta.url);
 const ajv = addFormats(new Ajv({ strict: false }))
@@ -45,7 +45,7 @@ async function startService(port) {
 beforeEach(async () => {
   await startService("0");
   page = await browser.newPage({ viewport: { width: 375, height: 812 } });
-  page.setDefaultTimeout(20_000);
+  page.setDefaultTimeout(60_000);
   complaints = [];
   page.on("console", (message) => complaints.push(message.text()));
   page.on("pageerror", (error) => complaints.push(String(error)));

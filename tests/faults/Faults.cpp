@@ -18,8 +18,8 @@ const std::string unresolvable = "host.invalid";
 
 constexpr milliseconds brief{60};
 constexpr milliseconds ample = std::chrono::seconds(60);
-constexpr milliseconds pace{5};
-constexpr milliseconds patience = 200 * pace;  // Much more than a line takes at that pace.
+constexpr milliseconds pace{1};
+constexpr milliseconds patience = 100 * pace;  // Much more than a line takes at that pace.
 constexpr int longerThanPatience = 20;         // So many header lines.
 
 Fault::Script always(std::string bytes, Then then = Then::keep) {

@@ -1,5 +1,6 @@
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <thread>
@@ -9,22 +10,23 @@
 namespace orvane::test {
 namespace {
 
-/// What a library keeps for a thread, and cleans up once the gate is about to close.
+/// What a library keeps for a thread. Its clean-up takes until the test says so.
 struct Kept {
   ~Kept() {
-    while (!isClosing) std::this_thread::yield();
-    for (int times = 0; times < 1000; ++times) std::this_thread::yield();
+    begun.set_value();
+    mayEnd.get_future().wait();
     isClean = true;
   }
-  std::atomic<bool>& isClosing;
+  std::promise<void>& begun;
+  std::promise<void>& mayEnd;
   std::atomic<bool>& isClean;
 };
 
-/// Closes the gate with a limit of a minute. Returns true if that took less.
-bool closesInTime(ExitGate& gate) {
+/// Closes the gate. Returns true if that took less than `limit`.
+bool closesWithin(std::chrono::milliseconds limit, ExitGate& gate) {
   const auto begun = std::chrono::steady_clock::now();
-  gate.close(std::chrono::minutes(1));
-  return std::chrono::steady_clock::now() - begun < std::chrono::minutes(1);
+  gate.close(limit);
+  return std::chrono::steady_clock::now() - begun < limit;
 }
 
 TEST(ExitGate, WaitsForWhatLibrariesCleanUpAtTheEndOfAThread) {
@@ -35,15 +37,16 @@ TEST(ExitGate, WaitsForWhatLibrariesCleanUpAtTheEndOfAThread) {
   first.join();
   pthread_key_t key{};
   pthread_key_create(&key, [](void* kept) { delete static_cast<Kept*>(kept); });
-  std::atomic<bool> isEntered = false, isClosing = false, isClean = false;
+  std::promise<void> begun, mayEnd;
+  std::atomic<bool> isClean = false;
   std::thread thread([&] {
-    pthread_setspecific(key, new Kept{isClosing, isClean});
+    pthread_setspecific(key, new Kept{begun, mayEnd, isClean});
     gate.enterUntilThreadEnds();
-    isEntered = true;
   });
-  while (!isEntered) std::this_thread::yield();
-  isClosing = true;
-  EXPECT_TRUE(closesInTime(gate));
+  begun.get_future().wait();
+  EXPECT_FALSE(closesWithin(std::chrono::milliseconds(10), gate));
+  mayEnd.set_value();
+  EXPECT_TRUE(closesWithin(std::chrono::minutes(1), gate));
   EXPECT_TRUE(isClean);
   thread.join();
   pthread_key_delete(key);
@@ -52,7 +55,7 @@ TEST(ExitGate, WaitsForWhatLibrariesCleanUpAtTheEndOfAThread) {
 TEST(ExitGate, DoesNotWaitForTheThreadThatClosesIt) {
   ExitGate gate;
   const ExitGate::Pass pass(gate);
-  EXPECT_TRUE(closesInTime(gate));
+  EXPECT_TRUE(closesWithin(std::chrono::minutes(1), gate));
 }
 
 }  // namespace

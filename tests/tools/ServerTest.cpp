@@ -43,7 +43,7 @@ Json bodyOf(const std::string& reply) {
 class Client {
  public:
   explicit Client(const Server& server, const std::string& host = "127.0.0.1") {
-    const timeval patience{.tv_sec = 30, .tv_usec = 0};
+    const timeval patience{.tv_sec = 60, .tv_usec = 0};
     setsockopt(descriptor_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     sockaddr_in address{AF_INET, htons(server.port()), {}, {}};
     inet_pton(AF_INET, host.c_str(), &address.sin_addr);
@@ -234,9 +234,10 @@ TEST(DevServer, StopsAtOnce) {
   IdentityService service;
   std::optional<Server> server(std::in_place, service, std::uint16_t{0}, Server::Log(),
                                ServerLimits{.connections = 5, .idle = 10min, .request = 10min});
-  Client fresh(*server), idle(*server), delayed(*server), silent(*server), script(*server), waiting(*server);
+  Client script(*server);
+  script.send(awaitMessage);  // Before the others connect, and so served before them.
+  Client fresh(*server), idle(*server), delayed(*server), silent(*server), waiting(*server);
   idle.send(callFor(number)).receive();
-  script.send(awaitMessage);
   delayed.send(callFor("+99900000001"));
   silent.send(callFor("+99900000018"));
   // Until they are being served.
@@ -255,7 +256,7 @@ TEST(DevServer, StopsAtOnceIfALateCallIsNext) {
       isBusy.count_down();
       isStopping.wait();
       // The server is most likely told to stop meanwhile, which is its next task then.
-      for (int turns = 0; turns < 1000; ++turns) std::this_thread::yield();
+      for (int turns = 0; turns < 50; ++turns) std::this_thread::yield();
     });
     Client caller(*server);
     caller.send(callFor(number) + callFor("+999" + last));
