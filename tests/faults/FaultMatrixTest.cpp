@@ -5,13 +5,11 @@
 #include <cctype>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
-#include <cstring>
 #include <future>
 #include <gtest/gtest.h>
 #include <set>
+#include <sstream>
 #include <string>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <utility>
 #include <vector>
@@ -34,32 +32,6 @@ std::string promise(const Row& row, const std::string& call) {
   if (const auto own = row.find(call); own != row.end()) return own->second;
   const std::string& outcome = row.at("outcome");
   return call == "requestLogin" && outcome != "success" ? "stops" : outcome;
-}
-
-std::vector<std::string> takeLines(std::FILE* file) {
-  std::rewind(file);
-  std::vector<std::string> lines;
-  char line[4096];
-  while (std::fgets(line, sizeof line, file)) lines.emplace_back(line, std::strcspn(line, "\n"));
-  std::fclose(file);
-  return lines;
-}
-
-struct Ended {
-  int status = -1;
-  long memory = 0;  ///< The most it had, in KiB.
-  std::vector<std::string> output;
-  std::vector<std::string> errors;
-};
-
-Ended run(std::vector<std::string> words) {
-  std::FILE* const output = std::tmpfile();
-  std::FILE* const errors = std::tmpfile();
-  int status = -1;
-  rusage usage{};
-  if (const pid_t child = spawn(std::move(words), fileno(output), fileno(errors)))
-    ::wait4(child, &status, 0, &usage);
-  return {status, usage.ru_maxrss, takeLines(output), takeLines(errors)};
 }
 
 /// How an application makes its calls.
@@ -99,13 +71,15 @@ std::string outcome(const std::string& call, const Fault& fault, Way way, int ti
 
   std::set<std::string> outcomes;
   int finished = 0;
-  for (const std::string& line : ended.output) {
+  std::istringstream output(ended.output);
+  for (std::string line; std::getline(output, line);) {
     if (line.starts_with("orvane: requestPictureCode: ")) continue;  // Its trace of transport errors.
     outcomes.insert(line);
     ++finished;
   }
   const bool hasStopped = WIFSIGNALED(ended.status) && WTERMSIG(ended.status) == SIGABRT && finished == 0 &&
-                          ended.errors.size() == 1 && ended.errors[0].starts_with("orvane: " + call + ": ");
+                          ended.errors.find('\n') + 1 == ended.errors.size() &&
+                          ended.errors.starts_with("orvane: " + call + ": ");
   constexpr long tooMuchMemory = 512 << 10;  // With a sanitizer's share.
   if (!isElsewhere && requests < (hasStopped ? 1 : fault.calls)) return notMet;
   if (ended.memory > tooMuchMemory) return std::to_string(ended.memory) + " KiB of memory";
@@ -114,8 +88,7 @@ std::string outcome(const std::string& call, const Fault& fault, Way way, int ti
     return *outcomes.begin();
   std::string disorder = "status " + std::to_string(ended.status) + ", finished " + std::to_string(finished);
   for (const std::string& text : outcomes) disorder.append(", ").append(text);
-  for (const std::string& text : ended.errors) disorder.append("\n").append(text);
-  return disorder;
+  return disorder.append("\n").append(ended.errors);
 }
 
 /// What becomes of the promise of a row once the application has words: the error tells its cause.

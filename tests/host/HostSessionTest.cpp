@@ -257,7 +257,6 @@ TEST(HostSession, FollowsRedirects) {
   EXPECT_EQ(perform(session, post(server.url("/1?307"), "body")), "POST body");
   EXPECT_EQ(perform(session, post(server.url("/20?308"), "body")), "POST body");
   EXPECT_EQ(perform(session, post(server.url("/21?308"), "body")), "error -1007");
-  EXPECT_EQ(perform(session, URLRequest(server.url("/1?304"))), "");
   EXPECT_EQ(perform(session, URLRequest(server.url("/1?300"))), "moved");
   EXPECT_EQ(perform(session, URLRequest(server.url("/space"))), "GET ");
   EXPECT_TRUE(server.requests().back().head.starts_with("GET /0%20a?b%20c HTTP/1.1\r\n"));
@@ -310,19 +309,6 @@ TEST(HostSession, ServesFirstWhatCameFirst) {
   for (const Request& request : server.requests())
     paths += request.head.substr(4, request.head.find(" HTTP") - 4);
   EXPECT_EQ(paths, "/first/again/second/third/fourth");
-}
-
-TEST(HostSession, GivesItsThreadsAndDescriptorsBack) {
-  LoopbackServer server([](const Request&) { return Answer{"", Then::hold}; });
-  const auto threads = entries("/proc/self/task");
-  const auto descriptors = entries("/proc/self/fd");
-  for (int i = 0; i < 20; ++i) {
-    HostSession session({.totalTimeout = milliseconds(10), .connectionsPerHost = 1});
-    for (const std::string& url : {server.url(), server.url(), std::string("nowhere")})
-      session.startDataTask(URLRequest(url), nullptr);
-  }
-  while (entries("/proc/self/task") > threads) std::this_thread::yield();
-  while (entries("/proc/self/fd") > descriptors) std::this_thread::yield();
 }
 
 TEST(HostSession, ASlowHandlerLosesNoReply) {
@@ -489,6 +475,7 @@ TEST(HostSession, UsesSixConnectionsAtATimeAndKeepsThem) {
 
 TEST(HostSession, NeverSendsAPostTwiceByItself) {
   for (const auto& [method, expected] : {std::pair("POST", "error -1005"), std::pair("GET", "ok")}) {
+    SCOPED_TRACE(method);
     LoopbackServer server([](const Request& request) {
       const bool isLost = request.connection == 1 && request.head.find("/second") != request.head.npos;
       return isLost ? Answer{"", Then::close} : Answer{reply("ok")};
@@ -554,15 +541,19 @@ TEST(HostSession, ChecksCertificates) {
     return ReaddressedSession(std::make_shared<HostSession>(configuration), "https://" + name);
   };
   const std::string back = reply("", "Location: http://service.example/\r\n", "302 Back");
-  const std::tuple<const Certificate*, std::string, std::string> rows[] = {
-      {&good, reply("ok"), "ok"},      {&good, back, "error -1002"},
-      {&expired, "", "error -1201"},   {&early, "", "error -1204"},
-      {&wrongName, "", "error -1202"}, {&selfSigned, "", "error -1202"},
-      {&strange, "", "error -1203"},   {nullptr, reply("plain"), "error -1200"}};
-  for (const auto& [certificate, answer, expected] : rows) {
+  const std::tuple<const char*, const Certificate*, std::string, std::string> rows[] = {
+      {"good", &good, reply("ok"), "ok"},
+      {"back to http", &good, back, "error -1002"},
+      {"expired", &expired, "", "error -1201"},
+      {"early", &early, "", "error -1204"},
+      {"wrong name", &wrongName, "", "error -1202"},
+      {"self-signed", &selfSigned, "", "error -1202"},
+      {"stranger", &strange, "", "error -1203"},
+      {"none", nullptr, reply("plain"), "error -1200"}};
+  for (const auto& [what, certificate, answer, expected] : rows) {
     const TLSServer server(certificate, answer);
     auto encrypted = session(server.port(), file);
-    EXPECT_EQ(perform(encrypted, URLRequest(std::string(serviceBaseURL()))), expected);
+    EXPECT_EQ(perform(encrypted, URLRequest(std::string(serviceBaseURL()))), expected) << what;
   }
   const TLSServer server(&good, reply("ok"));
   auto systems = session(server.port(), "");

@@ -56,8 +56,10 @@ TEST_F(NetworkToolTest, BuildsRequestsByKind) {
       {JSON_POST, "http://h/p", Parameters{}, "POST http://h/p"},
       {JSON_POST, "http://h/p", Parameters{{"k", Array{1, 2.5, "\"", nullptr, true}}},
        R"(POST http://h/p [{"k":[1,2.5,"\"",null,true]}])"}};
-  for (const auto& [method, url, parameters, request] : rows)
-    EXPECT_EQ(text(tool.request(method, url, parameters)), request);
+  for (const auto& [method, url, parameters, request] : rows) {
+    EXPECT_EQ(fromRawValue<HTTPMethod>(rawValue(method)), method);
+    EXPECT_EQ(text(tool.request(method, url, parameters)), request) << rawValue(method) << " " << url;
+  }
 }
 
 TEST_F(NetworkToolTest, StoresTheLastHeaderSetThatIsNotEmpty) {
@@ -89,10 +91,10 @@ TEST_F(NetworkToolTest, ReportsEachFailureWhereItIsFound) {
       {failed({"any", -7, {}}), "any (-7) in the background"}};
   for (const char* body : {"", "plain text", "7", "\"a\"", "null", "true", "[1,]"})
     rows.emplace_back(replied(body), "com.brovent.error (-1)反序列化失败 in the background");
-  for (const auto& [result, expected] : rows) {
+  for (const auto& row : rows) {
     start();
-    session->answer(result);
-    EXPECT_EQ(std::exchange(received, ""), expected);
+    session->answer(row.first);
+    EXPECT_EQ(std::exchange(received, ""), row.second) << "row " << &row - rows.data();
   }
 }
 
@@ -174,7 +176,8 @@ TEST_F(NetworkToolDeathTest, StopsOnProgrammingErrorsAndNamesNoArgument) {
        },
        "request: a POST without parameters has no request to put the headers into"},
       {[&] { tool.setSession(nullptr), start(); }, "requestJSON: the tool has no session"}};
-  for (const auto& [stop, line] : rows) EXPECT_DEATH(stop(), "^orvane: " + line + "\n$");
+  for (const auto& row : rows)
+    EXPECT_DEATH(row.first(), "^orvane: " + row.second + "\n$") << "row " << &row - rows;
 }
 
 }  // namespace

@@ -53,7 +53,7 @@ TEST_F(OVDeviceInfoToolTest, ReadsTheMachineFieldUpToItsPadding) {
       {"iPad6,8\x7F", DeviceName::Unknown}};
   for (const auto& [machine, name] : rows) {
     facts.machine = machine;
-    EXPECT_EQ(OVDeviceInfoTool::getDeviceName(), name);
+    EXPECT_EQ(OVDeviceInfoTool::getDeviceName(), name) << machine;
   }
   for (const std::string& foreign : {"iPad6,8\0\xFF"s, "\x80"s}) {
     facts.machine = foreign;

@@ -31,7 +31,9 @@ TEST(Value, ReadsNumbersAsIntegersAndAsText) {
       {"7", std::nullopt, std::nullopt},
       {nullptr, std::nullopt, std::nullopt},
       {Array{7}, std::nullopt, std::nullopt}};
-  for (const auto& [value, integer, text] : rows) {
+  for (const auto& row : rows) {
+    SCOPED_TRACE(&row - rows);
+    const auto& [value, integer, text] = row;
     EXPECT_EQ(value.numberAsInteger(), integer);
     EXPECT_EQ(value.numberAsString(), text);
   }

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <cstdio>
 #include <spawn.h>
 #include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace orvane::test {
@@ -27,6 +31,31 @@ inline pid_t spawn(std::vector<std::string> words, int output, int errors = STDE
   const bool isThere = posix_spawn(&process, arguments[0], &actions, nullptr, arguments.data(), environ) == 0;
   posix_spawn_file_actions_destroy(&actions);
   return isThere ? process : 0;
+}
+
+/// How a program ended: its wait status, the most memory that it had, in KiB, and what it wrote.
+struct Ended {
+  int status = -1;
+  long memory = 0;
+  std::string output;
+  std::string errors;
+};
+
+/// Runs a program to its end.
+inline Ended run(std::vector<std::string> words) {
+  std::FILE* const files[] = {std::tmpfile(), std::tmpfile()};
+  Ended ended;
+  rusage usage{};
+  if (const pid_t child = spawn(std::move(words), fileno(files[0]), fileno(files[1])))
+    ::wait4(child, &ended.status, 0, &usage);
+  ended.memory = usage.ru_maxrss;
+  for (std::string* const text : {&ended.output, &ended.errors}) {
+    std::FILE* const file = files[text == &ended.output ? 0 : 1];
+    std::rewind(file);
+    for (int c; (c = std::fgetc(file)) != EOF;) text->push_back(static_cast<char>(c));
+    std::fclose(file);
+  }
+  return ended;
 }
 
 }  // namespace orvane::test

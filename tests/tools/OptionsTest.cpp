@@ -50,7 +50,8 @@ TEST(SignInOptions, AreUnderstoodOrRefused) {
       {{"--json", "--picture", "-"}, "--picture -: cannot be used with --json"},
       {{"--only=code", "--picture=a"}, "--picture: not used by the call that --only names"},
   };
-  for (const auto& [words, outcome] : cases) EXPECT_EQ(outcomeOf(words), outcome);
+  for (const auto& [words, outcome] : cases)
+    EXPECT_EQ(outcomeOf(words), outcome) << testing::PrintToString(words);
 }
 
 }  // namespace

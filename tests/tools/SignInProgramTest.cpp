@@ -24,15 +24,9 @@ namespace {
 
 using Json = nlohmann::json;
 using orvane::test::Conversation;
+using orvane::test::Ended;
 using orvane::test::endOf;
 using orvane::test::LoopbackServer;
-
-/// How the program ended: its exit status, or the signal as a negative number; and what it wrote.
-struct Ending {
-  int status;
-  std::string out;
-  std::string err;
-};
 
 /// Returns the path of a file that this test may write.
 std::string path(const std::string& name) {
@@ -45,13 +39,13 @@ std::string take(const std::string& name) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Runs the program without a terminal, where it might leave a core file.
-Ending run(const std::string& arguments) {
-  const std::string files = " </dev/null >" + path("out") + " 2>" + path("err");
-  const int status =
-      std::system(("ulimit -c unlimited; exec '" SIGNIN_PROGRAM "' " + files + " " + arguments).c_str());
-  EXPECT_FALSE(WCOREDUMP(status)) << arguments;
-  return {endOf(status), take("out"), take("err")};
+/// Runs the program without a terminal, where it might leave a core file. The status is that of endOf().
+Ended run(const std::string& arguments) {
+  Ended ended = orvane::test::run(
+      {"/bin/sh", "-c", "ulimit -c unlimited; exec '" SIGNIN_PROGRAM "' </dev/null " + arguments});
+  EXPECT_FALSE(WCOREDUMP(ended.status)) << arguments;
+  ended.status = endOf(ended.status);
+  return ended;
 }
 
 std::string connectTo(std::uint16_t port) {
@@ -63,23 +57,23 @@ LoopbackServer::Answer answer(const std::string& body) {
 }
 
 TEST(SignInProgram, SignsInUnattended) {
-  const Ending ending = run("--auto --mobile=+447700900987 --client-id=cl1ent --trace");
-  EXPECT_EQ(ending.status, 0) << ending.err;
+  const Ended ending = run("--auto --mobile=+447700900987 --client-id=cl1ent --trace");
+  EXPECT_EQ(ending.status, 0) << ending.errors;
   const auto answerTo = [&](std::string_view question) {
-    const std::size_t start = ending.out.find(question) + question.size();
-    return ending.out.substr(start, ending.out.find('\n', start) - start);
+    const std::size_t start = ending.output.find(question) + question.size();
+    return ending.output.substr(start, ending.output.find('\n', start) - start);
   };
   const std::string captcha = answerTo("What does the picture say? ");
   const std::string code = answerTo("Code in the text message: ");
-  EXPECT_NE(ending.out.find("  │ Orvane: your sign-in code is " + code + ". │\n"), std::string::npos);
-  EXPECT_TRUE(ending.out.ends_with("\nSigned in. The service says: welcome\n")) << ending.out;
+  EXPECT_NE(ending.output.find("  │ Orvane: your sign-in code is " + code + ". │\n"), std::string::npos);
+  EXPECT_TRUE(ending.output.ends_with("\nSigned in. The service says: welcome\n")) << ending.output;
   for (const std::string& secret : {std::string("447700900987"), std::string("cl1ent"), captcha, code}) {
-    EXPECT_EQ(ending.err.find(secret), std::string::npos) << secret << " in " << ending.err;
+    EXPECT_EQ(ending.errors.find(secret), std::string::npos) << secret << " in " << ending.errors;
   }
   // Four times a time, a request, and a reply with its time.
-  EXPECT_EQ(std::ranges::count(ending.err, '\n'), 12) << ending.err;
-  EXPECT_TRUE(std::regex_search(ending.err, std::regex(R"(^# \d\d:\d\d:\d\d\.\d\d\d\ncurl -X POST )")))
-      << ending.err;
+  EXPECT_EQ(std::ranges::count(ending.errors, '\n'), 12) << ending.errors;
+  EXPECT_TRUE(std::regex_search(ending.errors, std::regex(R"(^# \d\d:\d\d:\d\d\.\d\d\d\ncurl -X POST )")))
+      << ending.errors;
 }
 
 // They would log in with each other's code if they used one number.
@@ -103,9 +97,9 @@ TEST(SignInProgram, PrintsNothingThatControlsATerminal) {
                             text + R"(","message":")" + text + "\"}");
   });
   for (const char* options : {"--trace", "--trace --unmasked --client-id '\xc2\x9b'", "--json"}) {
-    const Ending ending = run(connectTo(server.port()) + " --mobile=+447700900123 " + options);
-    EXPECT_EQ(ending.status, 0) << ending.err;
-    const std::string all = ending.out + ending.err;
+    const Ended ending = run(connectTo(server.port()) + " --mobile=+447700900123 " + options);
+    EXPECT_EQ(ending.status, 0) << ending.errors;
+    const std::string all = ending.output + ending.errors;
     EXPECT_EQ(std::regex_replace(all, std::regex("[\\x01-\\x09\\x0b-\\x1f\\x7f]|\xc2[\x80-\x9f]"), "!"), all);
     EXPECT_NE(all.find("2J"), all.npos);
   }
@@ -171,7 +165,7 @@ TEST(SignInProgram, MakesSingleCallsWithTheClientIdentifierGiven) {
   const devservice::Server server(service);
   const auto known = [&] { return service.inspect(mobile).value(); };
   const auto traceOf = [&](const std::string& arguments) {
-    return run(connectTo(server.port()) + " --trace --mobile " + mobile + " --only=" + arguments).err;
+    return run(connectTo(server.port()) + " --trace --mobile " + mobile + " --only=" + arguments).errors;
   };
   // Both with the answers of its /inspect.
   EXPECT_EQ(run(connectTo(server.port()) + " --auto").status, 0);
@@ -187,11 +181,11 @@ TEST(SignInProgram, MakesSingleCallsWithTheClientIdentifierGiven) {
 
 /// Returns the step, outcome, code and kind in a line of --json. After a failure its message must be on
 /// standard error as well.
-std::string summary(const std::string& line, const Ending& ending) {
+std::string summary(const std::string& line, const Ended& ending) {
   const Json object = Json::parse(line, nullptr, false);
   if (!object.is_object()) return line;
   const Json& message = object["message"];
-  EXPECT_TRUE(ending.status <= 0 || ending.err.find(message.get<std::string>()) != line.npos) << line;
+  EXPECT_TRUE(ending.status <= 0 || ending.errors.find(message.get<std::string>()) != line.npos) << line;
   std::string texts;
   for (const auto name : {"step", "outcome", "code", "kind"}) texts += object[name].dump() + " ";
   return texts;
@@ -219,24 +213,26 @@ TEST(SignInProgram, ReportsHowItEnded) {
        "requestLogin: there is no reply\n"},
   };
   for (const auto& [arguments, status, count, lastLine, complaint] : cases) {
-    const Ending ending = run("--json " + arguments);
-    EXPECT_EQ(ending.status, status) << ending.err;
-    EXPECT_EQ(std::ranges::count(ending.out, '\n'), count) << ending.out;
-    EXPECT_EQ(summary(ending.out.substr(count > 0 ? ending.out.rfind("{\"step") : 0), ending), lastLine);
-    EXPECT_NE(ending.err.find(complaint), std::string::npos) << ending.err;
+    SCOPED_TRACE(arguments);
+    const Ended ending = run("--json " + arguments);
+    EXPECT_EQ(ending.status, status) << ending.errors;
+    EXPECT_EQ(std::ranges::count(ending.output, '\n'), count) << ending.output;
+    EXPECT_EQ(summary(ending.output.substr(count > 0 ? ending.output.rfind("{\"step") : 0), ending),
+              lastLine);
+    EXPECT_NE(ending.errors.find(complaint), std::string::npos) << ending.errors;
   }
-  const std::string line = run("--json --only=picture --picture " + path("png")).out;
+  const std::string line = run("--json --only=picture --picture " + path("png")).output;
   EXPECT_EQ(line,
             R"({"step":"picture","outcome":"success","domain":null,"code":0,"kind":null,"message":null,)"
             R"("picture":")" +
                 path("png") + "\"}\n");
-  for (const std::string& picture : {take("png"), run("--auto --only=picture --picture -").out}) {
+  for (const std::string& picture : {take("png"), run("--auto --only=picture --picture -").output}) {
     EXPECT_TRUE(picture.starts_with("\x89PNG") && picture.ends_with("IEND\xae\x42\x60\x82")) << picture;
   }
   for (const char* options : {"--auto", "--picture -", "--json"}) {
-    const Ending full = run(std::string(options) + " >/dev/full");
+    const Ended full = run(std::string(options) + " >/dev/full");
     EXPECT_EQ(full.status, 4) << options;
-    EXPECT_TRUE(full.err.ends_with("orvane-signin: could not write to standard output\n")) << full.err;
+    EXPECT_TRUE(full.errors.ends_with("orvane-signin: could not write to standard output\n")) << full.errors;
   }
 }
 
@@ -254,6 +250,7 @@ TEST(SignInProgram, TellsWhatItWaitsForAndLeavesTheTerminalAsItWas) {
       {"--json", silence, "\x03", "\x1b[0m{\"step\":\"picture\",\"outcome\":\"interrupted\"", -SIGINT},
   };
   for (const auto& [option, reply, typed, last, status] : cases) {
+    SCOPED_TRACE(last);
     std::promise<void> heard;
     const LoopbackServer server([&heard, reply = reply](const auto&) {
       heard.get_future().wait();
