@@ -28,11 +28,10 @@ if(is_static)
 endif()
 
 # Absolute folders stay; relative ones are found from where the file is.
-set(requires "")
-set(threads "")
+# The libraries are not under "Requires", or programs would get their compiler flags, which no header needs.
+set(libraries "")
 if(is_static)
-  set(requires "libcurl >= 7.87 libutf8proc")
-  set(threads " -pthread")
+  set(libraries " -lcurl -lutf8proc -pthread")
 endif()
 foreach(folder IN ITEMS INCLUDEDIR LIBDIR)
   set(${folder} "\${prefix}/${CMAKE_INSTALL_${folder}}")

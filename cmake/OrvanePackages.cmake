@@ -37,8 +37,10 @@ function(orvane_package component name section summary text)
   set(CPACK_DEBIAN_${key}_PACKAGE_SECTION ${section} PARENT_SCOPE)
   set(CPACK_DEBIAN_${key}_DESCRIPTION "${PROJECT_DESCRIPTION}: ${summary}\n${text}" PARENT_SCOPE)
   set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/${name})
-  install(FILES LICENSE DESTINATION ${doc_dir} RENAME copyright COMPONENT ${component})
-  install(FILES ${PROJECT_BINARY_DIR}/changelog.gz DESTINATION ${doc_dir} COMPONENT ${component})
+  # For the packages alone: "cmake --install" leaves out what is excluded from all.
+  install(FILES LICENSE DESTINATION ${doc_dir} RENAME copyright COMPONENT ${component} EXCLUDE_FROM_ALL)
+  install(FILES ${PROJECT_BINARY_DIR}/changelog.gz DESTINATION ${doc_dir} COMPONENT ${component}
+    EXCLUDE_FROM_ALL)
 endfunction()
 orvane_package(runtime ${runtime_package} libs "shared library"
   "A picture code, a code by text message and the login, over JSON and plain HTTP.")

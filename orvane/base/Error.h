@@ -19,11 +19,11 @@ using ErrorPtr = std::shared_ptr<const Error>;
 struct Error {
   /// Says whose numbering `code` follows, such as "NSURLErrorDomain". For a refusal: the service's message.
   /// With a `cause`: the words of the application's Platform::failureWords.
-  std::string domain;
+  std::string domain = {};
   /// The kind of failure, in the domain's numbering.
   std::int64_t code = 0;
   /// Details by key. Empty for a refusal, and with a `cause`.
-  Map userInfo;
+  Map userInfo = {};
   /// The platform's own error object, if it made one.
   std::shared_ptr<const void> platformError = {};
   /// What happened, if the call would have stopped the process without Platform::failureWords: the session's

@@ -6,6 +6,8 @@
 #include <span>
 #include <string_view>
 
+#include "orvane/base/Export.h"
+
 namespace orvane {
 
 /// The raw values of an enumeration's cases, in the order of their declaration. Each such enumeration

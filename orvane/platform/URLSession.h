@@ -17,9 +17,11 @@ struct HTTPResponse {
 /// The outcome of a data task. A success has a response, with any status, and a body, which may be empty. A
 /// failure has an error and neither of them.
 struct DataTaskResult {
-  std::optional<Body> body;              ///< After decompression.
-  std::optional<HTTPResponse> response;  ///< The last one, if there were redirects.
-  ErrorPtr error;                        ///< The session's own error, or null.
+  std::optional<Body> body = {};              ///< After decompression.
+  std::optional<HTTPResponse> response = {};  ///< The last one, if there were redirects.
+  /// The session's own error, or null. Needs user information, such as a sentence for people under
+  /// "NSLocalizedDescription": an error without it counts as a refusal, and message() shows its domain.
+  ErrorPtr error = {};
 };
 
 /// Receives the outcome of a data task.

@@ -33,7 +33,7 @@ class Router {
   HTTPReply answer(const HTTPRequest& request);
 
   /// Logs a request whose reply is about to be sent. The page's own requests, and those for the log and
-  /// /health, get no line and no entry unless they are refused; requests for /inspect get a line but no
+  /// /health, get no line and no entry unless they are refused. Requests for /inspect get a line but no
   /// entry. Returns the entry's id for finish(), or 0.
   std::uint64_t log(const HTTPRequest& request, const HTTPReply& reply);
 
