@@ -30,6 +30,8 @@ namespace orvane {
 /// or 1 for a login, and whose `cause` is what happened. docs/errors.md lists what can go wrong, and what to
 /// do then.
 ///
+/// No call is repeated by the library, whatever becomes of it.
+///
 /// A call throws what its session throws when it starts the request; then `finished` is not called. A
 /// HostSession throws std::system_error if it has no thread yet and the system has none to give.
 ///
@@ -71,7 +73,8 @@ class ORVANE_API OrvaneManager {
   virtual void setAppClientId(std::string clientId);
 
   /// Fetches the picture verification code for the mobile number `mobile`. Also writes the error of a failed
-  /// transfer, or of a reply that is not JSON, to standard output: one line with its domain and code.
+  /// transfer, or of a reply that is not JSON, to standard output: one line with its domain and code. A
+  /// picture is limited by its reply, and that by the session: HostSessionConfiguration::maximumBodySize.
   virtual void requestPictureCode(std::string mobile, PictureCodeFinished finished);
 
   /// Asks the service to send a code by SMS to `mobile`. `codeNumber` is what the user read from the picture.

@@ -11,7 +11,7 @@ namespace orvane {
 
 /// A call that the service offers.
 struct ServiceCall {
-  std::string_view name;  ///< Names the call in the line that a stop writes.
+  std::string_view name;  ///< Names the call in the line that a stop writes. JudgedReply has the reason.
   std::string_view path;  ///< Follows serviceBaseURL().
   /// The code of the error that the call reports if it cannot read its reply and does not stop the process.
   std::int64_t failureCode = -1;

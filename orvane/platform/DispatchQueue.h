@@ -21,8 +21,8 @@ class ORVANE_API DispatchQueue {
   /// Queues `task` and returns. The task is called exactly once, later, and never inside this call.
   virtual void async(Task task) = 0;
 
-  /// Queues `task` as a group of its own: after it has run, `notification` is queued on `notified`. Promised
-  /// for NetworkTool::demoGCDGroup(), its one caller.
+  /// Queues `task`, and queues `notification` on `notified` after it has run. This is what the groups of
+  /// Apple's queues do, and it exists for NetworkTool::demoGCDGroup() alone, which applications may call.
   virtual void asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification);
 };
 
