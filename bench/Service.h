@@ -29,8 +29,8 @@ std::string pictureReply(const Bytes& picture);
 inline constexpr std::size_t usualPicture = 20'000;
 
 /// Returns pictures that take turns, together 1.28 MB: bytes as evenly spread as those of a compressed one. A
-/// processor learns a single picture by heart, branch by branch, and reads it in a third of the time that a
-/// new one takes.
+/// processor's branch prediction adapts to a single picture, which then takes a third of the time of a new
+/// one.
 std::vector<Bytes> makePictures(std::size_t size);
 
 }  // namespace orvane::bench

@@ -61,9 +61,9 @@ struct Outcome<void> {
 /// std::terminate. Pass what the coroutine needs as parameters, by value: the captures of a lambda are
 /// destroyed with the lambda.
 struct Detached {
-  /// What the language asks of a coroutine's type.
+  /// The language requires it of a coroutine's type.
   struct promise_type {
-    /// The members that the compiler uses.
+    /// Called by the compiler at the start and the end of the coroutine.
     ///@{
     Detached get_return_object() const noexcept { return {}; }
     std::suspend_never initial_suspend() const noexcept { return {}; }
@@ -96,7 +96,7 @@ class [[nodiscard]] AwaitableCall {
     if (pending_) pending_->takeCoroutine();
   }
 
-  /// The members that the compiler uses.
+  /// Called by the compiler, in this order, for `co_await`.
   ///@{
   bool await_ready() const noexcept { return false; }
 

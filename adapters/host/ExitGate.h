@@ -6,7 +6,7 @@
 namespace orvane {
 
 /// Keeps background threads out of code that uses what is destroyed while the process ends. A thread holds a
-/// Pass while it is inside. Once the gate is closed, a thread that wants in sleeps until the process is gone.
+/// Pass while it is inside. A thread that comes to a closed gate sleeps until the process has ended.
 /// Gates do not nest.
 class ExitGate {
  public:

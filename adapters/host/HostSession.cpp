@@ -62,7 +62,7 @@ class SessionThread : public std::enable_shared_from_this<SessionThread> {
     return becameIdle_.wait_for(lock, time, [this] { return tasks_ == 0; });
   }
 
-  /// Says that no task comes any more.
+  /// Lets the thread end after its last task. No task may be started after this call.
   void close() {
     const std::lock_guard lock(mutex_);
     isClosed_ = true;
@@ -126,7 +126,7 @@ class SessionThread : public std::enable_shared_from_this<SessionThread> {
   std::list<HandlerCall> calls_;
   std::size_t tasks_ = 0;  // Those whose handlers have neither returned nor been dropped.
   bool hasThread_ = false;
-  bool isWaiting_ = false;  // For sockets, in the engine. Else the thread works, or waits for `workCame_`.
+  bool isWaiting_ = false;  // True while the thread is in TransferEngine::wait().
   bool isClosed_ = false;
 };
 

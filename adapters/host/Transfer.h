@@ -52,8 +52,8 @@ class Transfer {
   /// after one the transfer cannot be used again.
   CURLcode prepare(DataTask&& task);
 
-  /// Returns when the transfer times out, unless a byte of a body or a whole header line is transferred
-  /// before.
+  /// Returns the time at which the transfer times out if no byte of a body and no whole header line is
+  /// transferred before.
   Clock::time_point deadline() const noexcept;
 
   /// Returns the outcome of the exchange that curl ended with `result`. Moves the body out.

@@ -28,9 +28,9 @@ inline constexpr std::array<std::string_view, 7> errorKindNames = {
 template <>
 inline constexpr std::span<const std::string_view> rawValues<ErrorKind> = errorKindNames;
 
-/// Returns the kind of an error that `finished` received: that of its cause, if it has one. Of the others, an
-/// error that has neither user information nor a
-/// platform error counts as a refusal, whatever its domain: the domain of a refusal is the service's text.
+/// Returns the kind of an error that `finished` received. An error with a cause has the kind of its cause.
+/// Any other error is a refusal if it has neither user information nor a platform error. Its domain does not
+/// count, because the domain of a refusal is the service's text.
 ORVANE_API ErrorKind errorKind(const Error& error);
 
 /// Returns one sentence for a person: the message of a refusal, the application's own words for a failure,

@@ -6,8 +6,8 @@
 
 namespace orvane {
 
-/// The function that makes the shared manager on its first use. An adapter whose managers are also objects of
-/// another runtime replaces it before main() begins.
+/// Makes the shared manager on its first use. The binding for Objective-C replaces this function before
+/// main() begins, so that the shared manager is an Objective-C object, too.
 extern std::unique_ptr<OrvaneManager> (*sharedManagerMaker)();
 
 }  // namespace orvane

@@ -8,7 +8,7 @@
 
 namespace orvane {
 
-/// Facts about the device. Each call reads them from the platform anew. May be used from any thread.
+/// Facts about the device, which each call reads from the platform. May be used from any thread.
 class ORVANE_API OVDeviceInfoTool {
  public:
   OVDeviceInfoTool();

@@ -20,7 +20,7 @@ class ORVANE_API ReaddressedSession final : public URLSession {
   /// paths of the calls follow. Slashes at the end are removed. `session` carries out all requests and calls
   /// all handlers.
   ///
-  /// Stops the process if `session` is null or `address` is none. In an address, a host is a name in ASCII or
+  /// Stops the process if `session` is null or `address` is not as follows. A host is a name in ASCII or
   /// an IP address, one of version 6 in brackets; a port is a number from 1 to 65535; and a path has letters,
   /// digits, "-", ".", "_", "~" and "/".
   ReaddressedSession(std::shared_ptr<URLSession> session, std::string address);

@@ -38,8 +38,8 @@ class Body {
 
  private:
   Bytes own_;
-  std::span<const std::uint8_t>
-      borrowed_;  // Counts only while there is an owner: a body that was moved from is empty.
+  // Counts only while there is an owner: a body that was moved from is empty.
+  std::span<const std::uint8_t> borrowed_;
   std::shared_ptr<const void> owner_;
 };
 

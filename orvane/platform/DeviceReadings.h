@@ -9,11 +9,11 @@ namespace orvane {
 
 /// A size in points.
 struct ScreenBounds {
-  double width = 0;   ///< Across.
-  double height = 0;  ///< Down.
+  double width = 0;   ///< From left to right.
+  double height = 0;  ///< From top to bottom.
 };
 
-/// Facts about the device. Each call reads them from the system anew. May be used from any thread.
+/// Facts about the device, which each call reads from the system. May be used from any thread.
 class ORVANE_API DeviceReadings {
  public:
   DeviceReadings() = default;

@@ -25,11 +25,11 @@ class ORVANE_API MainQueue final : public DispatchQueue {
   /// stop() ended it. A negative `limit` counts as 0, one above ten years as ten years.
   bool run(std::chrono::milliseconds limit);
 
-  /// Runs the tasks that are waiting now, and returns their number. Tasks that these add wait for the next
-  /// run.
+  /// Runs the tasks that are waiting now, and returns their number. Tasks that are added meanwhile wait for
+  /// the next run.
   std::size_t runPending();
 
-  /// Ends the run() in progress after its current task or, if there is none, the next run() at once.
+  /// Ends the run() that is in progress, after its current task. If none is, the next run() returns at once.
   void stop();
 
  private:

@@ -32,10 +32,9 @@ struct Platform {
   std::function<std::string(const Error& cause)> failureWords = {};
 };
 
-/// Replaces services of the platform: for a test, or for an application with its own event loop, session or
-/// device readings; and for one that must survive whatever the network sends. Where a service of `platform`
-/// is null, the adapter's own is used. Call it at most once, before the first use of the library. A later or
-/// second call stops the process.
+/// Replaces services of the platform, for a test or for an application with its own event loop, session,
+/// device readings or words for failures. Where a service of `platform` is null, the adapter's own is used.
+/// Call it at most once, before the first use of the library. A later or second call stops the process.
 ORVANE_API void installPlatform(Platform platform);
 
 /// Returns the platform in use, with every service set. It never changes after the first call.

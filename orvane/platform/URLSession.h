@@ -37,9 +37,9 @@ class ORVANE_API URLSession {
 
   /// Starts one request and returns. Calls `handler` exactly once, on the session queue: a serial queue in
   /// the background, so never inside this call, never on the main queue, and one handler at a time. After
-  /// cancelAllOperations() the handler may not be called at all. It is released in either case. If
-  /// `handler` is empty, the outcome is dropped. A task continues if the session object is destroyed. Must not
-  /// send a POST twice: the library relies on it, and repeats nothing itself.
+  /// cancelAllOperations() the handler may not be called at all. It is released in either case. If `handler`
+  /// is empty, the outcome is dropped. A task continues if the session object is destroyed. Must not send a
+  /// POST twice, because the service would act on it twice. The library itself repeats nothing.
   virtual void startDataTask(URLRequest request, DataTaskHandler handler) = 0;
 
   /// Drops the handlers that wait on the session queue and have not started. Does not stop any transfer.

@@ -32,17 +32,17 @@ namespace orvane {
 /// The calls may be made from any thread. Everything else is for the thread of the test.
 class FakeService final : public URLSession {
  public:
-  /// What the service is asked. `report` is the report about the device, after an accepted login.
+  /// The calls of the service. `report` is the report about the device, after an accepted login.
   enum class Call { picture, code, login, report };
 
   /// A request that the application made.
   struct Request {
-    Call call;                            ///< What was asked.
+    Call call;                            ///< Which call it is.
     std::string body;                     ///< Compact JSON, with the members in the order of their names.
     std::optional<std::string> clientId;  ///< The client identifier, if one was set.
   };
 
-  /// What comes of a request.
+  /// The reply to a request, or the failure of its transfer.
   class Reply {
    public:
     /// The service accepts. `picture` has the bytes that the call for a picture receives, and `message` what
@@ -108,7 +108,7 @@ class FakeService final : public URLSession {
     held_.fill(false);
   }
 
-  /// Replies `reply` to each `call` that settle() comes to from now on.
+  /// Sets the reply to each `call` that settle() handles from now on.
   void reply(Call call, Reply reply) { replies_[index(call)] = std::move(reply); }
 
   /// Keeps each `call` waiting until release().

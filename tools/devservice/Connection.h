@@ -41,7 +41,8 @@ class Connection {
   /// connection has ended.
   boost::asio::awaitable<void> serve();
 
-  /// Returns when the connection started to wait for a request, or the far future while it serves one.
+  /// Returns the time since which the connection has waited for a request, or the far future while it serves
+  /// one.
   Clock::time_point idleSince() const { return idleSince_; }
 
   /// Returns the address of the caller at the socket's other end, or an unspecified one if it has gone.
@@ -55,11 +56,11 @@ class Connection {
   /// Returns true while the connection is kept without work: its reply is late, never comes, or is held back.
   bool isParked() const { return isParked_; }
 
-  /// Lets the router answer anew a request whose reply is held back. To be called after any other request was
-  /// answered.
+  /// If this connection's reply is held back, has the router answer its request again. Call it after every
+  /// answer to another connection.
   void askAgain();
 
-  /// Closes the connection at once, even in the middle of a request.
+  /// Closes the connection, even in the middle of a request.
   void close();
 
  private:

@@ -25,8 +25,8 @@ struct HTTPReply {
   TransportFault fault = TransportFault::none;
   std::vector<std::pair<std::string, std::string>> headers = {};  ///< In addition to those of every reply.
   std::chrono::milliseconds delay{0};                             ///< Used with TransportFault::delay.
-  /// For how long this reply may be held back: another request may change it, so the same request is answered
-  /// anew after each. 0 sends it at once.
+  /// How long this reply may be held back. Another request may change it, so the service answers the same
+  /// request again after each other one. 0 sends the reply immediately.
   std::chrono::milliseconds wait{0};
 };
 

@@ -57,8 +57,8 @@ inline constexpr std::size_t maxHeadSize = std::size_t{64} << 10;
 
 /// The bounds of a server's connections.
 struct ServerLimits {
-  /// Connections of this machine served at once, without the parked ones. Further ones wait in the system's
-  /// queue until one of these ends or is parked.
+  /// Connections of this machine served at the same time, without the parked ones. Further ones wait in the
+  /// system's queue until one of these ends or is parked.
   std::size_t connections = 32;
   /// Connections of this machine that may be parked: kept without work while a reply is late, never comes, or
   /// is held back. A further request that wants this is refused with status 503.

@@ -5,8 +5,8 @@
 
 namespace orvane {
 
-/// What an ordinary machine cannot tell about itself, and the application may know. Set a member if a call or
-/// the device tool shall report it. Every value is passed on as it is; none is clamped.
+/// Facts that an ordinary machine does not know about itself, but the application may. The library uses each
+/// value as it is, without checking it.
 struct HostDeviceFacts {
   /// The identifier of the device in the scope of the application's vendor. Default: none.
   std::optional<std::string> identifierForVendor = {};

@@ -56,8 +56,8 @@ struct HostSessionConfiguration {
   std::size_t maximumConnections = 64;
   /// The URL of a proxy for all requests. Default: empty, which means none.
   std::string proxy = {};
-  /// Where to send requests instead. The first that fits a request is used, also after a redirect. Default:
-  /// none. Set it for a test service or a tunnel.
+  /// Other addresses to send requests to. The first whose host and port are those of the request is used,
+  /// also after a redirect. Default: none. Set it for a test service or a tunnel.
   std::vector<Reroute> reroutes = {};
   /// The name of a file in PEM format with the certificate authorities to trust for `https`, instead of the
   /// system's, also for a proxy. Read for each new connection. Default: empty, which means the system's.
@@ -69,10 +69,10 @@ class SessionThread;
 /// HTTP/1.1 on ordinary machines, by libcurl. Carries out requests with the schemes http and https.
 ///
 /// **One thread** starts with the first task, and ends after the last one once the session is destroyed. It
-/// transfers, and calls the handlers between its looks at the transfers, one at a time, in the order in which
-/// the tasks finished. A slow handler delays all other tasks of the session. What arrived meanwhile is read
-/// before the idle time-out is judged, so no reply is lost. A connection that was being made, and a task
-/// beyond `totalTimeout`, can time out.
+/// carries out the transfers, and between two looks at them calls the handlers, one at a time, in the order
+/// in which the tasks finished. A slow handler delays all other tasks of the session. What arrived meanwhile
+/// is read before the idle time-out is judged, so no reply is lost. A connection that was being made, and a
+/// task beyond `totalTimeout`, can time out.
 ///
 /// **Cookies** live as long as the session. Nothing is stored. All cookies are dropped when a transfer leaves
 /// more than 300 of them, or more than 256 KiB. The Cookie field of a request and the session's cookies are
