@@ -20,13 +20,31 @@ function say(element, text) {
   if (element.textContent !== text) element.textContent = text;
 }
 
+/**
+ * Copies the text. A browser gives `navigator.clipboard` only to pages of its own machine and of https. On
+ * others, such as http://192.168.0.7:8080, copies from a field that exists for a moment.
+ */
+async function copyText(text) {
+  if (navigator.clipboard) return navigator.clipboard.writeText(text);
+  const focused = document.activeElement;
+  const field = make("textarea");
+  field.value = text;
+  document.body.append(field);
+  field.focus({ preventScroll: true });
+  field.select();
+  const isCopied = document.execCommand("copy");
+  field.remove();
+  focused.focus({ preventScroll: true });
+  if (!isCopied) throw new Error("The browser has refused to copy");
+}
+
 /** Returns a button that copies the result of `text()` when it is clicked. */
 function copyButton(className, label, text) {
   const button = make("button", className, label);
   button.type = "button";
   button.title = "Copy";
   button.addEventListener("click", async () => {
-    await navigator.clipboard.writeText(text());
+    await copyText(text());
     button.classList.add("copied");
     setTimeout(() => button.classList.remove("copied"), 2000);
   });
@@ -239,6 +257,13 @@ function showFaults(faults, choice) {
   say(byId("fault-text"), fault ? `${hits}: ${fault.text}.` : "No fault: calls are answered normally.");
 }
 
+function showPredictions({ code, pictureText, seed }) {
+  const sentences = [[code, "Every code is"], [pictureText, "Every picture says"],
+    [seed, "Random choices start from seed"]];
+  const known = sentences.filter(([value]) => value !== null);
+  say(byId("predictions"), known.map(([value, words]) => `${words} ${value}.`).join(" "));
+}
+
 function showConnection(text, live) {
   say(byId("connection"), text);
   document.body.dataset.live = live;
@@ -286,6 +311,7 @@ async function look() {
   const [state, requests] = await Promise.all(replies.map((reply) => reply.json()));
   startRun(state.run);
   showFaults(state.faults, state.chosenFault);
+  showPredictions(state.predictions);
   showMessages(state.messages);
   showNumbers(state.numbers, state.numberCount);
   follow(byId("requests"), requests.reverse(), requestRow);
