@@ -1,5 +1,7 @@
 #pragma once
 
+#include "orvane/base/Export.h"  // Before <coroutine>, which has an error of its own for an older C++.
+
 /// The three calls of a sign-in for C++20 coroutines, each in one line:
 ///
 ///     Detached signIn(std::string mobile) {
