@@ -28,7 +28,7 @@ TEST(OrvaneC, ReportsEachOutcomeOnTheEventLoopAndThenReleases) {
        "words for NSURLErrorDomain -1005\n"}};
   for (const auto& [call, body, expected] : rows) {
     SCOPED_TRACE(expected);
-    LoopbackServer server([&](const LoopbackServer::Request& request) {
+    LoopbackServer server([body = body](const LoopbackServer::Request& request) {
       EXPECT_TRUE(request.hasLine("XRAPI-CLIENT-ID: from C"));
       return body ? LoopbackServer::Answer{reply(body)}
                   : LoopbackServer::Answer{"", LoopbackServer::Then::close};
