@@ -27,10 +27,8 @@ static_assert(ORVANE_OTHER == hashValue(ErrorKind::other) && ORVANE_REFUSED == h
 std::atomic<CountedSession*> preparedSession = nullptr;
 
 bool isUTF8(std::string_view text) {
-  std::size_t at = 0;
-  while (at < text.size()) {
+  for (std::size_t at = 0; at < text.size();)
     if (!decodeUTF8(text, at)) return false;
-  }
   return true;
 }
 
@@ -98,11 +96,10 @@ void start(const Finished& callback, const Start& makeCall) {
   try {
     makeCall();
   } catch (const std::system_error&) {
-    if constexpr (std::is_same_v<Finished, OrvaneManager::CodeFinished>) {
+    if constexpr (std::is_same_v<Finished, OrvaneManager::CodeFinished>)
       callback(networkToolError(requestNotBuilt));
-    } else {
+    else
       callback({}, networkToolError(requestNotBuilt));
-    }
   }
 }
 
