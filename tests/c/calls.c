@@ -1,6 +1,7 @@
 /* Makes calls from C, and writes one line for each outcome.
      calls ADDRESS CALL TIMES    CALL is picture, code, login, or a mistake, which stops the process */
 
+#include <fcntl.h>
 #include <pthread.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -91,5 +92,8 @@ int main(int count, char** arguments) {
   for (times = atoi(arguments[3]); times > 0; --times) makeCall(arguments[2]);
   while (open_ > 0 && read(loop[0], &work, sizeof work) == (ssize_t)sizeof work) work.run(work.task);
   if (!orvane_wait_until_idle(60000)) return 3;
+  /* The report after a login has posted its reply. */
+  fcntl(loop[0], F_SETFL, O_NONBLOCK);
+  while (read(loop[0], &work, sizeof work) == (ssize_t)sizeof work) work.run(work.task);
   return finished_ == atoi(arguments[3]) ? 0 : 4;
 }
