@@ -7,6 +7,7 @@
 #include "fuzz/fuzz.h"
 #include "orvane/client/OrvaneManager.h"
 #include "orvane/host/HostDeviceReadings.h"
+#include "orvane/network/NetworkTool.h"
 #include "orvane/platform/Platform.h"
 
 namespace orvane {
