@@ -216,14 +216,16 @@ asio::awaitable<void> Connection::park(Clock::time_point end) {
 }
 
 /// Takes what the caller sends before it has the reply, so that its leaving is noticed. Returns false if the
-/// caller has left or sends too much. For a socket that can be read.
+/// caller has left or sends too much. A socket that is said to be readable may have nothing to read: the bytes
+/// were taken before the event for them came.
 bool Connection::takeAhead() {
   boost::system::error_code error;
-  const std::size_t ready = stream_.socket().available(error);
-  const std::size_t size = std::min(ready, maxBuffered - buffer_.size());
-  if (error || size == 0) return false;
-  buffer_.commit(stream_.socket().receive(buffer_.prepare(size), 0, error));
-  return !error;
+  stream_.socket().non_blocking(true, error);
+  const std::size_t room = maxBuffered - buffer_.size();
+  if (error || room == 0) return false;
+  constexpr std::size_t atOnce = 4096;
+  buffer_.commit(stream_.socket().receive(buffer_.prepare(std::min(room, atOnce)), 0, error));
+  return !error || error == asio::error::would_block;
 }
 
 /// Writes the reply with its fault. Returns false if the connection must be closed.
