@@ -216,8 +216,8 @@ asio::awaitable<void> Connection::park(Clock::time_point end) {
 }
 
 /// Takes what the caller sends before it has the reply, so that its leaving is noticed. Returns false if the
-/// caller has left or sends too much. A socket that is said to be readable may have nothing to read: the bytes
-/// were taken before the event for them came.
+/// caller has left or sends too much. A socket that is said to be readable may have nothing to read: the
+/// bytes were taken before the event for them came.
 bool Connection::takeAhead() {
   boost::system::error_code error;
   stream_.socket().non_blocking(true, error);
