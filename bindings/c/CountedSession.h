@@ -10,7 +10,7 @@
 
 namespace orvane {
 
-/// Counts the tasks of another session that are under way, so that a program can wait for their end.
+/// Counts the tasks of any other session that are under way, so that a program can wait for their end.
 class CountedSession final : public URLSession {
  public:
   explicit CountedSession(std::shared_ptr<URLSession> session) : session_(std::move(session)) {}

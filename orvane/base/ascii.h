@@ -4,7 +4,7 @@
 
 namespace orvane {
 
-// What the characters of ASCII are, in any locale. Other bytes are none of it.
+// Predicates and tables of ASCII, in any locale. All other bytes are in no class.
 
 constexpr bool isDigit(char c) noexcept {
   return c >= '0' && c <= '9';

@@ -56,7 +56,7 @@ std::string_view sentence(ErrorKind kind) {
   return sentences[hashValue(kind)];
 }
 
-/// The kind of an error that is no refusal.
+/// Returns the kind of an error that is not a refusal.
 ErrorKind failureKind(const Error& error) {
   if (error.domain == "NSURLErrorDomain") return urlErrorKind(error.code);
   if (error.domain != NetworkTool::errorDomain) return ErrorKind::other;

@@ -35,7 +35,7 @@ bool isPort(std::string_view port) {
   return error == std::errc() && end == port.data() + port.size() && number >= 1 && number <= 65535;
 }
 
-/// Returns `address` without slashes at its end, or stops the process if it is no address.
+/// Returns `address` without slashes at its end, or stops the process if it is not an address.
 std::string checked(std::string address) {
   const auto refuse = [](std::string_view reason) {
     fatal(std::string("ReaddressedSession: the address ").append(reason));

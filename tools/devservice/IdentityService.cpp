@@ -281,7 +281,7 @@ Inspection IdentityService::view(const Record& record, TimePoint now) {
           .dates = record.dates};
 }
 
-/// Returns 32 bits, random or after the seed.
+/// Returns 32 bits: random, or the next that follow from the seed.
 std::uint32_t IdentityService::random() {
   if (!predictions_.seed) return environment_.random();
   const std::lock_guard lock(mutex_);
