@@ -175,15 +175,25 @@ TEST(DevServer, ServesSoManyAtOnceAndEndsAnIdleOneForAnother) {
 
 TEST(DevServer, TellsOfAMessageAsSoonAsItCame) {
   IdentityService service{{.random = [] { return 0U; }}};
-  const Server server(service);
-  Client script(server), phone(server);
+  std::latch held(1), released(1);
+  const Server server(service, 0, [&](std::string_view line) {
+    if (line.find(" 400 ") == line.npos) return;
+    held.count_down();
+    released.wait();
+  });
+  Client script(server), phone(server), malformed(server);
   script.send(awaitMessage);
   service.answer(askPicture(number));
   EXPECT_EQ(phone.codeOf(callFor(number)), 2002);  // Uses up the picture.
-  script.send("GET");                              // The start of the next request.
+  const std::string call = callFor("12345");
+  phone.send(call.substr(0, call.size() - 1));
+  malformed.send("?\r\n\r\n");  // Holds up the server, so that it learns the rest at once.
+  held.wait();
   service.answer(askPicture(number));
   service.answer(askCode(number, "AAAA"));
-  phone.send(callFor("12345")).receive();
+  script.send("GET");  // The start of the next request.
+  phone.send(call.substr(call.size() - 1));
+  released.count_down();
   EXPECT_EQ(bodyOf(script.receive())["code"], "000000");
 }
 

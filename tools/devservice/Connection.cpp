@@ -98,7 +98,9 @@ void Connection::close() {
 }
 
 void Connection::askAgain() {
-  if (asksAgain_) pause_.cancel();
+  if (!asksAgain_) return;
+  parkedUntil_ = Clock::now();
+  pause_.cancel();
 }
 
 asio::awaitable<void> Connection::serve() {
@@ -203,14 +205,15 @@ asio::awaitable<HTTPReply> Connection::answer(const HTTPRequest& request) {
 asio::awaitable<void> Connection::park(Clock::time_point end) {
   using namespace asio::experimental::awaitable_operators;
   isParked_ = true;
+  parkedUntil_ = end;
   hooks_.rested();
-  // The connection may have been closed before: the wait would not end by that any more.
-  for (bool isOver = false; !isOver && stream_.socket().is_open();) {
-    pause_.expires_at(end);
+  // The connection may have been closed before: the wait would not end by that any more. The time is asked,
+  // and not which wait ended first: bytes may come at the moment of askAgain().
+  while (Clock::now() < parkedUntil_ && stream_.socket().is_open()) {
+    pause_.expires_at(parkedUntil_);
     const auto first =
         co_await (pause_.async_wait(awaited) || stream_.socket().async_wait(Socket::wait_read, awaited));
-    isOver = first.index() == 0;
-    if (!isOver && !takeAhead()) close();
+    if (first.index() == 1 && !takeAhead()) close();
   }
   isParked_ = false;
 }

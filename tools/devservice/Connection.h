@@ -86,6 +86,7 @@ class Connection {
   boost::asio::steady_timer pause_;
   bool isParked_ = false;
   bool asksAgain_ = false;
+  Clock::time_point parkedUntil_;
   boost::beast::flat_buffer buffer_;  // Limited, since the parser wants a chunk's line or a trailer whole.
   Clock::time_point idleSince_;
 };
