@@ -84,10 +84,10 @@ void keepReleasedMemory() {
 
 }  // namespace
 
-Cost costOf(std::size_t times, std::size_t callsEach, const std::function<void()>& task) {
+Cost costOf(std::size_t times, std::size_t callsEach, const std::function<void()>& work) {
   const double processorStart = now(CLOCK_PROCESS_CPUTIME_ID);
   const double start = now(CLOCK_MONOTONIC);
-  for (std::size_t i = 0; i < times; ++i) task();
+  for (std::size_t i = 0; i < times; ++i) work();
   const double wall = now(CLOCK_MONOTONIC) - start;
   const double processor = now(CLOCK_PROCESS_CPUTIME_ID) - processorStart;
   const auto calls = static_cast<double>(times * callsEach);

@@ -14,8 +14,8 @@ struct Cost {
   double processor = 0;  ///< Of all threads of this process, in the program and in the kernel.
 };
 
-/// Runs `task` `times` times, which makes `callsEach` calls each time. Returns the mean cost of a call.
-Cost costOf(std::size_t times, std::size_t callsEach, const std::function<void()>& task);
+/// Runs `work` `times` times, which makes `callsEach` calls each time. Returns the mean cost of a call.
+Cost costOf(std::size_t times, std::size_t callsEach, const std::function<void()>& work);
 
 /// One figure for each round.
 using Figures = std::vector<double>;

@@ -54,9 +54,9 @@ class HandedMulti {
     std::string body;
   };
 
-  /// Runs `task` on the thread. Wakes it only if it has looked for tasks since the last time.
-  void async(Task task) {
-    inbox_.async(std::move(task));
+  /// Runs `work` on the thread. Wakes it only if it has looked for work since the last time.
+  void async(Work work) {
+    inbox_.async(std::move(work));
     if (!isWoken_.exchange(true)) curl_multi_wakeup(multi_.get());
   }
 

@@ -34,10 +34,10 @@ class WaitingSession final : public URLSession {
   std::vector<DataTaskHandler> handlers_;
 };
 
-/// Runs each task at once, so that handing over is not measured as reading.
+/// Runs all work at once, so that handing over is not measured as reading.
 class ImmediateQueue final : public DispatchQueue {
  public:
-  void async(Task task) override { task(); }
+  void async(Work work) override { work(); }
 };
 
 /// Reads as the documentation of simdjson advises: each reply has room after it, and the parser is kept.

@@ -51,13 +51,13 @@ static asio::awaitable<void> signIn() {
 
 int main(int argc, char** argv) {
   asio::io_context loop;
-  const auto queue = std::make_shared<PostingQueue>([&](Task task) { asio::post(loop, std::move(task)); });
+  const auto queue = std::make_shared<PostingQueue>([&](Work work) { asio::post(loop, std::move(work)); });
   const std::string address = argc > 1 ? argv[1] : std::string(serviceBaseURL());
   const auto session = std::make_shared<HostSession>();
   installPlatform({.sharedSession = std::make_shared<ReaddressedSession>(session, address),
                    .mainQueue = queue,
                    .failureWords = errorMessage});
-  const auto work = asio::make_work_guard(loop);
+  const auto guard = asio::make_work_guard(loop);
   int status = 0;
   asio::co_spawn(loop, signIn(), [&](std::exception_ptr failure) {
     try {

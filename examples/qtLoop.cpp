@@ -61,8 +61,8 @@ static Detached signIn() {
 
 int main(int argc, char** argv) {
   QCoreApplication application(argc, argv);
-  const auto queue = std::make_shared<PostingQueue>([&application](Task task) {
-    QMetaObject::invokeMethod(&application, std::move(task), Qt::QueuedConnection);
+  const auto queue = std::make_shared<PostingQueue>([&application](Work work) {
+    QMetaObject::invokeMethod(&application, std::move(work), Qt::QueuedConnection);
   });
   const std::string address = argc > 1 ? argv[1] : std::string(serviceBaseURL());
   const auto session = std::make_shared<HostSession>();

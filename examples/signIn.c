@@ -5,9 +5,9 @@
 
 #include "orvane/orvane_c.h"
 
-struct work {
-  void (*run)(void* task);
-  void* task;
+struct posted {
+  void (*run)(void* work);
+  void* work;
 };
 
 static int loop[2];
@@ -16,10 +16,10 @@ static int isRunning = 1;
 static char mobile[64];
 
 /* Called on any thread. A pipe takes a piece of this size as a whole, and keeps the order. */
-static void post(void (*run)(void* task), void* task, void* context) {
-  const struct work work = {run, task};
+static void post(void (*run)(void* work), void* work, void* context) {
+  const struct posted posted = {run, work};
   (void)context;
-  if (write(loop[1], &work, sizeof work) != (ssize_t)sizeof work) perror("The event loop is lost");
+  if (write(loop[1], &posted, sizeof posted) != (ssize_t)sizeof posted) perror("The event loop is lost");
 }
 
 static void ask(const char* question, char* answer, int size) {
@@ -68,14 +68,14 @@ static void pictureCame(const uint8_t* bytes, size_t size, const orvane_failure*
 
 int main(int argc, char** argv) {
   orvane_setup setup = {0};
-  struct work work;
+  struct posted next;
   if (pipe(loop) != 0) return 1;
   setup.address = argc > 1 ? argv[1] : NULL;
   setup.post = post;
   orvane_prepare(&setup);
   ask("Mobile number: ", mobile, sizeof mobile);
   orvane_request_picture_code(mobile, pictureCame, NULL, NULL);
-  while (isRunning && read(loop[0], &work, sizeof work) == (ssize_t)sizeof work) work.run(work.task);
+  while (isRunning && read(loop[0], &next, sizeof next) == (ssize_t)sizeof next) next.run(next.work);
   orvane_wait_until_idle(10000); /* Until the report about the device is sent. */
   return status;
 }

@@ -21,7 +21,7 @@ struct HoldingSession final : URLSession {
 };
 
 struct ImmediateQueue final : DispatchQueue {
-  void async(Task task) override { task(); }
+  void async(Work work) override { work(); }
 };
 
 const std::shared_ptr<HoldingSession>& sharedSession() {

@@ -5,12 +5,12 @@
 namespace orvane {
 namespace {
 
-void* keep(Task task) {
-  return std::make_unique<Task>(std::move(task)).release();
+void* keep(Work work) {
+  return std::make_unique<Work>(std::move(work)).release();
 }
 
-void runKept(void* task) {
-  const std::unique_ptr<const Task> owned(static_cast<Task*>(task));
+void runKept(void* work) {
+  const std::unique_ptr<const Work> owned(static_cast<Work*>(work));
   (*owned)();
 }
 
@@ -18,21 +18,21 @@ class AppleQueue final : public DispatchQueue {
  public:
   explicit AppleQueue(dispatch_queue_t queue) : queue_(queue) {}
 
-  void async(Task task) override { dispatch_async_f(queue_, keep(std::move(task)), runKept); }
-  void asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification) override;
+  void async(Work work) override { dispatch_async_f(queue_, keep(std::move(work)), runKept); }
+  void asyncGroup(Work work, std::shared_ptr<DispatchQueue> notified, Work notification) override;
 
  private:
   dispatch_queue_t queue_;
 };
 
-void AppleQueue::asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification) {
+void AppleQueue::asyncGroup(Work work, std::shared_ptr<DispatchQueue> notified, Work notification) {
   const auto* theirs = dynamic_cast<const AppleQueue*>(notified.get());
   if (!theirs) {
-    DispatchQueue::asyncGroup(std::move(task), std::move(notified), std::move(notification));
+    DispatchQueue::asyncGroup(std::move(work), std::move(notified), std::move(notification));
     return;
   }
   const dispatch_group_t group = dispatch_group_create();
-  dispatch_group_async_f(group, queue_, keep(std::move(task)), runKept);
+  dispatch_group_async_f(group, queue_, keep(std::move(work)), runKept);
   dispatch_group_notify_f(group, theirs->queue_, keep(std::move(notification)), runKept);
   dispatch_release(group);
 }

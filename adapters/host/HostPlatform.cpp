@@ -11,13 +11,13 @@
 namespace orvane {
 namespace {
 
-/// Runs each task on a thread of its own.
+/// Runs each function on a thread of its own.
 class GlobalQueue final : public DispatchQueue {
  public:
-  void async(Task task) override {
-    startBackgroundThread([task = std::move(task)] {
+  void async(Work work) override {
+    startBackgroundThread([work = std::move(work)] {
       const SignalMask signals(startersMask());
-      task();
+      work();
     });
   }
 };

@@ -127,7 +127,7 @@ void orvane_prepare(const orvane_setup* given) noexcept {
         std::make_shared<ReaddressedSession>(session, argument(setup.address, "orvane_prepare"));
   }
   platform.mainQueue = std::make_shared<PostingQueue>(
-      [setup](void (*run)(void*), void* task) { setup.post(run, task, setup.context); });
+      [setup](void (*run)(void*), void* work) { setup.post(run, work, setup.context); });
   platform.failureWords = [setup](const Error& cause) { return failureWords(setup, cause); };
   installPlatform(std::move(platform));
 }

@@ -82,19 +82,19 @@ private func wordsFor(
   return strdup(Unmanaged<Words>.fromOpaque(words).takeUnretainedValue().make(SignInError(cause.pointee)))
 }
 
-/// A task of the library. `@unchecked` is true because the library leaves it to whoever runs it.
+/// Work that the library posts. `@unchecked` is true because the library does not touch it after posting.
 private struct Posted: @unchecked Sendable {
   let run: @convention(c) (UnsafeMutableRawPointer?) -> Void
-  let task: UnsafeMutableRawPointer?
+  let work: UnsafeMutableRawPointer?
 }
 
 private func post(
-  _ run: (@convention(c) (UnsafeMutableRawPointer?) -> Void)?, _ task: UnsafeMutableRawPointer?,
+  _ run: (@convention(c) (UnsafeMutableRawPointer?) -> Void)?, _ work: UnsafeMutableRawPointer?,
   _ words: UnsafeMutableRawPointer?
 ) {
   guard let run else { return }
-  let posted = Posted(run: run, task: task)
-  DispatchQueue.main.async { posted.run(posted.task) }
+  let posted = Posted(run: run, work: work)
+  DispatchQueue.main.async { posted.run(posted.work) }
 }
 
 /// Ends a call with its failure or, if there is none, with what `success` returns.

@@ -33,7 +33,7 @@ class ORVANE_API NetworkTool {
   /// Called at most once, with either a result (a map or an array) or an error. Must not throw.
   using Completion = std::function<void(std::optional<Value> result, ErrorPtr error)>;
 
-  /// The domain of the errors that the tool makes itself. Promised: applications compare this text, so it
+  /// The domain of the errors that the tool makes itself. Promised: applications compare this string, so it
   /// stays, whatever the library is called.
   static constexpr std::string_view errorDomain = "com.brovent.error";
 
@@ -43,8 +43,8 @@ class ORVANE_API NetworkTool {
   NetworkTool& operator=(const NetworkTool&) = delete;
   virtual ~NetworkTool();
 
-  /// Runs an empty task in a group on the global queue and an empty notification on the main queue. Promised,
-  /// although it has no effect: applications may call or override it.
+  /// Runs an empty function in a group on the global queue and an empty notification on the main queue.
+  /// Promised, although it has no effect: applications may call or override it.
   virtual void demoGCDGroup();
 
   /// Replaces the header set of later requests as a whole. An empty set changes nothing.
@@ -72,12 +72,12 @@ class ORVANE_API NetworkTool {
   /// | POST | their query string is the body |
   /// | GET | "?" and their query string are appended to the URL |
   ///
-  /// Returns nothing for an empty URL, and for POST without parameters. Stops the process if `url` is not a
+  /// Returns nullopt for an empty URL, and for POST without parameters. Stops the process if `url` is not a
   /// URL, if the parameters cannot be encoded, and for POST without parameters once a header set is stored.
   virtual std::optional<URLRequest> request(HTTPMethod method, std::string_view url,
                                             const std::optional<Parameters>& parameters);
 
-  /// Returns the parameters as "key=value" pairs joined by "&", or nothing if they are absent. A value keeps
+  /// Returns the parameters as "key=value" pairs joined by "&", or nullopt if they are absent. A value keeps
   /// letters, marks and numbers of every script; everything else in it is percent-encoded. A key stays as it
   /// is. Stops the process if a value is not a string, or not UTF-8.
   virtual std::optional<std::string> queryString(const std::optional<Parameters>& parameters);

@@ -7,10 +7,10 @@
 
 namespace orvane {
 
-/// A function to be called once.
-using Task = std::function<void()>;
+/// A function for a queue to run, once.
+using Work = std::function<void()>;
 
-/// A queue that runs tasks later. May be used from any thread.
+/// A queue that runs functions later. May be used from any thread.
 class ORVANE_API DispatchQueue {
  public:
   DispatchQueue() = default;
@@ -18,12 +18,12 @@ class ORVANE_API DispatchQueue {
   DispatchQueue& operator=(const DispatchQueue&) = delete;
   virtual ~DispatchQueue();
 
-  /// Queues `task` and returns. The task is called exactly once, later, and never inside this call.
-  virtual void async(Task task) = 0;
+  /// Queues `work` and returns. Calls it exactly once, later, and never inside this call.
+  virtual void async(Work work) = 0;
 
-  /// Queues `task`, and queues `notification` on `notified` after it has run. This is what the groups of
+  /// Queues `work`, and queues `notification` on `notified` after it has run. This is what the groups of
   /// Apple's queues do, and it exists for NetworkTool::demoGCDGroup() alone, which applications may call.
-  virtual void asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification);
+  virtual void asyncGroup(Work work, std::shared_ptr<DispatchQueue> notified, Work notification);
 };
 
 }  // namespace orvane

@@ -9,12 +9,12 @@
 
 namespace orvane {
 
-void MainQueue::async(Task task) {
+void MainQueue::async(Work work) {
   bool wasEmpty = false;
   {
     const std::lock_guard lock(mutex_);
-    wasEmpty = tasks_.empty();
-    tasks_.push_back(std::move(task));
+    wasEmpty = queued_.empty();
+    queued_.push_back(std::move(work));
   }
   if (wasEmpty) changed_.notify_one();
 }
@@ -30,20 +30,20 @@ bool MainQueue::run(std::chrono::milliseconds limit) {
   return runUntil(&end);
 }
 
-/// Runs the first task without holding the lock. If the task throws, only that task is gone.
+/// Runs the first function without holding the lock. If it throws, only that function is gone.
 void MainQueue::runFirst(std::unique_lock<std::mutex>& lock) {
   {
-    const Task task = std::move(tasks_.front());
-    tasks_.pop_front();
+    const Work work = std::move(queued_.front());
+    queued_.pop_front();
     lock.unlock();
-    task();
+    work();
   }
   lock.lock();
 }
 
-/// Runs tasks. Returns true if stop() ended it, false at the limit.
+/// Runs what is queued. Returns true if stop() ended it, false at the limit.
 bool MainQueue::runUntil(const std::chrono::steady_clock::time_point* limit) {
-  const auto isDue = [this] { return stopped_ || !tasks_.empty(); };
+  const auto isDue = [this] { return stopped_ || !queued_.empty(); };
   std::unique_lock lock(mutex_);
   do {
     if (!limit) {
@@ -59,9 +59,9 @@ bool MainQueue::runUntil(const std::chrono::steady_clock::time_point* limit) {
 
 std::size_t MainQueue::runPending() {
   std::unique_lock lock(mutex_);
-  const std::size_t pending = tasks_.size();
+  const std::size_t pending = queued_.size();
   std::size_t ran = 0;
-  for (; ran < pending && !tasks_.empty(); ++ran) runFirst(lock);  // A task may have run others.
+  for (; ran < pending && !queued_.empty(); ++ran) runFirst(lock);  // One may have run others.
   return ran;
 }
 

@@ -36,10 +36,10 @@ bool putInUse(Platform candidate) {
 URLSession::~URLSession() = default;
 DispatchQueue::~DispatchQueue() = default;
 
-void DispatchQueue::asyncGroup(Task task, std::shared_ptr<DispatchQueue> notified, Task notification) {
-  async([task = std::move(task), notified = std::move(notified),
+void DispatchQueue::asyncGroup(Work work, std::shared_ptr<DispatchQueue> notified, Work notification) {
+  async([work = std::move(work), notified = std::move(notified),
          notification = std::move(notification)]() mutable {
-    task();
+    work();
     notified->async(std::move(notification));
   });
 }

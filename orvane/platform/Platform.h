@@ -19,7 +19,7 @@ struct Platform {
   std::shared_ptr<URLSession> sharedSession = {};
   /// Runs the application's callbacks. Serial, first in, first out.
   std::shared_ptr<DispatchQueue> mainQueue = {};
-  /// Runs tasks concurrently, in the background. Promised for NetworkTool::demoGCDGroup(), its one user.
+  /// Runs work concurrently, in the background. Promised for NetworkTool::demoGCDGroup(), its one user.
   std::shared_ptr<DispatchQueue> globalQueue = {};
   /// Says what is a URL, and what is a letter, mark or number.
   std::shared_ptr<const TextRules> textRules = {};

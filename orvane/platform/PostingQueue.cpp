@@ -2,14 +2,14 @@
 
 namespace orvane {
 
-void PostingQueue::async(Task task) {
+void PostingQueue::async(Work work) {
   {
     const std::lock_guard lock(mutex_);
     if (closed_) return;
     ++posting_;
   }
-  // Not under the lock: the loop may destroy a task in this call, which may queue another.
-  post_(std::move(task));
+  // Not under the lock: the loop may destroy the work inside this call, and its captures may queue more.
+  post_(std::move(work));
   const std::lock_guard lock(mutex_);
   if (--posting_ == 0) posted_.notify_all();
 }

@@ -12,34 +12,34 @@
 
 namespace orvane {
 
-/// A main queue for a program with an event loop: hands each task to a function that posts it to that loop.
-/// The function is called on the thread that queues the task, and must not run the task itself. Replies may
+/// A main queue for a program with an event loop: hands all work to a function that posts it to that loop.
+/// That function is called on the thread that queues the work, and must not run the work itself. Replies may
 /// come until the process ends, so close() the queue before its loop is destroyed.
 class ORVANE_API PostingQueue final : public DispatchQueue {
  public:
   /// Posts with `post`.
-  explicit PostingQueue(std::function<void(Task)> post) : post_(std::move(post)) {}
+  explicit PostingQueue(std::function<void(Work)> post) : post_(std::move(post)) {}
 
   /// Posts with a C function that takes a function and its argument, in this order, such as GLib's
   /// g_idle_add_once. Ignores what it returns.
   template <std::invocable<void (*)(void*), void*> Post>
   explicit PostingQueue(Post post)
-      : post_([post](Task task) { post(runTask, std::make_unique<Task>(std::move(task)).release()); }) {}
+      : post_([post](Work work) { post(runPosted, std::make_unique<Work>(std::move(work)).release()); }) {}
 
-  void async(Task task) override;
+  void async(Work work) override;
 
-  /// Drops all tasks that come later: callbacks are not called any more, and coroutines neither resumed nor
+  /// Drops all work that comes later: callbacks are not called any more, and coroutines neither resumed nor
   /// destroyed. Waits for calls of the function that are under way on other threads, so it must not be called
   /// inside one. May be called from any thread.
   void close();
 
  private:
-  static void runTask(void* task) {
-    const std::unique_ptr<Task> owned(static_cast<Task*>(task));
+  static void runPosted(void* work) {
+    const std::unique_ptr<Work> owned(static_cast<Work*>(work));
     (*owned)();
   }
 
-  const std::function<void(Task)> post_;
+  const std::function<void(Work)> post_;
   std::mutex mutex_;
   std::condition_variable posted_;
   int posting_ = 0;  // The calls of `post_` that are under way.

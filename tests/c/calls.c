@@ -10,9 +10,9 @@
 
 #include "orvane/orvane_c.h"
 
-struct work {
-  void (*run)(void* task);
-  void* task;
+struct posted {
+  void (*run)(void* work);
+  void* work;
 };
 
 static int loop[2];
@@ -20,9 +20,9 @@ static pthread_t loopThread;
 static int open_ = 0;     /* Calls whose context is not released yet. */
 static int finished_ = 0; /* Calls whose `finished` was called before their release. */
 
-static void post(void (*run)(void* task), void* task, void* context) {
-  const struct work work = {run, task};
-  if (write(loop[1], &work, sizeof work) != (ssize_t)sizeof work || context != loop) abort();
+static void post(void (*run)(void* work), void* work, void* context) {
+  const struct posted posted = {run, work};
+  if (write(loop[1], &posted, sizeof posted) != (ssize_t)sizeof posted || context != loop) abort();
 }
 
 static char* wordsFor(const orvane_failure* cause, void* context) {
@@ -74,7 +74,7 @@ static void makeCall(const char* call) {
 
 int main(int count, char** arguments) {
   orvane_setup setup = {0};
-  struct work work;
+  struct posted next;
   int times;
   if (count != 4 || pipe(loop) != 0) return 2;
   alarm(60);
@@ -90,10 +90,10 @@ int main(int count, char** arguments) {
   orvane_request_code("1", "no callback", NULL, NULL, NULL);
   if (!orvane_wait_until_idle(60000)) return 3;
   for (times = atoi(arguments[3]); times > 0; --times) makeCall(arguments[2]);
-  while (open_ > 0 && read(loop[0], &work, sizeof work) == (ssize_t)sizeof work) work.run(work.task);
+  while (open_ > 0 && read(loop[0], &next, sizeof next) == (ssize_t)sizeof next) next.run(next.work);
   if (!orvane_wait_until_idle(60000)) return 3;
   /* The report after a login has posted its reply. */
   fcntl(loop[0], F_SETFL, O_NONBLOCK);
-  while (read(loop[0], &work, sizeof work) == (ssize_t)sizeof work) work.run(work.task);
+  while (read(loop[0], &next, sizeof next) == (ssize_t)sizeof next) next.run(next.work);
   return finished_ == atoi(arguments[3]) ? 0 : 4;
 }

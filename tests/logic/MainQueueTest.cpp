@@ -37,13 +37,13 @@ TEST(MainQueue, RunsInOrderUntilStopped) {
   EXPECT_EQ(ran, (std::vector<int>{1, 2, 3, 4}));
 }
 
-TEST(MainQueue, KeepsTheTasksAfterOneThatThrows) {
+TEST(MainQueue, KeepsTheWorkAfterOneThatThrows) {
   for (const bool isPending : {true, false}) {
     MainQueue queue;
     std::string ran;
     const auto run = [&] { isPending ? void(queue.runPending()) : queue.run(); };
     queue.async([&] { ran += "1"; });
-    queue.async([] { throw std::runtime_error("a task"); });
+    queue.async([] { throw std::runtime_error("a function"); });
     queue.async([&] { ran += "2"; });
     queue.async([&] {
       ran += "3";
@@ -61,11 +61,11 @@ TEST(MainQueue, KeepsTheTasksAfterOneThatThrows) {
 
 TEST(PostingQueue, DropsWhatComesAfterItsEndAndWaitsForWhatIsUnderWay) {
   std::promise<void> posting, mayReturn;
-  std::vector<Task> posted;
-  PostingQueue queue([&](Task task) {
+  std::vector<Work> posted;
+  PostingQueue queue([&](Work work) {
     posting.set_value();
     mayReturn.get_future().wait();
-    posted.push_back(std::move(task));
+    posted.push_back(std::move(work));
   });
   std::thread poster([&] { queue.async([] {}); });
   posting.get_future().wait();
@@ -82,7 +82,7 @@ TEST(PostingQueue, DropsWhatComesAfterItsEndAndWaitsForWhatIsUnderWay) {
   EXPECT_EQ(captured.use_count(), 1);
 }
 
-TEST(DispatchQueue, AGroupNotifiesAfterItsTask) {
+TEST(DispatchQueue, AGroupNotifiesAfterItsWork) {
   const auto notified = std::make_shared<MainQueue>();
   MainQueue queue;
   int step = 0;

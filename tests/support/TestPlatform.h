@@ -35,8 +35,8 @@ struct TestReadings final : DeviceReadings {
   mutable Facts facts;
 };
 
-/// The fakes that the platform consists of in a program without an adapter. A test runs the main queue's
-/// tasks by runPending(), and leaves none.
+/// The fakes that the platform consists of in a program without an adapter. A test runs the main
+/// queue's work by runPending(), and leaves none.
 FakeSession& fakeSession();
 MainQueue& fakeMainQueue();
 TestReadings::Facts& fakeFacts();

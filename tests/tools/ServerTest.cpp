@@ -265,7 +265,7 @@ TEST(DevServer, StopsAtOnceIfALateCallIsNext) {
       if (++lines > 1) return;
       isBusy.count_down();
       isStopping.wait();
-      // The server is most likely told to stop meanwhile, which is its next task then.
+      // The server is most likely told to stop meanwhile, which it then does next.
       for (int turns = 0; turns < 50; ++turns) std::this_thread::yield();
     });
     Client caller(*server);

@@ -1,5 +1,5 @@
 // A stand-in for libdispatch. Its main queue is hostMainQueue(), and its global queue starts a thread for
-// each task.
+// each function.
 
 #include <dispatch/dispatch.h>
 #include <functional>
@@ -12,7 +12,7 @@ struct dispatch_queue_s {
   bool isMain;
 };
 
-/// The group and its tasks share `notify`. The last of them to release it calls it.
+/// The group and its work share `notify`. The last of them to release it calls it.
 struct dispatch_group_s {
   using Notify = std::function<void()>;
 
@@ -41,11 +41,11 @@ dispatch_queue_t dispatch_get_global_queue(long, unsigned long) {
   return &queue;
 }
 
-static void submit(dispatch_queue_t queue, std::function<void()> task) {
+static void submit(dispatch_queue_t queue, std::function<void()> work) {
   if (queue->isMain) {
-    orvane::hostMainQueue().async(std::move(task));
+    orvane::hostMainQueue().async(std::move(work));
   } else {
-    std::thread(std::move(task)).detach();
+    std::thread(std::move(work)).detach();
   }
 }
 
@@ -62,7 +62,7 @@ void dispatch_group_async_f(dispatch_group_t group, dispatch_queue_t queue, void
   submit(queue, [=, kept = group->notify] { work(context); });
 }
 
-/// May be called before or after the tasks end, because the group itself shares `notify` until it is
+/// May be called before or after the work ends, because the group itself shares `notify` until it is
 /// released.
 void dispatch_group_notify_f(dispatch_group_t group, dispatch_queue_t queue, void* context,
                              dispatch_function_t work) {

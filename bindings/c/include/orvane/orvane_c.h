@@ -15,8 +15,8 @@
  * Strings are UTF-8, end with a zero byte, and are copied before a function returns. All functions may be
  * called from any thread. Nothing that the network does stops the process. A mistake in the program does,
  * with one line on standard error: a null string, a string that is not UTF-8, a call before orvane_prepare(),
- * or a second orvane_prepare(). So does a lack of memory. A text of the service that contains a zero byte is
- * cut there.
+ * or a second orvane_prepare(). So does a lack of memory. A string of the service that contains a zero byte
+ * is cut there.
  */
 
 #include <stddef.h>
@@ -57,9 +57,9 @@ typedef struct orvane_setup {
       that is compiled into the library. The process stops if it is none. */
   const char* address;
 
-  /** Posts a task to the program's event loop and returns: the loop later calls `run(task)`, once, and the
-      tasks in their order. Called on any thread, with `context`, until the process ends. Must not be null. */
-  void (*post)(void (*run)(void* task), void* task, void* context);
+  /** Posts to the program's event loop and returns: the loop later calls `run(work)`, once, and keeps the
+      order. Called on any thread, with `context`, until the process ends. Must not be null. */
+  void (*post)(void (*run)(void* work), void* work, void* context);
 
   /** Returns what to tell a person if a call cannot report its reply: after a login without one, or after a
       reply without a member that the call reads. Made with malloc(); the library frees it. Called on the
