@@ -7,9 +7,9 @@
 namespace orvane::bench {
 namespace {
 
-curl_slist* makeList(std::initializer_list<std::string> texts) {
+curl_slist* makeList(std::initializer_list<std::string> strings) {
   curl_slist* list = nullptr;
-  for (const std::string& text : texts) list = curl_slist_append(list, text.c_str());
+  for (const std::string& string : strings) list = curl_slist_append(list, string.c_str());
   return list;
 }
 

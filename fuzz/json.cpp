@@ -16,7 +16,7 @@ Json converted(const Value& value) {
   if (const std::string* text = value.string()) return *text;
   if (const bool* boolean = value.boolean()) return *boolean;
   if (const std::int64_t* integer = value.integer()) return *integer;
-  if (const double* real = value.floating()) return *real;
+  if (const double* number = value.floating()) return *number;
   if (const Array* elements = value.array()) {
     Json array = Json::array();
     for (const Value& element : *elements) array.push_back(converted(element));
@@ -39,7 +39,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const Json byOther = readByOther({reinterpret_cast<const char*>(data), size});
   require(value.has_value() == !byOther.is_discarded(), "both accept the text, or neither");
   if (!value) return 0;
-  // As texts they differ where a number is of another kind.
+  // Compared as JSON text, because an integer and a double of the same value count as equal otherwise.
   require(converted(*value).dump() == byOther.dump(), "both read the same value");
   require(converted(Value(*value)).dump() == byOther.dump(), "a copy is the same value");
 

@@ -1,8 +1,8 @@
 // The development service answers any sequence of requests with envelopes, and accepts only the right picture
 // text and code.
 //
-// The input is texts, each ended by a backslash and a blank: verb and path, an additional header field, body,
-// and so on.
+// The input is strings, each ended by a backslash and a blank: verb and path, an additional header field,
+// body, and so on.
 
 #include "tools/devservice/Router.h"
 

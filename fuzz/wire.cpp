@@ -1,8 +1,8 @@
 // For any URL, verb, header fields and body, the bytes that curl sends are one request: a line for each
 // field, no line that was not asked for, then the body.
 //
-// The input is texts, each ended by a backslash and a blank: verb, body, what follows "http://h", then names
-// and values.
+// The input is strings, each ended by a backslash and a blank: verb, body, what follows "http://h", then
+// names and values.
 
 #include <algorithm>
 #include <clocale>
@@ -33,7 +33,7 @@ class Wire {
     curl_easy_setopt(transfer_.handle(), CURLOPT_ABSTRACT_UNIX_SOCKET, name.c_str());
   }
 
-  /// Returns what curl sends, or nothing if it refuses the URL.
+  /// Returns what curl sends, or nullopt if it refuses the URL.
   std::string send(const URLRequest& request) {
     constexpr std::string_view reply = "HTTP/1.1 200 OK\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
     context_.now = Clock::now();

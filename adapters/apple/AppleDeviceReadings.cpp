@@ -4,7 +4,7 @@
 
 namespace orvane {
 
-/// Returns an empty text if the system call fails.
+/// Returns an empty string if the system call fails.
 std::string AppleDeviceReadings::machine() const {
   utsname names{};
   uname(&names);

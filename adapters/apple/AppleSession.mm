@@ -1,7 +1,7 @@
 #import "orvane/apple/AppleSession.h"
 
 #import "adapters/apple/RedirectGuard.h"
-#import "adapters/apple/platformText.h"
+#import "adapters/apple/platformString.h"
 #import "adapters/apple/retained.h"
 #import "orvane/apple/platformError.h"
 #include "orvane/base/fatal.h"
@@ -10,13 +10,13 @@ namespace orvane {
 namespace {
 
 NSURLRequest* platformRequest(const URLRequest& request) {
-  NSURL* const url = [NSURL URLWithString:platformText(request.url())];
+  NSURL* const url = [NSURL URLWithString:platformString(request.url())];
   NSMutableURLRequest* const made = [NSMutableURLRequest requestWithURL:url];
-  [made setHTTPMethod:platformText(request.method())];
+  [made setHTTPMethod:platformString(request.method())];
   if (const std::optional<Bytes>& body = request.body())
     [made setHTTPBody:[NSData dataWithBytes:body->data() length:body->size()]];
   for (const HeaderField& field : request.headers())
-    [made addValue:platformText(field.value) forHTTPHeaderField:platformText(field.name)];
+    [made addValue:platformString(field.value) forHTTPHeaderField:platformString(field.name)];
   return made;
 }
 

@@ -1,12 +1,12 @@
 #import "adapters/apple/AppleTextRules.h"
 
-#import "adapters/apple/platformText.h"
+#import "adapters/apple/platformString.h"
 
 namespace orvane {
 
 bool AppleTextRules::isURL(std::string_view text) const {
   @autoreleasepool {
-    return [NSURL URLWithString:platformText(text)] != nil;
+    return [NSURL URLWithString:platformString(text)] != nil;
   }
 }
 

@@ -5,7 +5,7 @@
 #if TARGET_OS_OSX
 
 #import "adapters/apple/AppleDeviceReadings.h"
-#import "adapters/apple/platformText.h"
+#import "adapters/apple/platformString.h"
 
 namespace orvane {
 

@@ -8,7 +8,7 @@
 #import <UIKit/UIKit.h>
 
 #import "adapters/apple/AppleDeviceReadings.h"
-#import "adapters/apple/platformText.h"
+#import "adapters/apple/platformString.h"
 #import "adapters/apple/retained.h"
 
 // The carrier and the main screen are deprecated. Their successors do not report the same facts.

@@ -1,6 +1,6 @@
 #import "orvane/apple/platformError.h"
 
-#import "adapters/apple/platformText.h"
+#import "adapters/apple/platformString.h"
 #import "adapters/apple/retained.h"
 
 namespace orvane {
@@ -12,7 +12,7 @@ NSString* const causeKey = @"OrvaneCause";
 
 NSDictionary* wordsAndCause(const Error& error) {
   return @{
-    NSLocalizedDescriptionKey : platformText(error.domain),
+    NSLocalizedDescriptionKey : platformString(error.domain),
     causeKey : platformError(error.cause),
   };
 }
@@ -25,8 +25,8 @@ ErrorPtr makeError(NSError* error) {
   NSDictionary* const entries = [error userInfo];
   for (id key in entries) {
     const id value = [entries objectForKey:key];
-    const Class text = [NSString class];
-    if ([key isKindOfClass:text] && [value isKindOfClass:text]) userInfo.emplace(utf8(key), utf8(value));
+    const Class string = [NSString class];
+    if ([key isKindOfClass:string] && [value isKindOfClass:string]) userInfo.emplace(utf8(key), utf8(value));
   }
   return std::make_shared<const Error>(Error{utf8([error domain]), [error code], std::move(userInfo),
                                              retained(error), makeError([entries objectForKey:causeKey])});
@@ -38,10 +38,10 @@ NSError* platformError(const ErrorPtr& error) {
   NSMutableDictionary* const userInfo = [NSMutableDictionary dictionary];
   if (error->cause) [userInfo addEntriesFromDictionary:wordsAndCause(*error)];
   for (const auto& [key, value] : error->userInfo) {
-    if (const std::string* text = value.string())
-      [userInfo setObject:platformText(*text) forKey:platformText(key)];
+    if (const std::string* string = value.string())
+      [userInfo setObject:platformString(*string) forKey:platformString(key)];
   }
-  return [NSError errorWithDomain:platformText(error->domain)
+  return [NSError errorWithDomain:platformString(error->domain)
                              code:static_cast<NSInteger>(error->code)
                          userInfo:[userInfo count] > 0 ? userInfo : nil];
 }

@@ -6,7 +6,7 @@
 namespace orvane {
 namespace {
 
-/// Returns zeros, and so empty texts, if the system call fails.
+/// Returns zeros, and so empty strings, if the system call fails.
 utsname systemNames() {
   utsname names{};
   uname(&names);

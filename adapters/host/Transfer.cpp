@@ -137,11 +137,11 @@ void Transfer::setMethodAndBody() {
   const auto limit = std::min<std::uint64_t>(context_.configuration.maximumBodySize, greatest);
   set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(isHead ? 0 : limit));
   if ((body && !isHead) || method == "POST") {
-    static constexpr char nothing[] = "";
+    static constexpr char empty[] = "";
     const bool isEmpty = !body || body->empty();
     set(CURLOPT_POST, 1L);
     set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(isEmpty ? 0 : body->size()));
-    set(CURLOPT_POSTFIELDS, isEmpty ? static_cast<const void*>(nothing) : body->data());
+    set(CURLOPT_POSTFIELDS, isEmpty ? static_cast<const void*>(empty) : body->data());
   } else {
     set(CURLOPT_HTTPGET, 1L);
     if (isHead) set(CURLOPT_NOBODY, 1L);
@@ -168,7 +168,7 @@ void Transfer::setHeaders() {
   set(CURLOPT_HTTPHEADER, headers_.get());
 }
 
-// curl calls the following functions, so they throw nothing.
+// curl calls the following functions, so they must not throw.
 
 /// Returns true if curl may make a connection or send the request. curl does so again if a kept-alive
 /// connection was lost. Only a request that changes nothing may be sent twice.

@@ -59,7 +59,7 @@ class Transfer {
   /// Returns the outcome of the exchange that curl ended with `result`. Moves the body out.
   DataTaskResult finish(CURLcode result);
 
-  /// Returns the absolute URL to which the reply redirects, or an empty text if it does not redirect.
+  /// Returns the absolute URL to which the reply redirects, or an empty string if it does not redirect.
   std::string_view redirectLocation() const;
   int statusCode() const;
 

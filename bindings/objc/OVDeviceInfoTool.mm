@@ -1,6 +1,6 @@
 #include "orvane/device/OVDeviceInfoTool.h"
 
-#import "adapters/apple/platformText.h"
+#import "adapters/apple/platformString.h"
 
 #import "bindings/objc/include/Orvane/Orvane.h"
 #import "bindings/objc/registerQualifiedName.h"
@@ -12,19 +12,19 @@
 }
 
 + (NSString*)getMEIDCode {
-  return orvane::platformText(orvane::OVDeviceInfoTool::getMEIDCode());
+  return orvane::platformString(orvane::OVDeviceInfoTool::getMEIDCode());
 }
 
 + (NSString*)getSystemName {
-  return orvane::platformText(orvane::OVDeviceInfoTool::getSystemName());
+  return orvane::platformString(orvane::OVDeviceInfoTool::getSystemName());
 }
 
 + (NSString*)getSystemVersion {
-  return orvane::platformText(orvane::OVDeviceInfoTool::getSystemVersion());
+  return orvane::platformString(orvane::OVDeviceInfoTool::getSystemVersion());
 }
 
 + (NSString*)getcarrierName {
-  return orvane::platformText(orvane::OVDeviceInfoTool::getcarrierName());
+  return orvane::platformString(orvane::OVDeviceInfoTool::getcarrierName());
 }
 
 - (instancetype)init {

@@ -1,4 +1,4 @@
-#import "adapters/apple/platformText.h"
+#import "adapters/apple/platformString.h"
 #import "orvane/apple/platformError.h"
 #include "orvane/client/ErrorKind.h"
 
@@ -25,5 +25,5 @@ OVErrorKind OVKindOfError(NSError* error) {
 
 NSString* OVMessageOfError(NSError* error) {
   if (!error) return @"";
-  return orvane::platformText(orvane::errorMessage(errorOf(error)));
+  return orvane::platformString(orvane::errorMessage(errorOf(error)));
 }

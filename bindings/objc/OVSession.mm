@@ -1,5 +1,5 @@
 #import "adapters/apple/defaultPlatform.h"
-#import "adapters/apple/platformText.h"
+#import "adapters/apple/platformString.h"
 #import "orvane/apple/AppleSession.h"
 #import "orvane/apple/platformError.h"
 #include "orvane/base/fatal.h"

@@ -1,6 +1,6 @@
 #include "orvane/client/OrvaneManager.h"
 
-#import "adapters/apple/platformText.h"
+#import "adapters/apple/platformString.h"
 #import "orvane/apple/platformError.h"
 #include "orvane/client/sharedManagerMaker.h"
 
@@ -23,7 +23,7 @@ class BoundManager final : public orvane::OrvaneManager {
   }
   void setClientId(std::optional<std::string> clientId) override {
     @autoreleasepool {
-      [object_ setClientId:orvane::platformTextOrNil(clientId)];
+      [object_ setClientId:orvane::platformStringOrNil(clientId)];
     }
   }
 
@@ -97,7 +97,7 @@ std::unique_ptr<orvane::OrvaneManager> makeSharedManager() {
       orvane::utf8(mobile), orvane::utf8(code),
       [block](const std::optional<std::string>& message, const orvane::ErrorPtr& error) {
         @autoreleasepool {
-          block(orvane::platformTextOrNil(message), orvane::platformError(error));
+          block(orvane::platformStringOrNil(message), orvane::platformError(error));
         }
       });
 }

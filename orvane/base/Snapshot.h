@@ -23,7 +23,7 @@ class Snapshot {
     release(replaced_.load());
   }
 
-  /// Returns a copy of the current value, or nothing before the first store.
+  /// Returns a copy of the current value, or nullopt before the first store.
   std::optional<T> load() const {
     readers_.fetch_add(1);
     const Node* node = current_.load();

@@ -3,7 +3,7 @@
 #include <array>
 #include <cmath>
 
-#include "orvane/base/realText.h"
+#include "orvane/base/doubleString.h"
 
 namespace orvane {
 namespace {
@@ -129,7 +129,7 @@ std::optional<std::int64_t> Value::numberAsInteger() const noexcept {
 
 std::optional<std::string> Value::numberAsString() const {
   if (const std::int64_t* number = integer()) return std::to_string(*number);
-  if (const double* number = floating()) return writeReal(*number, 16);
+  if (const double* number = floating()) return writeDouble(*number, 16);
   return std::nullopt;
 }
 

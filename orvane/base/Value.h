@@ -99,10 +99,10 @@ class ORVANE_API Value {
       : data_(std::in_range<std::int64_t>(integer) ? Data(static_cast<std::int64_t>(integer))
                                                    : Data(static_cast<double>(integer))) {}
   template <std::floating_point T>
-  Value(T real) noexcept : data_(static_cast<double>(real)) {}
-  Value(std::string text) noexcept : data_(std::move(text)) {}
-  Value(std::string_view text) : data_(std::string(text)) {}
-  Value(const char* text) : data_(text ? Data(std::string(text)) : Data()) {}
+  Value(T number) noexcept : data_(static_cast<double>(number)) {}
+  Value(std::string string) noexcept : data_(std::move(string)) {}
+  Value(std::string_view string) : data_(std::string(string)) {}
+  Value(const char* string) : data_(string ? Data(std::string(string)) : Data()) {}
   Value(Array array) : data_(std::make_unique<Array>(std::move(array))) {}
   Value(Map map) : data_(std::make_unique<Map>(std::move(map))) {}
   ///@}
@@ -134,12 +134,12 @@ class ORVANE_API Value {
   Map* map() noexcept { return content<Map>(); }
   ///@}
 
-  /// Returns a number as an integer, or nothing if the value is not a number; a boolean is not one. A
+  /// Returns a number as an integer, or nullopt if the value is not a number; a boolean is not one. A
   /// floating-point number is truncated toward zero and clamped to the range of std::int64_t; not-a-number
   /// becomes 0.
   std::optional<std::int64_t> numberAsInteger() const noexcept;
 
-  /// Returns a number in decimal, or nothing if the value is not a number. A floating-point number has up to
+  /// Returns a number in decimal, or nullopt if the value is not a number. A floating-point number has up to
   /// 16 significant digits and no trailing zeros: 137.0 is "137", 12.5 is "12.5".
   std::optional<std::string> numberAsString() const;
 

@@ -15,7 +15,7 @@ namespace orvane {
 template <class E>
 inline constexpr std::span<const std::string_view> rawValues;
 
-/// Returns the raw value of a case: a text.
+/// Returns the raw value of a case.
 template <class E>
 constexpr std::string_view rawValue(E value) noexcept {
   return rawValues<E>[static_cast<std::size_t>(value)];
@@ -29,10 +29,10 @@ constexpr std::size_t hashValue(E value) noexcept {
   return static_cast<std::size_t>(value);
 }
 
-/// Returns the case whose raw value equals `text`, or nothing if there is none.
+/// Returns the case whose raw value is `raw`, or nullopt if there is none.
 template <class E>
-constexpr std::optional<E> fromRawValue(std::string_view text) noexcept {
-  const auto found = std::find(rawValues<E>.begin(), rawValues<E>.end(), text);
+constexpr std::optional<E> fromRawValue(std::string_view raw) noexcept {
+  const auto found = std::find(rawValues<E>.begin(), rawValues<E>.end(), raw);
   if (found == rawValues<E>.end()) return std::nullopt;
   return static_cast<E>(found - rawValues<E>.begin());
 }

@@ -6,13 +6,13 @@
 namespace orvane {
 namespace {
 
-/// The text under a key of the user information; null where there is none.
-const std::string* text(const Error& error, std::string_view key) {
+/// Returns the string under a key of the user information, or null if there is none.
+const std::string* stringUnder(const Error& error, std::string_view key) {
   const auto found = error.userInfo.find(key);
   return found == error.userInfo.end() ? nullptr : found->second.string();
 }
 
-/// The kind of an error of the domain NSURLErrorDomain.
+/// Returns the kind of an error of the domain NSURLErrorDomain.
 ErrorKind urlErrorKind(std::int64_t code) {
   switch (code) {
     case -1000:  // bad URL
@@ -60,7 +60,7 @@ std::string_view sentence(ErrorKind kind) {
 ErrorKind failureKind(const Error& error) {
   if (error.domain == "NSURLErrorDomain") return urlErrorKind(error.code);
   if (error.domain != NetworkTool::errorDomain) return ErrorKind::other;
-  const std::string* reason = text(error, "error");
+  const std::string* reason = stringUnder(error, "error");
   return reason && *reason == requestNotBuilt ? ErrorKind::notSent : ErrorKind::notReadable;
 }
 
@@ -74,7 +74,7 @@ ErrorKind errorKind(const Error& error) {
 std::string errorMessage(const Error& error) {
   const ErrorKind kind = errorKind(error);
   const bool hasWords = error.cause || kind == ErrorKind::refused;
-  const std::string* own = hasWords ? &error.domain : text(error, "NSLocalizedDescription");
+  const std::string* own = hasWords ? &error.domain : stringUnder(error, "NSLocalizedDescription");
   return own && !own->empty() ? *own : std::string(sentence(kind));
 }
 

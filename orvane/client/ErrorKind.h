@@ -30,7 +30,7 @@ inline constexpr std::span<const std::string_view> rawValues<ErrorKind> = errorK
 
 /// Returns the kind of an error that `finished` received. An error with a cause has the kind of its cause.
 /// Any other error is a refusal if it has neither user information nor a platform error. Its domain does not
-/// count, because the domain of a refusal is the service's text.
+/// count, because the domain of a refusal is the service's message.
 ORVANE_API ErrorKind errorKind(const Error& error);
 
 /// Returns one sentence for a person: the message of a refusal, the application's own words for a failure,

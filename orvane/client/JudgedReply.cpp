@@ -27,9 +27,9 @@ class Reply {
 
   std::string msg() {
     const Value* const msg = member("msg", "the reply has no \"msg\"");
-    const std::string* const text = msg ? msg->string() : nullptr;
-    if (!text) note("the reply's \"msg\" is not a string");
-    return text ? *text : std::string();
+    const std::string* const message = msg ? msg->string() : nullptr;
+    if (!message) note("the reply's \"msg\" is not a string");
+    return message ? *message : std::string();
   }
 
   std::optional<Bytes> picture() {
@@ -95,7 +95,8 @@ JudgedReply judgeLogin(std::optional<Value> result, ErrorPtr error) {
   // Reads the reply before the error, so that a failed transfer stops the process.
   Reply reply(std::move(result));
   std::string message = reply.msg();
-  // Promised: this text, "network error", for a reply together with an error. NetworkTool never reports both.
+  // Promised: this message, "network error", for a reply together with an error. NetworkTool never reports
+  // both.
   if (error) return {.message = "网络错误", .error = std::move(error), .flaw = reply.flaw()};
   constexpr std::int64_t refusalCode = 1;  // The same for all refusals of a login.
   if (reply.code() != 0) error = refusal(message, refusalCode);

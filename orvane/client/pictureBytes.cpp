@@ -7,20 +7,20 @@ namespace orvane {
 namespace {
 
 /// Reads an optional sign and decimal digits whose value is at most 255; a minus only before zero.
-std::optional<std::uint8_t> byteInText(std::string_view text) {
-  const bool negative = text.starts_with('-');
-  if (negative || text.starts_with('+')) text.remove_prefix(1);
+std::optional<std::uint8_t> byteInString(std::string_view string) {
+  const bool negative = string.starts_with('-');
+  if (negative || string.starts_with('+')) string.remove_prefix(1);
   std::uint8_t byte = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), byte);
-  if (error != std::errc() || end != text.data() + text.size() || (negative && byte != 0))
+  const auto [end, error] = std::from_chars(string.data(), string.data() + string.size(), byte);
+  if (error != std::errc() || end != string.data() + string.size() || (negative && byte != 0))
     return std::nullopt;
   return byte;
 }
 
 std::optional<std::uint8_t> byteInElement(const Value& element) {
-  if (const std::string* text = element.string()) return byteInText(*text);
+  if (const std::string* string = element.string()) return byteInString(*string);
   const std::optional<std::string> decimal = element.numberAsString();
-  return decimal ? byteInText(*decimal) : std::nullopt;
+  return decimal ? byteInString(*decimal) : std::nullopt;
 }
 
 }  // namespace

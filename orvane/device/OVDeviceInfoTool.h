@@ -27,7 +27,7 @@ class ORVANE_API OVDeviceInfoTool {
   /// Returns "iOS " followed by the system's version, such as "iOS 12.4".
   static std::string getSystemVersion();
 
-  /// Returns the mobile carrier's name, or the text "nil" if there is no carrier.
+  /// Returns the mobile carrier's name, or the string "nil" if there is no carrier.
   static std::string getcarrierName();
 
   /// Returns the class of the main screen, as screenSizeForScreen() determines it.

@@ -6,7 +6,7 @@
 
 #include "orvane/base/ascii.h"
 #include "orvane/base/decodeUTF8.h"
-#include "orvane/base/realText.h"
+#include "orvane/base/doubleString.h"
 #include "orvane/json/readByteRun.h"
 
 namespace orvane {
@@ -181,9 +181,9 @@ bool Reader::number(Value& value) {
       return true;
     }
   }
-  const std::optional<double> real = readReal(number);
-  if (!real) return false;
-  value = *real;
+  const std::optional<double> nearest = readDouble(number);
+  if (!nearest) return false;
+  value = *nearest;
   return true;
 }
 
@@ -212,11 +212,11 @@ bool Reader::string(std::string& string) {
 /// Reads what follows a backslash.
 bool Reader::escape(std::string& string) {
   constexpr std::string_view letters = "\"\\/bfnrt";
-  constexpr std::string_view meanings = "\"\\/\b\f\n\r\t";
+  constexpr std::string_view characters = "\"\\/\b\f\n\r\t";
   const char letter = peek();
   ++at_;
   if (const std::size_t which = letters.find(letter); which != letters.npos) {
-    string.push_back(meanings[which]);
+    string.push_back(characters[which]);
     return true;
   }
   if (letter != 'u') return false;

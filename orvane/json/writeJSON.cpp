@@ -5,7 +5,7 @@
 
 #include "orvane/base/ascii.h"
 #include "orvane/base/decodeUTF8.h"
-#include "orvane/base/realText.h"
+#include "orvane/base/doubleString.h"
 
 namespace orvane {
 namespace {
@@ -86,15 +86,15 @@ bool Writer::begin(const Value& value) {
     open(*array);
   } else if (const Map* map = value.map()) {
     open(*map);
-  } else if (const std::string* text = value.string()) {
-    return string(*text);
+  } else if (const std::string* characters = value.string()) {
+    return string(*characters);
   } else if (const bool* boolean = value.boolean()) {
     append(*boolean ? "true" : "false");
   } else if (const std::int64_t* integer = value.integer()) {
     append(std::to_string(*integer));
-  } else if (const double* real = value.floating()) {
-    if (!std::isfinite(*real)) return false;
-    append(writeReal(*real));
+  } else if (const double* number = value.floating()) {
+    if (!std::isfinite(*number)) return false;
+    append(writeDouble(*number));
   } else {
     append("null");
   }
@@ -119,10 +119,10 @@ bool Writer::string(std::string_view text) {
 }
 
 void Writer::escape(char c) {
-  constexpr std::string_view meanings = "\"\\\b\f\n\r\t";
+  constexpr std::string_view characters = "\"\\\b\f\n\r\t";
   constexpr std::string_view letters = "\"\\bfnrt";
   append('\\');
-  if (const std::size_t which = meanings.find(c); which != meanings.npos) {
+  if (const std::size_t which = characters.find(c); which != characters.npos) {
     append(letters[which]);
   } else {
     append("u00");

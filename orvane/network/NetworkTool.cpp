@@ -110,9 +110,9 @@ std::optional<std::string> NetworkTool::queryString(const std::optional<Paramete
   if (!parameters) return std::nullopt;
   std::string query;
   for (const auto& [key, value] : *parameters) {
-    const std::string* text = value.string();
-    if (!text) fatal("queryString: a parameter's value is not a string");
-    const std::optional<std::string> encoded = percentEncode(*text, *platform().textRules);
+    const std::string* string = value.string();
+    if (!string) fatal("queryString: a parameter's value is not a string");
+    const std::optional<std::string> encoded = percentEncode(*string, *platform().textRules);
     if (!encoded) fatal("queryString: a parameter's value is not UTF-8");
     if (!query.empty()) query.push_back('&');
     query.append(key).append("=").append(*encoded);

@@ -6,7 +6,7 @@
 
 namespace orvane {
 
-// The texts that NetworkTool's own errors have under "error" in their user information.
+// What NetworkTool's own errors have under "error" in their user information.
 
 inline constexpr std::string_view requestNotBuilt = "请求建立失败";
 inline constexpr std::string_view replyNotDecoded = "反序列化失败";

@@ -28,9 +28,9 @@ class ORVANE_API DeviceReadings {
   virtual std::string systemVersion() const = 0;
   /// Returns the word for this kind of device, such as "iPhone".
   virtual std::string model() const = 0;
-  /// Returns the identifier that the device has for the application's vendor, or nothing if it has none.
+  /// Returns the identifier that the device has for the application's vendor, or nullopt if it has none.
   virtual std::optional<std::string> identifierForVendor() const = 0;
-  /// Returns the name of the mobile carrier, or nothing if there is none.
+  /// Returns the name of the mobile carrier, or nullopt if there is none.
   virtual std::optional<std::string> carrierName() const = 0;
   /// Returns the size of the main screen, in points.
   virtual ScreenBounds screenBounds() const = 0;

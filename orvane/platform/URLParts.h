@@ -4,7 +4,7 @@
 
 namespace orvane {
 
-/// The parts of a URL that decide where a request goes. Each is a view into the URL's text, and may be empty.
+/// The parts of a URL that decide where a request goes. Each is a view into the URL, and may be empty.
 struct URLParts {
   std::string_view scheme;
   std::string_view host;  ///< An IPv6 address includes its brackets.
@@ -14,7 +14,7 @@ struct URLParts {
   std::string_view portOrDefault() const noexcept;
 };
 
-/// Splits any text, URL or not. The text must outlive the result.
+/// Splits any string, URL or not. The string must outlive the result.
 URLParts splitURL(std::string_view url) noexcept;
 
 }  // namespace orvane

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #import <objc/runtime.h>
 
-#import "adapters/apple/platformText.h"
+#import "adapters/apple/platformString.h"
 #import "orvane/apple/platformError.h"
 #include "orvane/orvane.h"
 #include "tests/apple/standins/standins.h"
@@ -12,7 +12,7 @@
 namespace {
 
 using orvane::optionalUTF8;
-using orvane::platformText;
+using orvane::platformString;
 using orvane::utf8;
 
 /// Returns each UTF-16 unit, because two texts with different units may count as equal.
@@ -78,14 +78,14 @@ TEST(PlatformText, IsConvertedWithoutLoss) {
       NSData* const data = [NSData dataWithBytes:text.data() length:text.size()];
       NSString* const expected = [[[NSString alloc] initWithData:data
                                                         encoding:NSUTF8StringEncoding] autorelease];
-      EXPECT_EQ(unitsOf(platformText(text)), unitsOf(expected));
+      EXPECT_EQ(unitsOf(platformString(text)), unitsOf(expected));
       EXPECT_EQ(optionalUTF8(expected), text);
     }
     EXPECT_EQ(optionalUTF8(nil), std::nullopt);
-    EXPECT_EQ(orvane::platformTextOrNil({}), nil);
+    EXPECT_EQ(orvane::platformStringOrNil({}), nil);
     NSString* const broken = [[[BrokenText alloc] init] autorelease];
-    EXPECT_EQ(unitsOf(platformText(utf8(broken))), u"\uFFFD😀\uFFFDa");
-    EXPECT_EQ(unitsOf(platformText("\xFF\xED\xA0x\xF0\x9F\x98")), u"\uFFFD\uFFFD\uFFFDx\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(unitsOf(platformString(utf8(broken))), u"\uFFFD😀\uFFFDa");
+    EXPECT_EQ(unitsOf(platformString("\xFF\xED\xA0x\xF0\x9F\x98")), u"\uFFFD\uFFFD\uFFFDx\uFFFD\uFFFD\uFFFD");
   }
 }
 

@@ -21,7 +21,7 @@ class Access {
   explicit Access(std::string token) : token_(std::move(token)) {}
 
   /// Returns the refusal of a caller without access. It is the form if a browser asks for the page. Returns
-  /// nothing if the caller has access.
+  /// nullopt if the caller has access.
   std::optional<HTTPReply> refusal(const HTTPRequest& request) const;
 
   /// Returns the reply to the form: the cookie and the way to the page if the token is right, else the form.

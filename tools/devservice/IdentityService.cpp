@@ -47,7 +47,7 @@ bool isJsonType(std::string_view contentType) {
   return boost::beast::iequals(type, "application/json");
 }
 
-/// Returns the name of the first header field that is wrong, or an empty text.
+/// Returns the name of the first header field that is wrong, or an empty string.
 std::string_view wrongHeader(const HTTPRequest& request) {
   if (!isJsonType(request.header("Content-Type").value_or(""))) return "Content-Type";
   if (request.header("XRAPI-VERSION") != "1.0") return "XRAPI-VERSION";

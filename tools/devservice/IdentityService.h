@@ -42,7 +42,7 @@ struct FaultChoice {
 
 using TimePoint = std::chrono::steady_clock::time_point;
 
-/// Returns the call whose path this is, or nothing.
+/// Returns the call whose path this is, or nullopt.
 std::optional<Call> callAt(std::string_view path);
 
 /// Returns 32 bits from the system's random source.
@@ -71,7 +71,7 @@ class IdentityService {
   /// Returns what was chosen at the start.
   const Predictions& predictions() const { return predictions_; }
 
-  /// Returns what the service knows of the mobile number. Returns nothing if it has made no call, or was
+  /// Returns what the service knows of the mobile number. Returns nullopt if it has made no call, or was
   /// forgotten.
   std::optional<Inspection> inspect(std::string_view mobile) const;
 

@@ -34,7 +34,7 @@ Json entryOf(const Inspection& known) {
             {"facts", millisecondsOrNull(dates.facts)}}}};
 }
 
-/// Returns the parameter as a number, or 0 if it is missing. Returns nothing if it is not a number or above
+/// Returns the parameter as a number, or 0 if it is missing. Returns nullopt if it is not a number or above
 /// `most`.
 std::optional<std::uint64_t> numberIn(const Members& query, std::string_view name, std::uint64_t most) {
   const auto found = query.find(name);
@@ -52,7 +52,7 @@ HTTPReply jsonReply(std::string json) {
   return reply;
 }
 
-/// Returns the first parameter that is none of the names, or an empty text.
+/// Returns the first parameter that is none of the names, or an empty string.
 std::string unknownIn(const Members& query, std::initializer_list<std::string_view> names) {
   const auto isUnknown = [&](const auto& entry) {
     return std::ranges::find(names, entry.first) == names.end();
@@ -64,7 +64,7 @@ std::string unknownIn(const Members& query, std::initializer_list<std::string_vi
 /// The names of the calls. The index is a Call, less 1.
 constexpr std::string_view callNames[] = {"picture", "code", "login", "submission"};
 
-/// Returns the name of the call that the request is, or an empty text.
+/// Returns the name of the call that the request is, or an empty string.
 std::string_view callOf(const LogEntry& entry) {
   const auto call = callAt(entry.path);
   return call ? callNames[static_cast<std::size_t>(*call) - 1] : "";

@@ -21,7 +21,7 @@ inline constexpr std::chrono::hours wrongCodesWindow{1};
 /// Mobile numbers remembered. A further one replaces the one whose last call is longest ago.
 inline constexpr std::size_t maxNumbers = 10'000;
 /// Bytes of a member or of the client identifier; a call with a longer one is refused. The service keeps at
-/// most ten such texts per number.
+/// most ten such strings per number.
 inline constexpr std::size_t maxTextSize = 1024;
 
 /// Text messages that the page shows. A further one replaces the oldest.

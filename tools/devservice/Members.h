@@ -6,7 +6,7 @@
 
 namespace devservice {
 
-/// Texts by name: the members of a call's body, or the parameters of a query.
+/// Strings by name: the members of a call's body, or the parameters of a query.
 using Members = std::map<std::string, std::string, std::less<>>;
 
 }  // namespace devservice

@@ -25,7 +25,7 @@ Json firstMembers(std::string_view text) {
   return Json::parse(text, keeps, false);
 }
 
-/// Returns the members that are texts, as JSON. A call has no other members.
+/// Returns the members that are strings, as JSON. A call has no other members.
 std::string membersIn(const Json& object) {
   Json members = Json::object();
   for (const auto& [name, value] : object.items()) {

@@ -15,7 +15,7 @@
 
 namespace devservice {
 
-/// A request and its reply, unmasked. Texts longer than maxLogText are cut.
+/// A request and its reply, unmasked. Strings longer than maxLogText are cut.
 struct LogEntry {
   std::uint64_t id;  ///< Counted from 1.
   std::chrono::system_clock::time_point time;

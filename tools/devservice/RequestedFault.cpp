@@ -5,7 +5,7 @@
 namespace devservice {
 namespace {
 
-/// Returns the number that the digits make. Returns nothing if one of the characters is not a digit.
+/// Returns the number that the digits make. Returns nullopt if one of the characters is not a digit.
 std::optional<int> numberOf(std::string_view digits) {
   int number = 0;
   for (const char c : digits) {

@@ -117,7 +117,7 @@ std::string Secrets::masked(std::string_view text) const {
   const std::string lower = lowered(text);
   std::string joined = lower;
   std::erase_if(joined, [](char c) { return separators.find(c) != separators.npos; });
-  // Most texts have none of the secrets, and a search for each is fast, whatever a caller has sent.
+  // Most strings have none of the secrets, and a search for each is fast, whatever a caller has sent.
   std::vector<std::string> present;
   const std::lock_guard lock(mutex_);
   std::ranges::copy_if(secrets_, std::back_inserter(present), [&](const std::string& secret) {

@@ -7,7 +7,7 @@
 
 namespace devservice {
 
-/// The texts that a trace or a saved file must not show. Thread-safe.
+/// The strings that a trace or a saved file must not show. Thread-safe.
 class Secrets {
  public:
   /// Replaces a secret.
@@ -16,7 +16,7 @@ class Secrets {
   /// If `areMasked` is false, nothing is masked.
   explicit Secrets(bool areMasked = true) : areMasked_(areMasked) {}
 
-  /// Adds a text to mask. Ignores texts of less than two characters, which occur in any line.
+  /// Adds a string to mask. Ignores one of less than two characters, which occurs in any line.
   void add(std::string_view secret);
 
   /// Adds a mobile number, also as a service may write it: without its country code, and with a 0 instead.

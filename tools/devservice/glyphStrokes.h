@@ -15,7 +15,7 @@ using Stroke = std::vector<Point>;
 
 /// The characters that can be drawn.
 inline constexpr std::string_view drawable = "ACEFHJKLMNPRTUWXY34679BDGIOQSVZ01258";
-/// Those of random texts. None looks like another one in upper or lower case.
+/// Those of random picture texts. None looks like another one in upper or lower case.
 inline constexpr std::string_view alphabet = drawable.substr(0, 22);
 
 /// Returns the strokes of a character that can be drawn, in a box from (0, 0) at the top left to (8, 12).

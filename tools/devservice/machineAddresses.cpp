@@ -10,7 +10,7 @@
 namespace devservice {
 namespace {
 
-/// Returns the address as text, or an empty text for one that is of no use to other machines.
+/// Returns the address as text, or an empty string for one that is of no use to other machines.
 std::string textOf(const sockaddr* address, bool withIPv6) {
   char text[INET6_ADDRSTRLEN] = "";
   if (address->sa_family == AF_INET) {

@@ -60,7 +60,7 @@ std::string helpFooter() {
   return text;
 }
 
-/// Returns what is wrong with the address, or an empty text.
+/// Returns what is wrong with the address, or an empty string.
 std::string checkAddress(const std::string& text) {
   const bool isBracketed = text.starts_with('[') && text.ends_with(']');
   in6_addr bytes{};
@@ -70,8 +70,8 @@ std::string checkAddress(const std::string& text) {
   return isV6 || isV4 ? "" : "not a numeric address: " + text;
 }
 
-/// Returns what is wrong with the token, or an empty text. Its characters mean nothing else in a header
-/// field, a cookie, a form or a shell.
+/// Returns what is wrong with the token, or an empty string. Its characters have no special meaning in
+/// a header field, a cookie, a form or a shell.
 std::string checkToken(const std::string& text) {
   constexpr std::string_view characters =
       "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-._~";

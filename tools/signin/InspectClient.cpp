@@ -15,7 +15,7 @@ InspectClient::InspectClient(std::string authority) : url_("http://" + std::move
   tool_.setSession(std::make_shared<orvane::HostSession>(configuration));
 }
 
-/// Returns the reply of /inspect for the number, an entry or a refusal. Returns nothing if no JSON object
+/// Returns the reply of /inspect for the number, an entry or a refusal. Returns nullopt if no JSON object
 /// came.
 std::optional<orvane::Map> InspectClient::inspect(std::string_view mobile) {
   std::optional<orvane::Value> result;

@@ -19,7 +19,7 @@ class InspectClient {
   bool isThere();
 
   /// Returns the text of that name, such as "code", from what the service knows of the number. Returns
-  /// nothing if the service does not know it.
+  /// nullopt if the service does not know it.
   std::optional<std::string> known(std::string_view fact, const std::string& mobile);
 
  private:

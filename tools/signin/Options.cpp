@@ -47,7 +47,7 @@ Step readStep(const std::string& name) {
 }
 
 /// Returns the host and the port in HOST:PORT or [IPV6]:PORT. Without a port it is `defaultPort`. Returns
-/// nothing if the text is malformed, or the port is 0.
+/// nullopt if the text is malformed, or the port is 0.
 std::optional<Address> readAddress(std::string_view text, std::uint16_t defaultPort = 0) {
   const bool isIPv6 = text.starts_with('[');
   const std::size_t colon = text.find(':', isIPv6 ? std::min(text.find(']'), text.size()) : 0);

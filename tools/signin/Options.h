@@ -44,7 +44,7 @@ struct Options {
   /// Returns the first option that the steps need and that was not given. Empty if there is none.
   std::string_view missing() const;
   /// Returns HOST:PORT of what may be a development service: that of --connect, else that of --proxy, else an
-  /// empty text.
+  /// empty string.
   std::string service() const;
 };
 

@@ -23,7 +23,7 @@ struct PictureView {
 };
 
 /// Returns the picture in a PNG file as lines of text, one column per pixel. A picture wider or higher than
-/// `columns` pixels (at least 1) is scaled down. Returns nothing if the file is not a PNG, is damaged, or has
+/// `columns` pixels (at least 1) is scaled down. Returns nullopt if the file is not a PNG, is damaged, or has
 /// a side of more than 4096 pixels.
 std::optional<PictureView> viewPicture(std::span<const std::uint8_t> file, std::size_t columns,
                                        Palette palette);

@@ -28,7 +28,7 @@ struct Terminal {
   static std::FILE* takeOutput(bool isInteractive);
 
   /// Prints the question and reads a line; asks again while the line is blank. Returns it without leading and
-  /// trailing blanks, or nothing at the end of the input.
+  /// trailing blanks, or nullopt at the end of the input.
   static std::optional<std::string> ask(std::string_view question);
 
   /// Writes the text to standard output, without waiting for a line end.

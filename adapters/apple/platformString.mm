@@ -1,4 +1,4 @@
-#import "adapters/apple/platformText.h"
+#import "adapters/apple/platformString.h"
 
 #include <vector>
 
@@ -22,9 +22,9 @@ bool beginsWithSurrogate(std::string_view bytes) {
 
 }  // namespace
 
-std::string utf8(NSString* text) {
-  std::vector<unichar> units([text length]);
-  [text getCharacters:units.data() range:NSMakeRange(0, units.size())];
+std::string utf8(NSString* string) {
+  std::vector<unichar> units([string length]);
+  [string getCharacters:units.data() range:NSMakeRange(0, units.size())];
   std::string bytes;
   bytes.reserve(units.size());
   for (std::size_t at = 0; at < units.size(); ++at) {
@@ -36,19 +36,19 @@ std::string utf8(NSString* text) {
   return bytes;
 }
 
-std::optional<std::string> optionalUTF8(NSString* text) {
-  if (!text) return std::nullopt;
-  return utf8(text);
+std::optional<std::string> optionalUTF8(NSString* string) {
+  if (!string) return std::nullopt;
+  return utf8(string);
 }
 
-NSString* platformText(std::string_view text) {
+NSString* platformString(std::string_view string) {
   // NSString raises an exception for a null pointer, even with a length of 0.
-  if (text.empty()) return @"";
+  if (string.empty()) return @"";
   std::vector<unichar> units;
-  units.reserve(text.size());
-  for (std::size_t at = 0; at < text.size();) {
-    const std::optional<char32_t> decoded = decodeUTF8(text, at);
-    if (!decoded) at += beginsWithSurrogate(text.substr(at)) ? 3 : 1;
+  units.reserve(string.size());
+  for (std::size_t at = 0; at < string.size();) {
+    const std::optional<char32_t> decoded = decodeUTF8(string, at);
+    if (!decoded) at += beginsWithSurrogate(string.substr(at)) ? 3 : 1;
     const char32_t codePoint = decoded.value_or(0xFFFD);
     if (codePoint < 0x10000) {
       units.push_back(static_cast<unichar>(codePoint));
@@ -60,8 +60,8 @@ NSString* platformText(std::string_view text) {
   return [NSString stringWithCharacters:units.data() length:units.size()];
 }
 
-NSString* platformTextOrNil(const std::optional<std::string>& text) {
-  return text ? platformText(std::string_view(*text)) : nil;
+NSString* platformStringOrNil(const std::optional<std::string>& string) {
+  return string ? platformString(std::string_view(*string)) : nil;
 }
 
 }  // namespace orvane
