@@ -63,7 +63,7 @@ struct Outcome<void> {
 /// std::terminate. Pass what the coroutine needs as parameters, by value: the captures of a lambda are
 /// destroyed with the lambda.
 struct Detached {
-  /// The language requires it of a coroutine's type.
+  /// Makes this a coroutine's type, as the language requires.
   struct promise_type {
     /// Called by the compiler at the start and the end of the coroutine.
     ///@{
@@ -76,8 +76,8 @@ struct Detached {
   };
 };
 
-/// A call that starts when it is awaited. It always resumes the coroutine on the main queue, with an Outcome.
-/// If the session throws, `co_await` throws its exception at once, on the thread that awaits the call.
+/// A call that starts when it is awaited. It resumes the coroutine on the main queue, with an Outcome. If the
+/// session throws, `co_await` throws the same exception at once, on the thread that awaits the call.
 ///
 /// Any coroutine that accepts foreign awaitables can await it, once. A coroutine of another type than
 /// Detached belongs to its owner, which may destroy it on the main queue while the call is in progress. If
@@ -122,7 +122,8 @@ class [[nodiscard]] AwaitableCall {
     try {
       start(std::move(resume));
     } catch (...) {
-      // The coroutine gets the exception. It cannot if it has gone on, because the session called back, too.
+      // The coroutine gets the exception, unless the session also called back, so that it has gone on
+      // already.
       if (!pending->takeCoroutine()) std::terminate();
       throw;
     }

@@ -20,13 +20,13 @@ NSURLRequest* platformRequest(const URLRequest& request) {
   return made;
 }
 
-/// Refers to the bytes of `data` in place. Only mutable data is copied: `copy` returns immutable data itself.
+/// Refers to the bytes of `data` in place. Copies only mutable data: `copy` returns immutable data itself.
 Body borrowedBody(NSData* data) {
   NSData* const kept = autoreleased([data copy]);
   return {{static_cast<const std::uint8_t*>([kept bytes]), [kept length]}, retained(kept)};
 }
 
-/// An error may come with a response and with the part of the body that arrived before it.
+/// Drops what comes with an error: a response, or the part of the body that arrived before it.
 DataTaskResult resultOf(NSData* body, NSURLResponse* response, NSError* error) {
   if (error) return {std::nullopt, std::nullopt, makeError(error)};
   DataTaskResult result;
@@ -37,7 +37,7 @@ DataTaskResult resultOf(NSData* body, NSURLResponse* response, NSError* error) {
   return result;
 }
 
-/// The error that NSURLSession makes for a URL to which it cannot go.
+/// Makes the error that NSURLSession has for a URL that it cannot load.
 NSError* unsupportedURL(NSURL* url) {
   return [NSError errorWithDomain:NSURLErrorDomain
                              code:NSURLErrorUnsupportedURL
@@ -78,7 +78,7 @@ void AppleSession::startDataTask(URLRequest request, DataTaskHandler handler) {
     NSURLSessionDataTask* const task =
         [session() dataTaskWithRequest:made
                      completionHandler:^(NSData* body, NSURLResponse* response, NSError* error) {
-                       // Without a guard the task went on to a plain reply.
+                       // Without a guard the task has followed a redirect to plain HTTP.
                        if (losesEncryption(objectIn<NSURL>(first), [response URL]))
                          *refused = retained([response URL]);
                        NSError* const refusal = *refused ? unsupportedURL(objectIn<NSURL>(*refused)) : nil;

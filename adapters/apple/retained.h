@@ -5,7 +5,7 @@
 
 namespace orvane {
 
-// Serve sources that are compiled with and without automatic reference counting.
+// For sources that are compiled with and without automatic reference counting.
 
 /// Retains `object` until the last copy of the result is gone, which plain C++ can hold. Returns null for
 /// nil.
@@ -30,7 +30,7 @@ Object autoreleased(Object object) {
 #endif
 }
 
-/// Returns the object in `kept`, or nil for null. It lives as long as the autorelease pool, at least.
+/// Returns the object in `kept`, or nil for null. It lives at least until the autorelease pool is drained.
 template <class Type>
 Type* objectIn(const std::shared_ptr<const void>& kept) {
 #if __has_feature(objc_arc)

@@ -18,11 +18,11 @@ class CookieJar {
     curl_share_setopt(share_.get(), CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
   }
 
-  /// For CURLOPT_SHARE.
+  /// Returns the value for CURLOPT_SHARE.
   CURLSH* share() const noexcept { return share_.get(); }
 
-  /// Empties the jar if it holds more than 300 cookies, or more than 256 KiB of them. `handle` is one that
-  /// shares it.
+  /// Empties the jar if it holds more than 300 cookies, or more than 256 KiB of them. `handle` must
+  /// share the jar.
   void keepWithinBounds(CURL* handle) noexcept {
     std::size_t count = 0;
     std::size_t size = 0;

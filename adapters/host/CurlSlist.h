@@ -7,7 +7,7 @@
 
 namespace orvane {
 
-/// curl's list of lines.
+/// Owns a list of strings for curl.
 class CurlSlist {
  public:
   curl_slist* get() const noexcept { return list_.get(); }

@@ -29,8 +29,9 @@ void ExitGate::leave() {
 }
 
 void ExitGate::enterUntilThreadEnds() {
-  // The system calls the destructors of a thread's values in rounds, as long as there are values. What
-  // libraries have set goes in the first round, so that the gate's pass, set again then, goes in the second.
+  // The system calls the destructors of a thread's values in rounds, as long as there are values. The
+  // values of libraries go in the first round. The gate's pass is set again in that round, and so goes in the
+  // second.
   static thread_local bool isFirstRound = true;
   static const std::optional<pthread_key_t> key = [] {
     pthread_key_t made{};

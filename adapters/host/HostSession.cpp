@@ -19,8 +19,8 @@
 
 namespace orvane {
 
-/// A session's one thread. It carries out the transfers. Between its looks at them it calls the handlers of
-/// finished tasks, one at a time, in the order in which the tasks finished.
+/// A session's one thread. It carries out the transfers and, in between, calls the handlers of finished
+/// tasks, one at a time, in the order in which the tasks finished.
 ///
 /// The thread starts with the first task, keeps this object alive, and ends once the session is closed and no
 /// task is left. Public functions may be called from any thread.
@@ -119,7 +119,7 @@ class SessionThread : public std::enable_shared_from_this<SessionThread> {
   const std::chrono::milliseconds totalTimeout_;
   std::optional<TransferEngine> engine_;  // Used by the thread alone, except for wake().
 
-  std::mutex mutex_;  // For all that follows.
+  std::mutex mutex_;  // Guards all that follows.
   std::condition_variable workCame_;
   std::condition_variable becameIdle_;
   std::vector<DataTask> inbox_;
@@ -143,8 +143,8 @@ HostSessionConfiguration withinBounds(HostSessionConfiguration configuration) {
   return configuration;
 }
 
-/// Once for the process. The gates are armed after curl's libraries have registered their clean-up, and so
-/// close before it.
+/// Initialises curl, once for the process. Registers the gates after curl's libraries have registered their
+/// clean-up, so that the gates close before it.
 void prepareProcess() {
   static const CURLcode result = [] {
     const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);

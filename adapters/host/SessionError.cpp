@@ -37,7 +37,8 @@ constexpr Description descriptions[] = {
 };
 static_assert(std::size(descriptions) == sessionFailureCount);
 
-/// Takes OpenSSL's numbers. With another TLS library each refusal says that the certificate is not trusted.
+/// Takes a number of OpenSSL's. With another TLS library every failure is that the certificate is not
+/// trusted.
 SessionFailure certificateFailure(long verification) noexcept {
   switch (verification) {
     case 9:  // X509_V_ERR_CERT_NOT_YET_VALID

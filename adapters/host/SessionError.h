@@ -8,7 +8,7 @@
 
 namespace orvane {
 
-/// What can go wrong with a task.
+/// The ways in which a task can fail.
 enum class SessionFailure {
   unknown,
   requestTooLarge,
@@ -32,7 +32,7 @@ enum class SessionFailure {
 };
 inline constexpr std::size_t sessionFailureCount = 19;
 
-/// Returns what a result of curl's means. `verification` is its CURLINFO_SSL_VERIFYRESULT. Throws
+/// Returns the failure for a result of curl's. `verification` is its CURLINFO_SSL_VERIFYRESULT. Throws
 /// std::bad_alloc if curl lacked memory.
 SessionFailure sessionFailure(CURLcode result, long verification = 0);
 

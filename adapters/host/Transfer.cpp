@@ -85,7 +85,7 @@ Transfer::Transfer(TransferContext& context) : context_(context), handle_(curl_e
   } else {
     set(CURLOPT_MAXAGE_CONN, keepAlive - 1);
   }
-  // The engine sees to time-outs, across redirects. curl divides this one among the addresses of a host.
+  // The engine checks time-outs, across redirects. curl divides this one among the addresses of a host.
   set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(asInt(configuration.idleTimeout)));
   set(CURLOPT_ERRORBUFFER, errorText_.data());
   for (const CURLoption self : {CURLOPT_PRIVATE, CURLOPT_WRITEDATA, CURLOPT_HEADERDATA, CURLOPT_XFERINFODATA,
@@ -132,7 +132,7 @@ void Transfer::setMethodAndBody() {
   const std::string& method = task_.request.method();
   const std::optional<Bytes>& body = task_.request.body();
   const bool isHead = method == "HEAD";
-  // A body that is announced larger than allowed is refused at once. After HEAD none comes.
+  // A body that is announced larger than allowed is refused at once. A reply to HEAD has none.
   constexpr std::uint64_t greatest = std::numeric_limits<curl_off_t>::max();
   const auto limit = std::min<std::uint64_t>(context_.configuration.maximumBodySize, greatest);
   set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(isHead ? 0 : limit));
@@ -201,7 +201,7 @@ std::size_t Transfer::take(const char* bytes, std::size_t size) noexcept try {
   if (size > context_.configuration.maximumBodySize - exchange_.body.size())
     return refuse(SessionFailure::dataTooLarge);
   if (exchange_.body.empty()) {
-    curl_off_t announced = 0;  // Only a hint, so little is reserved for it.
+    curl_off_t announced = 0;  // Only a hint, so at most 1 MiB is reserved.
     curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
     exchange_.body.reserve(static_cast<std::size_t>(std::clamp<curl_off_t>(announced, 0, 1 << 20)));
   }
@@ -230,17 +230,17 @@ std::size_t Transfer::takeHeaderLine(std::string_view line) noexcept {
 bool Transfer::noteProgress(curl_off_t received, curl_off_t sent) noexcept {
   if (received + sent != exchange_.bytes) exchange_.lastActivity = Clock::now();
   exchange_.bytes = received + sent;
-  // Before decompression. curl itself checks that only since 8.4.
+  // Counted before decompression. curl itself checks this limit only since 8.4.
   if (static_cast<std::uint64_t>(received) > context_.configuration.maximumBodySize)
     refuse(SessionFailure::dataTooLarge);
-  // The engine sees to time-outs, unless curl does not return to it: it reads all of a proxy's refusal in one
+  // The engine checks time-outs, but only when curl returns to it. curl reads all of a proxy's refusal in one
   // call, even if that never ends. A second is enough to read what has arrived.
   if (std::max(deadline(), context_.now + std::chrono::seconds(1)) <= Clock::now())
     refuse(SessionFailure::timedOut);
   return !exchange_.refusal;
 }
 
-/// Notes why the exchange ends. Returns what tells curl to end it.
+/// Notes why the exchange ends. Returns the value that makes curl end it.
 std::size_t Transfer::refuse(SessionFailure failure) noexcept {
   exchange_.refusal = failure;
   return CURL_WRITEFUNC_ERROR;

@@ -24,7 +24,7 @@ struct DataTask {
   URLRequest request;
   DataTaskHandler handler;
   Clock::time_point deadline;  ///< When it fails with -1001, also if it has not begun.
-  int redirects = 0;           ///< How many led to `request`.
+  int redirects = 0;           ///< The redirects that led to `request`.
   std::string host = {};       ///< Scheme, host and port of `request`, once they are known to be valid.
 };
 
@@ -40,7 +40,7 @@ struct TransferContext {
 /// Not thread-safe.
 class Transfer {
  public:
-  /// `context` outlives the transfer.
+  /// `context` must outlive the transfer.
   explicit Transfer(TransferContext& context);
   Transfer(const Transfer&) = delete;
 
@@ -80,14 +80,14 @@ class Transfer {
   std::size_t refuse(SessionFailure failure) noexcept;
   SessionFailure failure(CURLcode result) const;
 
-  /// What is known of the present exchange.
+  /// What is known of the current exchange.
   struct Exchange {
     Clock::time_point lastActivity;
     curl_off_t bytes = 0;  // Of bodies, in both directions.
     bool wasSent = false;
     std::size_t headerSize = 0;
     std::size_t headerLines = 0;
-    bool isHeaderWhole = false;  // The last one: not that of an interim reply or of a proxy's.
+    bool isHeaderWhole = false;  // The final reply's: not that of an interim one or of a proxy's.
     std::optional<SessionFailure> refusal = {};  // Why a callback ended the exchange.
     Bytes body = {};
   };

@@ -17,11 +17,11 @@
 namespace orvane {
 namespace {
 
-/// How many transfers without a task are kept for later tasks.
+/// Limits the transfers without a task that are kept for later tasks.
 constexpr std::size_t keptTransfers = 6;
 
 /// Limits a request's URL and header fields together, in bytes. libcurl 8.14 leaves out a field of more than
-/// 300 KiB, and says nothing.
+/// 300 KiB without an error.
 constexpr std::size_t maximumHeadSize = 256U << 10;
 
 std::size_t headSize(const URLRequest& request) {

@@ -14,7 +14,7 @@ void startBackgroundThread(std::function<void()> body);
 /// the thread that makes it.
 const sigset_t& startersMask() noexcept;
 
-/// Gives the calling thread a signal mask while it lives.
+/// Gives the calling thread a signal mask for the lifetime of this object.
 class SignalMask {
  public:
   explicit SignalMask(const sigset_t& mask) noexcept { pthread_sigmask(SIG_SETMASK, &mask, &before_); }

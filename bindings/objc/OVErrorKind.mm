@@ -9,7 +9,7 @@ static_assert(OVErrorKindRefused == orvane::hashValue(orvane::ErrorKind::refused
 
 namespace {
 
-/// Makes the error that C++ receives. A refusal has no user information, and C++ sees no object with it.
+/// Makes the C++ error. That of a refusal, which has no user information, has no platform object either.
 orvane::Error errorOf(NSError* error) {
   orvane::Error made = *orvane::makeError(error);
   if ([[error userInfo] count] == 0) made.platformError = nullptr;

@@ -11,10 +11,10 @@ public struct PhoneSignInClient: PhoneSignIn {
   /// Prepares the library.
   /// - Parameters:
   ///   - clientId: The application's identifier, which every call sends as `XRAPI-CLIENT-ID`.
-  ///   - address: The service's address: `http` or `https`, a host, and perhaps a port and a path. Nil: the
-  ///     address that was set when the package was built. Ends the process if it is none.
-  ///   - failureWords: Returns what to tell a person about a failure that is no refusal. Called on the main
-  ///     queue, for a login or for a reply that cannot be read. Nil: the library's English sentences.
+  ///   - address: The service's address: `http` or `https`, a host, and optionally a port and a path. Any
+  ///     other URL ends the process. Nil: the address that was set when the package was built.
+  ///   - failureWords: Returns what to tell a person about a failure that is not a refusal. Called on the
+  ///     main queue, for a login or for a reply that cannot be read. Nil: the library's English sentences.
   public init(
     clientId: String? = nil, address: URL? = nil,
     failureWords: (@Sendable (SignInError) -> String)? = nil

@@ -14,7 +14,7 @@ public struct SignInError: Error, Sendable, Equatable {
     case timedOut
     /// No secure connection could be made.
     case notSecure
-    /// A reply came that could not be read, for example from a network that wants a sign-in of its own.
+    /// A reply came that could not be read, for example from a network that asks for a sign-in of its own.
     case notReadable
     /// Anything else.
     case other

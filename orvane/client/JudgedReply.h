@@ -19,7 +19,7 @@ struct JudgedReply {
   ErrorPtr error = {};
 
   /// Says what the call cannot read. Empty if it can read everything. With a flaw, `error` is NetworkTool's
-  /// or the session's, if it reported one, and the other members mean nothing.
+  /// or the session's, if it reported one, and the other members have no meaning.
   std::string_view flaw = {};
 };
 

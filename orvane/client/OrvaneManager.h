@@ -22,22 +22,22 @@ namespace orvane {
 /// | the transfer fails | the session's own error; a login stops the process | the session queue |
 /// | the reply is not JSON | NetworkTool's error; a login stops the process | the session queue |
 ///
-/// Stops the process, without calling `finished`, if the reply lacks a member that the call reads or has one
-/// of another kind, and if an argument is not UTF-8.
+/// Stops the process, without calling `finished`, if the reply lacks a member that the call reads, if that
+/// member has another type, or if an argument is not UTF-8.
 ///
 /// **With Platform::failureWords** nothing that the network does stops the process. Where a call would stop,
 /// `finished` receives on the main queue an error whose domain is the application's words, whose code is -1,
 /// or 1 for a login, and whose `cause` is what happened. docs/errors.md lists what can go wrong, and what to
 /// do then.
 ///
-/// No call is repeated by the library, whatever becomes of it.
+/// The library repeats no call, whatever its outcome.
 ///
 /// A call throws what its session throws when it starts the request; then `finished` is not called. A
 /// HostSession throws std::system_error if it has no thread yet and the system has none to give.
 ///
-/// The calls may be made from any thread. If two threads make calls while the client identifier changes,
-/// either call may carry either identifier. `finished` may be empty and must not throw. The library keeps it
-/// until the call ends. It does not keep the manager, which may be destroyed earlier.
+/// The calls may be made from any thread. If managers with different client identifiers make calls at the
+/// same time, each call may carry the identifier of any of them. `finished` may be empty and must not throw.
+/// The library keeps it until the call ends. It does not keep the manager, which may be destroyed earlier.
 ///
 /// Promised: the order of the virtual functions, on which subclasses that were compiled earlier depend.
 class ORVANE_API OrvaneManager {
@@ -46,8 +46,8 @@ class ORVANE_API OrvaneManager {
   using PictureCodeFinished = std::function<void(std::optional<Bytes> data, ErrorPtr error)>;
   /// Receives the reason why the code was not sent, or null if it was.
   using CodeFinished = std::function<void(ErrorPtr error)>;
-  /// Receives the service's message, for an accepted and for a refused login, and for a refused one an error.
-  /// After a failure with Platform::failureWords: the words, and an error.
+  /// Receives the service's message after an accepted login, and the message and an error after a refused
+  /// one. After a failure with Platform::failureWords: the words, and an error.
   using LoginFinished = std::function<void(std::optional<std::string> message, ErrorPtr error)>;
 
   /// Returns the shared manager, which is made on first use and never destroyed.
@@ -73,8 +73,8 @@ class ORVANE_API OrvaneManager {
   virtual void setAppClientId(std::string clientId);
 
   /// Fetches the picture verification code for the mobile number `mobile`. Also writes the error of a failed
-  /// transfer, or of a reply that is not JSON, to standard output: one line with its domain and code. A
-  /// picture is limited by its reply, and that by the session: HostSessionConfiguration::maximumBodySize.
+  /// transfer, or of a reply that is not JSON, to standard output: one line with its domain and code. The
+  /// session limits the size of the reply, and so of the picture: HostSessionConfiguration::maximumBodySize.
   virtual void requestPictureCode(std::string mobile, PictureCodeFinished finished);
 
   /// Asks the service to send a code by SMS to `mobile`. `codeNumber` is what the user read from the picture.
@@ -86,9 +86,9 @@ class ORVANE_API OrvaneManager {
   /// Warning: without Platform::failureWords, stops the process if the transfer fails or the reply is not
   /// JSON, because the reply is read before the error.
   ///
-  /// After an accepted login a report is sent to the service: the system's version, the carrier's name and
-  /// the device's model. It is started before `finished` is called, and its outcome is ignored. A process
-  /// that ends after a login waits for its session first: see HostSession::waitUntilIdle.
+  /// After an accepted login the library sends a report to the service: the system's version, the carrier's
+  /// name and the device's model. It starts the report before it calls `finished`, and ignores the outcome. A
+  /// program that ends after a login first waits for its session: see HostSession::waitUntilIdle.
   virtual void requestLogin(std::string mobile, std::string code, LoginFinished finished);
 
  private:

@@ -20,7 +20,7 @@ void reportDevice(const std::string& mobile) {
   try {
     sendWithStoredHeaders(deviceReportCall, std::move(body), nullptr);
   } catch (...) {
-    // The session threw, for want of a thread. The login succeeded, and no outcome of the report counts.
+    // The session threw because it has no thread. The login succeeded, and the report's outcome is ignored.
   }
 }
 

@@ -8,8 +8,8 @@ struct Model {
   DeviceName name;
 };
 
-// Promised: these models and no others. The names travel to the service, which may not expect more of them,
-// so a later model is Unknown.
+// Promised: these models and no others. The names are sent to the service, which may not know others, so a
+// later model is Unknown.
 constexpr std::array<Model, 52> models = {{
     {"iPhone3,1", DeviceName::iPhone4},     {"iPhone3,2", DeviceName::iPhone4},
     {"iPhone3,3", DeviceName::iPhone4},     {"iPhone4,1", DeviceName::iPhone4S},

@@ -8,7 +8,7 @@
 
 namespace orvane {
 
-/// Facts about the device, which each call reads from the platform. May be used from any thread.
+/// Reads facts about the device from the platform, anew with each call. May be used from any thread.
 class ORVANE_API OVDeviceInfoTool {
  public:
   OVDeviceInfoTool();

@@ -23,7 +23,7 @@ class Writer {
   std::optional<Bytes> write(const Value& value) { return begin(value) ? rest() : std::nullopt; }
 
  private:
-  /// A container of which something is still to be written. Either `array` or `map` is set.
+  /// A container that is not written completely yet. Either `array` or `map` is set.
   struct Open {
     const Array* array;
     const Map* map;

@@ -24,8 +24,8 @@ using Parameters = Map;
 /// Sends a request and hands over the decoded JSON reply, or an error.
 ///
 /// May be used from any thread. A tool keeps a header set and a session. Each is replaced as a whole: a call
-/// that races with a replacement uses the old one or the new one, never a mixture. A request in flight keeps
-/// its completion and nothing of the tool, so destroying a tool cancels nothing.
+/// that races with a replacement uses the old one or the new one, never a mixture. A request in flight does
+/// not refer to its tool, so destroying a tool cancels nothing.
 ///
 /// Promised: the order of the virtual functions, on which subclasses that were compiled earlier depend.
 class ORVANE_API NetworkTool {
@@ -34,7 +34,7 @@ class ORVANE_API NetworkTool {
   using Completion = std::function<void(std::optional<Value> result, ErrorPtr error)>;
 
   /// The domain of the errors that the tool makes itself. Promised: applications compare this string, so it
-  /// stays, whatever the library is called.
+  /// stays, although the library has another name.
   static constexpr std::string_view errorDomain = "com.brovent.error";
 
   NetworkTool();
@@ -59,8 +59,8 @@ class ORVANE_API NetworkTool {
   /// | the body is not JSON | error errorDomain -1, "error": "反序列化失败" | the session queue |
   /// | the body is a JSON map or array, with any HTTP status | the value | the main queue |
   ///
-  /// Does not call `completion` if cancleAllNetwork() drops its turn on the session queue. Stops the process
-  /// if the session is absent.
+  /// Does not call `completion` if cancleAllNetwork() drops its handler. Stops the process if session() is
+  /// null.
   virtual void requestJSON(HTTPMethod method, std::string_view url,
                            const std::optional<Parameters>& parameters, Completion completion);
 

@@ -69,7 +69,7 @@ void ReaddressedSession::startDataTask(URLRequest request, DataTaskHandler handl
   std::string_view rest = request.url();
   if (rest.starts_with(serviceBaseURL())) {
     rest.remove_prefix(serviceBaseURL().size());
-    // Otherwise the host's name only begins with the service's.
+    // Otherwise the host name is a longer one that only begins with the service's.
     if (rest.empty() || rest.find_first_of("/?#") == 0) request.setURL(address_ + std::string(rest));
   }
   session_->startDataTask(std::move(request), std::move(handler));

@@ -6,7 +6,7 @@
 
 namespace orvane {
 
-// What NetworkTool's own errors have under "error" in their user information.
+// The values of "error" in the user information of NetworkTool's own errors.
 
 inline constexpr std::string_view requestNotBuilt = "请求建立失败";
 inline constexpr std::string_view replyNotDecoded = "反序列化失败";

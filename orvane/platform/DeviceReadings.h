@@ -13,7 +13,7 @@ struct ScreenBounds {
   double height = 0;  ///< From top to bottom.
 };
 
-/// Facts about the device, which each call reads from the system. May be used from any thread.
+/// Reads facts about the device from the system, anew with each call. May be used from any thread.
 class ORVANE_API DeviceReadings {
  public:
   DeviceReadings() = default;
@@ -26,7 +26,7 @@ class ORVANE_API DeviceReadings {
   virtual std::string machine() const = 0;
   /// Returns the system's version, such as "15.4".
   virtual std::string systemVersion() const = 0;
-  /// Returns the word for this kind of device, such as "iPhone".
+  /// Returns the model word, such as "iPhone".
   virtual std::string model() const = 0;
   /// Returns the identifier that the device has for the application's vendor, or nullopt if it has none.
   virtual std::optional<std::string> identifierForVendor() const = 0;

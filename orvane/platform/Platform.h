@@ -21,20 +21,20 @@ struct Platform {
   std::shared_ptr<DispatchQueue> mainQueue = {};
   /// Runs work concurrently, in the background. Promised for NetworkTool::demoGCDGroup(), its one user.
   std::shared_ptr<DispatchQueue> globalQueue = {};
-  /// Says what is a URL, and what is a letter, mark or number.
+  /// Decides what is a URL, and which characters are letters, marks or numbers.
   std::shared_ptr<const TextRules> textRules = {};
   /// Reads facts about the device.
   std::shared_ptr<const DeviceReadings> deviceReadings = {};
   /// Returns what to tell a person about a failure. Absent by default: then a login whose transfer fails, and
-  /// a reply that a call cannot read, stop the process. If present, such a call reports an error instead,
-  /// whose `cause` is the argument and whose domain is the words. Called on the main queue, once for each
+  /// a reply that a call cannot read, stop the process. If present, such a call reports an error instead: its
+  /// `cause` is the argument, and its domain is the words. Called on the main queue, once for each
   /// such failure, just before `finished`. Must not throw.
   std::function<std::string(const Error& cause)> failureWords = {};
 };
 
 /// Replaces services of the platform, for a test or for an application with its own event loop, session,
-/// device readings or words for failures. Where a service of `platform` is null, the adapter's own is used.
-/// Call it at most once, before the first use of the library. A later or second call stops the process.
+/// device readings or words for failures. A service that is null in `platform` stays the adapter's. Call it
+/// at most once, before the first use of the library. A later or second call stops the process.
 ORVANE_API void installPlatform(Platform platform);
 
 /// Returns the platform in use, with every service set. It never changes after the first call.

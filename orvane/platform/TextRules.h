@@ -6,7 +6,7 @@
 
 namespace orvane {
 
-/// What the library asks its platform about text. May be used from any thread.
+/// Answers the library's questions about URLs and characters. May be used from any thread.
 class ORVANE_API TextRules {
  public:
   TextRules() = default;

@@ -14,7 +14,7 @@ struct URLParts {
   std::string_view portOrDefault() const noexcept;
 };
 
-/// Splits any string, URL or not. The string must outlive the result.
+/// Splits `url`, which need not be a valid URL, and must outlive the result.
 URLParts splitURL(std::string_view url) noexcept;
 
 }  // namespace orvane

@@ -20,7 +20,8 @@ struct DataTaskResult {
   std::optional<Body> body = {};              ///< After decompression.
   std::optional<HTTPResponse> response = {};  ///< The last one, if there were redirects.
   /// The session's own error, or null. Needs user information, such as a sentence for people under
-  /// "NSLocalizedDescription": an error without it counts as a refusal, and message() shows its domain.
+  /// "NSLocalizedDescription": an error without it counts as a refusal, and errorMessage() returns its
+  /// domain.
   ErrorPtr error = {};
 };
 

@@ -17,8 +17,8 @@ namespace orvane {
 ///   if (const auto open = form.lock()) open->show(error);
 /// }));
 ///
-/// `finished` must not be empty. Calls it at most once. It may have move-only captures. They are released
-/// with the last copy of the callback, even if the callback is never called.
+/// `finished` must not be empty. It may have move-only captures, which are released with the last copy of the
+/// callback, even if the callback is never called.
 template <class Finished>
 auto onMainQueue(Finished finished) {
   return [finished = std::make_shared<Finished>(std::move(finished))]<class... Results>(

@@ -45,26 +45,25 @@ class FakeService final : public URLSession {
   /// The reply to a request, or the failure of its transfer.
   class Reply {
    public:
-    /// The service accepts. `picture` has the bytes that the call for a picture receives, and `message` what
-    /// a login does.
+    /// Makes a reply that accepts a call. The call for a picture receives `picture`, and a login `message`.
     static Reply accepted(Bytes picture = {}, std::string message = "ok") {
       return {
           Map{{"code", 0}, {"msg", std::move(message)}, {"data", Array(std::move(picture))}}, {}, nullptr};
     }
-    /// The service refuses. A login receives the code 1 in place of `code`.
+    /// Makes a reply that refuses a call. A login receives the code 1 in place of `code`.
     static Reply refused(std::int64_t code, std::string message) {
       return {Map{{"code", code}, {"msg", std::move(message)}}, {}, nullptr};
     }
-    /// The transfer fails. `code` is one of NSURLErrorDomain: -1009 without a network, -1001 after a
+    /// Makes the transfer fail. `code` is one of NSURLErrorDomain: -1009 without a network, -1001 after a
     /// time-out.
     static Reply failed(std::int64_t code) {
       return failed(Error{"NSURLErrorDomain", code, {{"NSErrorFailingURLStringKey", serviceBaseURL()}}});
     }
-    /// The transfer fails with an error of the test's own.
+    /// Makes the transfer fail with `error`.
     static Reply failed(Error error) {
       return {std::nullopt, {}, std::make_shared<const Error>(std::move(error))};
     }
-    /// A reply with any body: "<html>", for example.
+    /// Makes a reply with any body: "<html>", for example.
     static Reply text(std::string body) { return {std::nullopt, std::move(body), nullptr}; }
 
    private:
@@ -85,9 +84,9 @@ class FakeService final : public URLSession {
     ErrorPtr error_;
   };
 
-  /// Returns the one service. The first call installs it as the platform's session, together with the main
-  /// queue that settle() runs and the other members of `platform`; later ones ignore `platform`. Stops the
-  /// process if the library is in use by then.
+  /// Returns the service. The first call installs it as the platform's session, together with the main
+  /// queue that settle() runs and the other members of `platform`; later calls ignore `platform`. Stops the
+  /// process if the library was used before.
   static FakeService& installed(Platform platform = {}) {
     static const auto* const shared = [&] {
       const auto* made = new std::shared_ptr<FakeService>(new FakeService);
@@ -99,7 +98,7 @@ class FakeService final : public URLSession {
     return **shared;
   }
 
-  /// Forgets all requests, also those that wait, which are never reported. Accepts all calls again.
+  /// Forgets all requests. Those that wait are never reported. Accepts all calls again.
   void reset() {
     cancelAllOperations();
     const std::lock_guard lock(mutex_);
@@ -135,7 +134,8 @@ class FakeService final : public URLSession {
     return requests_;
   }
 
-  /// A request whose path is not that of a call fails with -1003, and is not recorded. Hosts do not matter.
+  /// Records the request. One whose path is not that of a call fails with -1003, and is not recorded. The
+  /// host does not matter.
   void startDataTask(URLRequest request, DataTaskHandler handler) override {
     constexpr std::array<std::string_view, 4> paths = {"/tenant/verify/captcha", "/tenant/getVerifyCode",
                                                        "/tenant/submitVerifyCode",

@@ -28,8 +28,8 @@ constexpr std::string_view formStart =
 <button>Open</button></p>
 )";
 
-/// Returns the form with a sentence in it. Its header fields replace the page's: it has to be sent, and with
-/// an origin, which a browser withholds if it may not send a referrer.
+/// Returns the form with a sentence in it. Its header fields replace the page's: they let a browser send the
+/// form, and send it with an origin, which it withholds if it may not send a referrer.
 HTTPReply form(int status, std::string_view sentence) {
   HTTPReply reply{status, "text/html; charset=utf-8", std::string(formStart)};
   reply.body.append("<p role=\"status\">").append(sentence).append("</p>\n</form>\n");

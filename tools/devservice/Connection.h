@@ -25,7 +25,7 @@ class Connection {
   using Clock = std::chrono::steady_clock;
   using Socket = boost::asio::ip::tcp::socket;
 
-  /// What a connection tells and asks the server.
+  /// The functions of the server that a connection calls.
   struct Hooks {
     std::function<void()> rested;    ///< Called each time the connection becomes idle or parked.
     std::function<void()> answered;  ///< Called each time a request was answered.
@@ -87,7 +87,7 @@ class Connection {
   bool isParked_ = false;
   bool asksAgain_ = false;
   Clock::time_point parkedUntil_;
-  boost::beast::flat_buffer buffer_;  // Limited, since the parser wants a chunk's line or a trailer whole.
+  boost::beast::flat_buffer buffer_;  // Limited, since the parser collects a chunk's line or a trailer in it.
   Clock::time_point idleSince_;
 };
 

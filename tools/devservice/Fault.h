@@ -20,7 +20,7 @@ struct Fault {
 /// Number of the fault that delays the reply.
 inline constexpr int lateFault = 1;
 
-/// Size in bytes of "data" as the fault leaves it that makes "data" too large.
+/// The size in bytes to which the fault "1 MiB" pads "data".
 inline constexpr std::size_t oversizedDataSize = std::size_t{1} << 20;
 
 /// Returns all faults.

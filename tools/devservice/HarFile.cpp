@@ -28,7 +28,7 @@ Json pair(const std::string& name, const std::string& value) {
   return {{"name", name}, {"value", value}};
 }
 
-/// Unmasked, a body is left as it came, with all of a picture.
+/// Returns the body without its secrets. If nothing is masked, it stays as it came, with all of a picture.
 std::string bodyText(const std::string& body, const Secrets& secrets) {
   return secrets.areMasked() ? secrets.maskedBody(body) : body;
 }

@@ -57,7 +57,7 @@ std::string_view wrongHeader(const HTTPRequest& request) {
 }
 
 /// Copies the object's members to `members`. Returns the name of the first member that is wrong, or an empty
-/// text.
+/// string.
 std::string takeMembers(const nlohmann::json& object, Names names, Members& members) {
   for (const std::string_view name : names) {
     const auto found = object.find(name);

@@ -9,9 +9,9 @@
 
 namespace devservice {
 
-/// Answers /inspect and /inspect/requests, for the page and for scripts on this machine: tells what the
-/// service knows of each mobile number and what it was asked, waits for a text message, and resets the
-/// service. Not thread-safe.
+/// Answers /inspect and /inspect/requests, for the page and for scripts on this machine: reports what the
+/// service knows about each mobile number and which requests it received, waits for a text message, and
+/// resets the service. Not thread-safe.
 class InspectEndpoint {
  public:
   /// Both must outlive the endpoint.

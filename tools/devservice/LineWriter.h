@@ -5,7 +5,7 @@
 
 namespace devservice {
 
-/// Writes lines to a descriptor, on a thread of its own: a reader that stops reading stops nothing but the
+/// Writes lines to a descriptor, on a thread of its own, so that a reader that stops reading delays only the
 /// lines. Keeps at most maxWaitingLines of them, drops further ones, and says in their place how many.
 class LineWriter {
  public:

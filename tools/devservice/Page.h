@@ -27,7 +27,7 @@ class Page {
   HTTPReply chooseFault(const HTTPRequest& request);
 
   IdentityService& service_;
-  const std::string run_;  // Tells the script that the service was restarted.
+  const std::string run_;  // Differs after a restart, so that the script notices it.
 };
 
 }  // namespace devservice

@@ -7,8 +7,8 @@
 
 namespace devservice {
 
-/// What the service does not leave to chance, for scripts that know it in advance. Everything else stays: a
-/// text has to be sent back in time, and can be used once.
+/// What scripts know in advance about codes and pictures. All other rules stay: a code or a picture's text
+/// has to be sent back in time, and can be used once.
 struct Predictions {
   std::optional<std::string> code = {};         ///< Of every text message: six digits.
   std::optional<std::string> pictureText = {};  ///< Of every picture: see isPictureText().

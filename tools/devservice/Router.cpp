@@ -63,7 +63,7 @@ Router::Router(IdentityService& service, std::vector<std::string> hosts, Log log
       log_(std::move(log)) {}
 
 HTTPReply Router::answer(const HTTPRequest& request) {
-  // For whatever watches the service, by any name. Says nothing but that it serves.
+  // For programs that watch the service, under any host name. Reports only that it runs.
   if (request.path == healthPath && !request.isProxied && request.method != "CONNECT") {
     const bool isGet = request.method == "GET" || request.method == "HEAD";
     return isGet ? makeReply({Code::success, "serving", {}}) : refuseMethod("GET, HEAD");

@@ -31,7 +31,7 @@ std::optional<orvane::Map> InspectClient::inspect(std::string_view mobile) {
 }
 
 bool InspectClient::isThere() {
-  // No number is empty, so a development service refuses to tell of it, with a code of its own.
+  // No number is empty, so a development service refuses this with a code that no other service has.
   const auto reply = inspect("");
   const auto code = reply ? reply->find("code") : orvane::Map::const_iterator();
   if (!reply || code == reply->end()) return false;

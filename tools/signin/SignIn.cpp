@@ -159,7 +159,7 @@ StepOutcome SignIn::fail(Step step, const orvane::Error& error) const {
   const orvane::ErrorKind kind = orvane::errorKind(error);
   const bool isRefusal = kind == orvane::ErrorKind::refused;
   const std::string message = orvane::errorMessage(error);
-  // A trace stands on standard error, too, and may be passed on.
+  // A trace is on standard error, too, and may be passed on to others.
   const std::string shown = options_.trace ? dependencies_.secrets.masked(message) : message;
   Terminal::complain(std::string(stepNames[static_cast<std::size_t>(step)]) + ": " + printable(shown) + " (" +
                      std::string(rawValue(kind)) + ", " + (isRefusal ? "" : printable(error.domain) + " ") +

@@ -23,8 +23,8 @@ struct Terminal {
   /// Returns the colours that standard output can show: none if NO_COLOR in the environment is not empty.
   static Palette outputPalette();
 
-  /// Returns standard output, which print() uses no more: it writes to standard error if there is a person,
-  /// else nowhere. To be called at most once. Throws std::system_error.
+  /// Returns standard output. After this, print() writes to standard error if there is a person, else not at
+  /// all. To be called at most once. Throws std::system_error.
   static std::FILE* takeOutput(bool isInteractive);
 
   /// Prints the question and reads a line; asks again while the line is blank. Returns it without leading and

@@ -53,8 +53,8 @@ typedef struct orvane_failure {
 
 /** What orvane_prepare() needs to know. Set the members that are not used to zero. */
 typedef struct orvane_setup {
-  /** The service's address: "http://" or "https://", a host, and perhaps a port and a path. Null: the address
-      that is compiled into the library. The process stops if it is none. */
+  /** The service's address: "http://" or "https://", a host, and optionally a port and a path. Any other
+      string stops the process. Null: the address that is compiled into the library. */
   const char* address;
 
   /** Posts to the program's event loop and returns: the loop later calls `run(work)`, once, and keeps the
@@ -62,9 +62,9 @@ typedef struct orvane_setup {
   void (*post)(void (*run)(void* work), void* work, void* context);
 
   /** Returns what to tell a person if a call cannot report its reply: after a login without one, or after a
-      reply without a member that the call reads. Made with malloc(); the library frees it. Called on the
-      event loop's thread, with `context`. May be null or return null: then the library has an English
-      sentence. */
+      reply without a member that the call reads. Makes the string with malloc(), and the library frees it.
+      Called on the event loop's thread, with `context`. If this is null or returns null, the library uses an
+      English sentence. */
   char* (*failure_words)(const orvane_failure* cause, void* context);
 
   /** Handed to the two functions above. */

@@ -1,6 +1,6 @@
 #import <Foundation/Foundation.h>
 
-// What the header tells Swift. The macros are empty where the system's headers lack them.
+// Annotations for Swift, empty where the system's headers lack them.
 #ifdef NS_SWIFT_NAME
 #define ORVANE_NAME(name) NS_SWIFT_NAME(name)
 #else
@@ -36,10 +36,10 @@ FOUNDATION_EXPORT const unsigned char OrvaneVersionString[];
 /// Signs a user in with a mobile phone number: fetches a picture to read, has a code sent by SMS, and logs in
 /// with it.
 ///
-/// Each call sends one request and calls its block exactly once: on the main queue after a
-/// reply, accepted or refused, else on the URL session's delegate queue in the background. A login without a
-/// JSON reply stops the process, and so does any reply that lacks what the call reads. OVSession prevents
-/// both. docs/errors.md lists all outcomes, and orvane/client/OrvaneManager.h has the same contract for C++.
+/// Each call sends one request and calls its block exactly once: on the main queue if the service accepted or
+/// refused it, else on the URL session's delegate queue in the background. A login without a JSON reply stops
+/// the process, and so does any reply that lacks what the call reads. The words of OVSession prevent both.
+/// docs/errors.md lists all outcomes, and orvane/client/OrvaneManager.h has the same contract for C++.
 ///
 /// A refusal is an error whose domain is the service's message. A network error is the URL session's own
 /// object. An argument that UTF-8 cannot hold, a lone surrogate, stops the process.
@@ -71,9 +71,9 @@ __attribute__((visibility("default")))
 /// Sets the client identifier of later calls, through the property's setter.
 - (void)setAppClientId:(NSString*)clientId;
 
-/// Fetches the picture verification code for a mobile number. The block receives its bytes, which may be
-/// none, or an error. An error other than a refusal is also written to standard output: one line with its
-/// domain and code.
+/// Fetches the picture verification code for a mobile number. The block receives the bytes of the picture,
+/// which may be empty, or an error. An error other than a refusal is also written to standard output: one
+/// line with its domain and code.
 - (void)requestPictureCode:(NSString*)mobile
                   finished:(void(ORVANE_SENDABLE ^)(NSData* _Nullable data, NSError* _Nullable error))finished
     ORVANE_ASYNC(2);
@@ -84,14 +84,14 @@ __attribute__((visibility("default")))
          codeNumber:(NSString*)codeNumber
            finished:(void(ORVANE_SENDABLE ^)(NSError* _Nullable error))finished ORVANE_ASYNC(3);
 
-/// Logs in with the code that came by SMS. The block receives the service's message, for an accepted and for
-/// a refused login, and for a refused one an error with the code 1.
+/// Logs in with the code that came by SMS. The block receives the service's message after an accepted login,
+/// and the message and an error with the code 1 after a refused one.
 ///
 /// Warning: without the words of OVSession, stops the process if the request fails or the reply is not JSON,
 /// because the reply is read before the error.
 ///
-/// After an accepted login a report is sent to the service: the system's version, the carrier's name and the
-/// device's model. Its outcome is ignored.
+/// After an accepted login the library sends a report to the service: the system's version, the carrier's
+/// name and the device's model. It ignores the outcome.
 - (void)requestLogin:(NSString*)mobile
                 code:(NSString*)code
             finished:(void(ORVANE_SENDABLE ^)(NSString* _Nullable message, NSError* _Nullable error))finished
@@ -116,7 +116,7 @@ __attribute__((visibility("default")))
 /// Returns the mobile carrier's name, or "nil" if there is none.
 + (NSString*)getcarrierName;
 
-/// Makes an object that has no use, since all methods are the class's.
+/// Makes an object without any use: all methods are class methods.
 - (instancetype)init;
 
 @end
@@ -147,34 +147,34 @@ __attribute__((visibility("default"))) NSString* OVMessageOfError(NSError* error
 }
 #endif
 
-/// Chooses how all calls reach the service, and what they say if they do not. Without it they use
+/// Chooses the URL session, the address and the words for failures of all calls. Without it they use
 /// NSURLSession's shared session and the address that is compiled in, and a login stops the process if its
 /// request fails.
 ORVANE_SENDABLE
 __attribute__((visibility("default")))
 @interface OVSession : NSObject
 
-/// Sends all requests through `session`, to `address`. The words keep every failure from stopping the
-/// process.
+/// Sends all requests through `session`, to `address`.
 ///
-/// Nil stands for the shared session. The delegate queue of another must be serial and not the main queue, as
-/// it is by default. It must not be invalidated.
+/// `session` must not be invalidated. Its delegate queue must be serial and not the main queue, as it is by
+/// default. Nil: NSURLSession's shared session.
 ///
-/// `address` is "http://" or "https://", a host, and perhaps a port and a path. The process stops if it is
-/// none. Nil stands for the address that is compiled in.
+/// `address` is "http://" or "https://", a host, and optionally a port and a path. Any other URL stops the
+/// process. Nil: the address that is compiled in.
 ///
 /// `failureWords` returns what to tell a person about a failure. Where a call would stop the process for what
-/// the network did, it calls the block with the cause, on the main queue. Then the call's own block receives,
-/// also on the main queue, an error whose domain is the words, and whose code is -1, or 1 for a login.
-/// OVKindOfError() tells the kind of its cause. With nil, such a call stops the process.
+/// the network did, it calls `failureWords` with the cause, on the main queue. Then the call's own block
+/// receives, also on the main queue, an error whose domain is the words, and whose code is -1, or 1 for a
+/// login. OVKindOfError() returns the kind of its cause. With nil, such a call stops the process.
 ///
-/// The last call counts. Once a manager has made a call, or OVDeviceInfoTool was used, it stops the process.
+/// The last call counts. A call after a manager has made a request, or after OVDeviceInfoTool was used, stops
+/// the process.
 + (void)useSession:(nullable NSURLSession*)session
            address:(nullable NSURL*)address
       failureWords:(nullable NSString*(ORVANE_SENDABLE ^)(NSError* cause))failureWords
     ORVANE_NAME(use(_:address:failureWords:));
 
-/// Makes an object that has no use, since all methods are the class's.
+/// Makes an object without any use: all methods are class methods.
 - (instancetype)init;
 
 @end

@@ -7,13 +7,13 @@
 namespace orvane {
 
 /// Makes an error with the domain and the code of `error`, and those entries of its user information whose
-/// key and value are strings. Keeps `error` as the platform's object, and its cause, if it is the error of a
-/// failure in the application's words. Returns null for nil.
+/// key and value are strings. Keeps `error` as the platform's object. An error that platformError() made with
+/// a cause gets its cause back. Returns null for nil.
 ORVANE_API ErrorPtr makeError(NSError* _Nullable error);
 
-/// Returns the very object that `error` was made from. If it was not made from one, makes an object with its
-/// domain, its code, and those entries of its user information whose value is a string. One with a cause has
-/// it in the user information, and its domain as the description. Returns nil for null.
+/// Returns the very object that `error` was made from. If there is none, makes an object with the domain, the
+/// code, and those entries of the user information whose value is a string. For an error with a cause, the
+/// user information also has the cause, and the domain as description. Returns nil for null.
 ORVANE_API NSError* _Nullable platformError(const ErrorPtr& error);
 
 }  // namespace orvane

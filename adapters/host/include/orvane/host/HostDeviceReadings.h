@@ -22,7 +22,7 @@ struct HostDeviceFacts {
 /// model word. Returns the application's facts for all other readings.
 class ORVANE_API HostDeviceReadings final : public DeviceReadings {
  public:
-  /// Keeps `facts` for what `uname` does not tell.
+  /// Keeps `facts` for what `uname` does not report.
   explicit HostDeviceReadings(HostDeviceFacts facts = {}) : facts_(std::move(facts)) {}
 
   std::string machine() const override;

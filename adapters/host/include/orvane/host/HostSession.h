@@ -14,7 +14,7 @@ namespace orvane {
 
 /// Sends requests for one address to another. The request itself stays the same, including its Host field.
 struct Reroute {
-  /// The host name in the URL. Upper and lower case are equal. Empty: any host.
+  /// The host name in the URL, in upper or lower case. Empty: any host.
   std::string host;
   /// The port in the URL, or the default port of its scheme. Default: 80. Set it to 443 for `https`.
   std::uint16_t port = 80;
@@ -66,16 +66,16 @@ struct HostSessionConfiguration {
 
 class SessionThread;
 
-/// HTTP/1.1 on ordinary machines, by libcurl. Carries out requests with the schemes http and https.
+/// Carries out http and https requests on ordinary machines, with HTTP/1.1 and libcurl.
 ///
 /// **One thread** starts with the first task, and ends after the last one once the session is destroyed. It
-/// carries out the transfers, and between two looks at them calls the handlers, one at a time, in the order
-/// in which the tasks finished. A slow handler delays all other tasks of the session. What arrived meanwhile
-/// is read before the idle time-out is judged, so no reply is lost. A connection that was being made, and a
-/// task beyond `totalTimeout`, can time out.
+/// carries out the transfers and calls the handlers, one at a time, in the order in which the tasks finished.
+/// A slow handler delays all other tasks of the session. After it the thread reads what has arrived before it
+/// checks the idle time-out, so no reply is lost. Only a connection that was being made, or a task beyond
+/// `totalTimeout`, may have timed out meanwhile.
 ///
-/// **Cookies** live as long as the session. Nothing is stored. All cookies are dropped when a transfer leaves
-/// more than 300 of them, or more than 256 KiB. The Cookie field of a request and the session's cookies are
+/// **Cookies** live as long as the session, in memory. All of them are dropped when a transfer leaves more
+/// than 300 of them, or more than 256 KiB. The Cookie field of a request and the session's cookies are
 /// sent in one line. libcurl limits that line to 8 KiB: it leaves out the request's own field if the
 /// session's cookies for the host fill the line.
 ///
@@ -91,9 +91,9 @@ class SessionThread;
 ///
 /// **The end of the process** waits for threads inside libcurl, and for session threads that are ending, for
 /// at most three seconds, and up to half a second for a running handler. No handler begins after that.
-/// Statics made before the process's first session still exist until then; others may not. The shared library
-/// is never unloaded. A library that contains the static one must not be unloaded once a session has had a
-/// task.
+/// Until then the statics that were made before the process's first session exist; others may not. The shared
+/// library is never unloaded. A shared library that contains the static one must not be unloaded once a
+/// session has had a task.
 ///
 /// **Child processes.** A handler runs with the signal mask of the thread that started the first task, with
 /// SIGPIPE blocked in addition. A child that the handler starts inherits that mask. At all other times the
@@ -106,7 +106,7 @@ class SessionThread;
 /// "NSErrorFailingURLStringKey", and libcurl's own words, if it has any, under "NSDebugDescription".
 class ORVANE_API HostSession final : public URLSession {
  public:
-  /// Starts nothing yet.
+  /// Makes a session without a thread, which starts with the first task.
   explicit HostSession(HostSessionConfiguration configuration = {});
   /// Returns at once. Tasks that were started go on and call their handlers. A handler may destroy its own
   /// session.
@@ -117,10 +117,10 @@ class ORVANE_API HostSession final : public URLSession {
   void startDataTask(URLRequest request, DataTaskHandler handler) override;
   void cancelAllOperations() override;
 
-  /// Waits until no task is left: each has called its handler, which has returned, or was cancelled. Returns
-  /// true then, or false after `limit`. A program that is about to end calls it, so that its last requests
-  /// are sent. The session must outlive the call. Must not be called by a handler of the session, whose task
-  /// is left until the handler returns.
+  /// Waits until no task is left. A task is left until its handler has returned, or was dropped by
+  /// cancelAllOperations(). Returns true then, or false after `limit`. Call it before the program ends, so
+  /// that its last requests are sent. The session must outlive the call. Must not be called by a handler of
+  /// the session, whose own task is left.
   bool waitUntilIdle(std::chrono::milliseconds limit);
 
  private:

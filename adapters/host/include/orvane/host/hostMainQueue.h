@@ -5,7 +5,7 @@
 
 namespace orvane {
 
-/// The main queue of the default platform, for the program to run. Lives until the process ends.
+/// Returns the main queue of the default platform, for the program to run. It lives until the process ends.
 ORVANE_API MainQueue& hostMainQueue();
 
 }  // namespace orvane
