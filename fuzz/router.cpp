@@ -13,7 +13,7 @@
 #include "fuzz/fuzz.h"
 #include "orvane/platform/URLRequest.h"
 #include "tools/devservice/IdentityService.h"
-#include "tools/devservice/Target.h"
+#include "tools/support/Target.h"
 
 namespace devservice {
 namespace {
@@ -28,7 +28,7 @@ std::pair<std::string, std::string> split(const std::string& text, char at) {
 
 HTTPRequest takeRequest(FuzzedDataProvider& input) {
   const auto [method, text] = split(input.ConsumeRandomLengthString(), ' ');
-  const Target target = parseTarget(text);
+  const support::Target target = support::parseTarget(text);
   const auto field = split(input.ConsumeRandomLengthString(), ':');
   const std::string body = input.ConsumeRandomLengthString();
   HTTPRequest request{method, target.path, {}, body, "127.0.0.1", target.query, target.authority.has_value()};

@@ -2,8 +2,8 @@
 #include <tuple>
 
 #include "tests/tools/ServiceBench.h"
-#include "tools/devservice/Target.h"
 #include "tools/devservice/isLocalCaller.h"
+#include "tools/support/Target.h"
 
 namespace devservice {
 namespace {
@@ -269,7 +269,7 @@ TEST(Router, IsAProxyForItsOwnHostsAlone) {
   };
   for (const auto& [method, text, status] : cases) {
     ServiceBench bench;
-    const Target target = parseTarget(text);
+    const support::Target target = support::parseTarget(text);
     HTTPRequest request{method, target.path, {}, "", "127.0.0.1", target.query, target.authority.has_value()};
     if (target.authority) request.headers.emplace_back("Host", *target.authority);
     EXPECT_EQ(bench.router.answer(request).status, status) << text;

@@ -8,7 +8,7 @@ namespace signin {
 namespace {
 
 TEST(SignInTrace, MasksBodies) {
-  devservice::Secrets secrets;
+  support::Secrets secrets;
   for (const char* secret : {"", "7", "+447700900123", "k9XF", "4477009"}) secrets.add(secret);
   const std::string deep = std::string(200'000, '[') + "\"k9XF\"" + std::string(200'000, ']');
   const std::pair<std::string, std::string> cases[] = {
@@ -31,14 +31,14 @@ TEST(SignInTrace, MasksANumberHoweverItIsWritten) {
       {"12345", "12345, 1 23 45, 312345, 345", "***, ***, 3***, 345"},
   };
   for (const auto& [number, text, masked] : cases) {
-    devservice::Secrets secrets;
+    support::Secrets secrets;
     secrets.addNumber(number);
     EXPECT_EQ(secrets.masked(text), masked);
   }
 }
 
 TEST(SignInTrace, WritesRequestsAsCommandsAndRepliesWithoutControls) {
-  const auto secrets = std::make_shared<devservice::Secrets>();
+  const auto secrets = std::make_shared<support::Secrets>();
   secrets->add("s3cret");
   const std::string body = R"({"mobile":"+4477","msg":"s3cret isn't ö"})";
   orvane::URLRequest request("http://example.test/a?b=s3cret");

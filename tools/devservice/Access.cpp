@@ -4,10 +4,10 @@
 #include <boost/beast/core/string.hpp>
 #include <cstddef>
 
-#include "tools/devservice/Target.h"
 #include "tools/devservice/isFromOwnOrigin.h"
 #include "tools/devservice/isLocalCaller.h"
 #include "tools/devservice/makeReply.h"
+#include "tools/support/Target.h"
 
 namespace devservice {
 namespace {
@@ -58,7 +58,7 @@ HTTPReply Access::enter(const HTTPRequest& request) const {
   if (token_.empty()) return makeRefusal(404, Code::unknownPath);
   if (request.method != "POST") return refuseMethod("POST");
   if (!isFromOwnOrigin(request)) return makeRefusal(403, Code::notLocal);
-  const Members members = queryMembers(request.body);
+  const support::Members members = support::queryMembers(request.body);
   const auto token = members.find("token");
   if (token == members.end() || !isToken(token->second)) return form(403, "That is not the token.");
   HTTPReply reply{303, "text/plain", ""};

@@ -15,8 +15,8 @@
 #include <string_view>
 #include <utility>
 
-#include "tools/devservice/Target.h"
 #include "tools/devservice/makeReply.h"
+#include "tools/support/Target.h"
 
 namespace devservice {
 namespace {
@@ -31,7 +31,7 @@ constexpr std::chrono::seconds lingering{1};
 constexpr std::size_t maxBuffered = 2 * maxHeadSize;
 
 HTTPRequest requestFrom(const http::request<http::string_body>& message, const std::string& peer) {
-  Target target = parseTarget(message.target());
+  support::Target target = support::parseTarget(message.target());
   HTTPRequest request{.method = message.method_string(),
                       .path = std::move(target.path),
                       .headers = {},

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "tools/devservice/Json.h"
 #include "tools/devservice/ReplyDraft.h"
+#include "tools/support/Json.h"
 
 namespace devservice {
 namespace {
@@ -36,10 +36,10 @@ constexpr Fault table[] = {
     {15, "reply", "element 256", "\"data\" ends in the element 256",
      [](ReplyDraft& draft) { draft.object["data"].push_back(256); }},
     {16, "reply", "array", "the body is an array around the object",
-     [](ReplyDraft& draft) { draft.object = Json::array({draft.object}); }},
+     [](ReplyDraft& draft) { draft.object = support::Json::array({draft.object}); }},
     {17, "reply", "1 MiB", "\"data\" is padded with zeros to 1 MiB",
      [](ReplyDraft& draft) {
-       Json& data = draft.object["data"];
+       support::Json& data = draft.object["data"];
        std::vector<std::uint8_t> bytes;
        if (data.is_array()) bytes = data.get<std::vector<std::uint8_t>>();
        bytes.resize(oversizedDataSize);

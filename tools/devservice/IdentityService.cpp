@@ -7,10 +7,10 @@
 #include <span>
 #include <utility>
 
-#include "tools/devservice/Json.h"
 #include "tools/devservice/drawPicture.h"
 #include "tools/devservice/glyphStrokes.h"
 #include "tools/devservice/makeReply.h"
+#include "tools/support/Json.h"
 
 namespace devservice {
 namespace {
@@ -58,7 +58,7 @@ std::string_view wrongHeader(const HTTPRequest& request) {
 
 /// Copies the object's members to `members`. Returns the name of the first member that is wrong, or an empty
 /// string.
-std::string takeMembers(const nlohmann::json& object, Names names, Members& members) {
+std::string takeMembers(const nlohmann::json& object, Names names, support::Members& members) {
   for (const std::string_view name : names) {
     const auto found = object.find(name);
     if (found == object.end() || !found->is_string()) return std::string(name);
@@ -93,9 +93,9 @@ HTTPReply IdentityService::answer(const HTTPRequest& request) {
   if (request.body.size() > maxBodySize) return makeRefusal(413, Code::tooLarge);
   if (const auto name = wrongHeader(request); !name.empty()) return makeRefusal(200, Code::badHeader, name);
 
-  const nlohmann::json object = parsed(request.body);
+  const nlohmann::json object = support::parsed(request.body);
   if (!object.is_object()) return makeRefusal(200, Code::malformedBody);
-  Members members;
+  support::Members members;
   if (const auto name = takeMembers(object, route->members, members); !name.empty()) {
     return makeRefusal(200, Code::badMember, name);
   }
@@ -165,7 +165,7 @@ RequestedFault IdentityService::requestedFaultFor(std::string_view mobile, Call 
   return choice_.requested;
 }
 
-ReplyBody IdentityService::perform(Call call, const Members& members,
+ReplyBody IdentityService::perform(Call call, const support::Members& members,
                                    std::optional<std::string_view> clientId) {
   const std::string& mobile = members.find("mobile")->second;
   {
@@ -247,7 +247,7 @@ ReplyBody IdentityService::login(const std::string& mobile, std::string_view cod
   return {Code::success, "welcome", {}};
 }
 
-ReplyBody IdentityService::submit(const Members& facts) {
+ReplyBody IdentityService::submit(const support::Members& facts) {
   const std::lock_guard lock(mutex_);
   Record& record = records_.touch(facts.find("mobile")->second);
   if (!record.signedIn) return ReplyBody::refusal(Code::notSignedIn);

@@ -17,11 +17,11 @@
 #include "tools/devservice/HTTPRequest.h"
 #include "tools/devservice/Inspection.h"
 #include "tools/devservice/Limits.h"
-#include "tools/devservice/Members.h"
 #include "tools/devservice/Predictions.h"
 #include "tools/devservice/RecentMap.h"
 #include "tools/devservice/ReplyBody.h"
 #include "tools/devservice/RequestedFault.h"
+#include "tools/support/Members.h"
 
 namespace devservice {
 
@@ -107,7 +107,7 @@ class IdentityService {
     std::optional<std::string> message;
     std::optional<std::uint64_t> messageId;
     std::optional<Drawing> drawing;
-    std::optional<Members> facts;
+    std::optional<support::Members> facts;
     std::optional<std::string> clientId;
     bool signedIn = false;
     int wrongCodes = 0;        // In the current window.
@@ -121,11 +121,11 @@ class IdentityService {
   static Inspection view(const Record& record, TimePoint now);
 
   RequestedFault requestedFaultFor(std::string_view mobile, Call call);
-  ReplyBody perform(Call call, const Members& members, std::optional<std::string_view> clientId);
+  ReplyBody perform(Call call, const support::Members& members, std::optional<std::string_view> clientId);
   ReplyBody sendPicture(const std::string& mobile);
   ReplyBody sendCode(const std::string& mobile, std::string_view pictureText);
   ReplyBody login(const std::string& mobile, std::string_view code);
-  ReplyBody submit(const Members& facts);
+  ReplyBody submit(const support::Members& facts);
 
   std::uint32_t random();
   std::uint32_t below(std::uint32_t bound);

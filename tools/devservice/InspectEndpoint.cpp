@@ -8,14 +8,21 @@
 #include <utility>
 #include <vector>
 
-#include "tools/devservice/HarFile.h"
-#include "tools/devservice/Json.h"
-#include "tools/devservice/Secrets.h"
-#include "tools/devservice/Target.h"
 #include "tools/devservice/makeReply.h"
+#include "tools/support/HarFile.h"
+#include "tools/support/Json.h"
+#include "tools/support/Secrets.h"
+#include "tools/support/Target.h"
+#include "tools/support/milliseconds.h"
 
 namespace devservice {
 namespace {
+
+using namespace support;
+
+Json timeOrNull(const std::optional<std::chrono::system_clock::time_point>& time) {
+  return time ? Json(milliseconds(*time)) : Json();
+}
 
 Json entryOf(const Inspection& known) {
   const Dates& dates = known.dates;
@@ -27,11 +34,11 @@ Json entryOf(const Inspection& known) {
           {"clientId", orNull(known.clientId)},
           {"signedIn", known.signedIn},
           {"times",
-           {{"call", millisecondsOrNull(dates.call)},
-            {"picture", millisecondsOrNull(dates.picture)},
-            {"message", millisecondsOrNull(dates.message)},
-            {"login", millisecondsOrNull(dates.login)},
-            {"facts", millisecondsOrNull(dates.facts)}}}};
+           {{"call", timeOrNull(dates.call)},
+            {"picture", timeOrNull(dates.picture)},
+            {"message", timeOrNull(dates.message)},
+            {"login", timeOrNull(dates.login)},
+            {"facts", timeOrNull(dates.facts)}}}};
 }
 
 /// Returns the parameter as a number, or 0 if it is missing. Returns nullopt if it is not a number or above

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/devservice/Members.h"
+#include "tools/support/Members.h"
 
 namespace devservice {
 
@@ -26,10 +26,10 @@ struct Inspection {
   std::optional<std::string> picture;  ///< The picture's text, while it can be used.
   std::optional<std::string> message;  ///< The last text message.
   std::optional<std::uint64_t> messageId;
-  std::optional<std::string> code;      ///< The code, while it can be used.
-  std::optional<Drawing> drawing;       ///< The last picture, also after it was used or has expired.
-  std::optional<Members> facts;         ///< The last submission, with its "mobile".
-  std::optional<std::string> clientId;  ///< The client identifier of the last call, if it had one.
+  std::optional<std::string> code;        ///< The code, while it can be used.
+  std::optional<Drawing> drawing;         ///< The last picture, also after it was used or has expired.
+  std::optional<support::Members> facts;  ///< The last submission, with its "mobile".
+  std::optional<std::string> clientId;    ///< The client identifier of the last call, if it had one.
   bool signedIn = false;
   Dates dates;
 };

@@ -4,15 +4,19 @@
 #include <chrono>
 #include <utility>
 
-#include "tools/devservice/Json.h"
 #include "tools/devservice/Limits.h"
 #include "tools/devservice/PageFile.h"
-#include "tools/devservice/Target.h"
 #include "tools/devservice/drawPicture.h"
 #include "tools/devservice/makeReply.h"
+#include "tools/support/Json.h"
+#include "tools/support/Target.h"
+#include "tools/support/milliseconds.h"
 
 namespace devservice {
 namespace {
+
+using support::Json;
+using support::orNull;
 
 constexpr std::string_view picturePrefix = "/page/picture/";
 
@@ -42,7 +46,7 @@ Json messages(const IdentityService& service) {
   for (const TextMessage& message : service.messages()) {
     const auto known = service.inspect(message.mobile);
     all.push_back({{"id", message.id},
-                   {"time", milliseconds(message.time)},
+                   {"time", support::milliseconds(message.time)},
                    {"mobile", message.mobile},
                    {"text", message.text},
                    {"waits", known && known->code && known->messageId == message.id}});
@@ -87,7 +91,7 @@ HTTPReply Page::answer(const HTTPRequest& request) {
 }
 
 HTTPReply Page::state(const HTTPRequest& request) const {
-  const Members query = queryMembers(request.query);
+  const support::Members query = support::queryMembers(request.query);
   const auto filter = query.find("filter");
   const Json all = {{"run", run_},
                     {"predictions", predictions(service_.predictions())},
@@ -97,7 +101,7 @@ HTTPReply Page::state(const HTTPRequest& request) const {
                     {"numberCount", service_.size()},
                     {"numbers", numbers(service_, filter == query.end() ? "" : filter->second)}};
   HTTPReply reply;
-  reply.body = dumped(all);
+  reply.body = support::dumped(all);
   return reply;
 }
 
@@ -111,7 +115,7 @@ HTTPReply Page::picture(std::string_view mobile) const {
 /// Chooses the fault in the body: {"fault": N, "delay": MS, "every": N}. N is null for no fault; the last two
 /// members may be missing.
 HTTPReply Page::chooseFault(const HTTPRequest& request) {
-  const nlohmann::json object = parsed(request.body);
+  const nlohmann::json object = support::parsed(request.body);
   if (!object.is_object()) return makeRefusal(400, Code::malformedBody);
   if (!object.contains("fault")) return makeRefusal(400, Code::badMember, "fault");
   FaultChoice choice;

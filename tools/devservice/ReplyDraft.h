@@ -4,13 +4,13 @@
 #include <string>
 
 #include "tools/devservice/HTTPReply.h"
-#include "tools/devservice/Json.h"
+#include "tools/support/Json.h"
 
 namespace devservice {
 
 /// A reply that a fault may still change.
 struct ReplyDraft {
-  Json object;
+  support::Json object;
   std::optional<std::string> body = std::nullopt;  ///< Sent in place of the object, if set.
   int status = 200;
   TransportFault transport = TransportFault::none;

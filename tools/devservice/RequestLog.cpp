@@ -2,11 +2,13 @@
 
 #include <algorithm>
 
-#include "tools/devservice/Json.h"
 #include "tools/devservice/Limits.h"
+#include "tools/support/Json.h"
 
 namespace devservice {
 namespace {
+
+using support::Json;
 
 // The index is a TransportFault.
 constexpr std::string_view faultNotes[] = {"", "delayed", "dropped", "cut", "reset", "not answered"};
@@ -31,7 +33,7 @@ std::string membersIn(const Json& object) {
   for (const auto& [name, value] : object.items()) {
     if (value.is_string()) members[cut(name)] = cut(value.get_ref<const std::string&>());
   }
-  return dumped(members);
+  return support::dumped(members);
 }
 
 }  // namespace

@@ -5,9 +5,9 @@
 #include <iterator>
 #include <utility>
 
-#include "tools/devservice/appendHexEscape.h"
 #include "tools/devservice/hostOf.h"
 #include "tools/devservice/makeReply.h"
+#include "tools/support/appendHexEscape.h"
 
 namespace devservice {
 namespace {
@@ -19,7 +19,7 @@ std::string escaped(std::string_view text) {
     if (c >= ' ' && c <= '~') {
       result.push_back(c);
     } else {
-      appendHexEscape(result, c);
+      support::appendHexEscape(result, c);
     }
   }
   return result;

@@ -2,18 +2,17 @@
 
 #include <algorithm>
 #include <boost/beast/core/string.hpp>
-#include <iterator>
 
 #include "tools/devservice/hostOf.h"
 #include "tools/devservice/isFromOwnOrigin.h"
+#include "tools/support/localHosts.h"
 
 namespace devservice {
 namespace {
 
-constexpr std::string_view localHosts[] = {"localhost", "127.0.0.1", "[::1]"};
-
 bool isLocalHost(std::string_view host) {
-  return std::ranges::any_of(localHosts, [&](auto name) { return boost::beast::iequals(name, host); });
+  return std::ranges::any_of(support::localHosts,
+                             [&](auto name) { return boost::beast::iequals(name, host); });
 }
 
 }  // namespace

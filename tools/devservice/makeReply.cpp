@@ -1,7 +1,7 @@
 #include "tools/devservice/makeReply.h"
 
-#include "tools/devservice/Json.h"
 #include "tools/devservice/ReplyDraft.h"
+#include "tools/support/Json.h"
 
 namespace devservice {
 
@@ -10,7 +10,7 @@ HTTPReply makeReply(const ReplyBody& body, const RequestedFault& requested) {
   if (body.data) draft.object["data"] = *body.data;
   if (requested.fault && requested.fault->corrupt) requested.fault->corrupt(draft);
   return {.status = draft.status,
-          .body = draft.body ? *draft.body : dumped(draft.object),
+          .body = draft.body ? *draft.body : support::dumped(draft.object),
           .fault = draft.transport,
           .delay = requested.delay};
 }

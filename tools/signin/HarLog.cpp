@@ -10,13 +10,13 @@
 
 namespace signin {
 
-HarLog::HarLog(std::string path, std::shared_ptr<const devservice::Secrets> secrets)
+HarLog::HarLog(std::string path, std::shared_ptr<const support::Secrets> secrets)
     : path_(std::move(path)), secrets_(std::move(secrets)) {
   if (!write())
     throw UsageError("--har: cannot write " + path_ + ": " + std::system_category().message(errno));
 }
 
-void HarLog::add(devservice::Exchange exchange) {
+void HarLog::add(support::Exchange exchange) {
   const std::lock_guard lock(mutex_);
   exchanges_.push_back(std::move(exchange));
   if (!write()) Terminal::complain("--har: cannot write " + path_);
@@ -24,9 +24,9 @@ void HarLog::add(devservice::Exchange exchange) {
 
 bool HarLog::write() const {
   std::vector<std::string> entries;
-  for (const devservice::Exchange& exchange : exchanges_) entries.push_back(harEntry(exchange, *secrets_));
+  for (const support::Exchange& exchange : exchanges_) entries.push_back(harEntry(exchange, *secrets_));
   std::ofstream file(path_, std::ios::binary);
-  file << devservice::harFile("orvane-signin", entries);
+  file << support::harFile("orvane-signin", entries);
   return static_cast<bool>(file.flush());
 }
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/devservice/HarFile.h"
+#include "tools/support/HarFile.h"
 
 namespace signin {
 
@@ -13,19 +13,19 @@ namespace signin {
 class HarLog {
  public:
   /// Writes a file without entries. Throws UsageError if it cannot be written.
-  HarLog(std::string path, std::shared_ptr<const devservice::Secrets> secrets);
+  HarLog(std::string path, std::shared_ptr<const support::Secrets> secrets);
 
   /// Adds the exchange, and writes the file anew, since the library may stop the process at any reply. Masks
   /// earlier exchanges again, with secrets that were not known then. Complains if it cannot write.
-  void add(devservice::Exchange exchange);
+  void add(support::Exchange exchange);
 
  private:
   bool write() const;
 
   const std::string path_;
-  const std::shared_ptr<const devservice::Secrets> secrets_;
+  const std::shared_ptr<const support::Secrets> secrets_;
   std::mutex mutex_;
-  std::vector<devservice::Exchange> exchanges_;
+  std::vector<support::Exchange> exchanges_;
 };
 
 }  // namespace signin

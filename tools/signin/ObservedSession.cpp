@@ -1,14 +1,13 @@
 #include "tools/signin/ObservedSession.h"
 
 #include <chrono>
-#include <cstdint>
 #include <cstdio>
 #include <ctime>
-#include <span>
 #include <string>
 #include <utility>
 
 #include "tools/signin/Terminal.h"
+#include "tools/support/milliseconds.h"
 
 namespace signin {
 namespace {
@@ -17,38 +16,32 @@ namespace {
 std::string timeText() {
   const auto now = std::chrono::system_clock::now();
   const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-  const auto milliseconds =
-      std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count();
   std::tm local{};
   localtime_r(&seconds, &local);
   char text[32];
   const std::size_t size = std::strftime(text, sizeof text, "# %H:%M:%S.", &local);
-  std::snprintf(text + size, sizeof text - size, "%03d", static_cast<int>(milliseconds % 1000));
+  std::snprintf(text + size, sizeof text - size, "%03d", static_cast<int>(support::milliseconds(now) % 1000));
   return text;
 }
 
-std::string textOf(std::span<const std::uint8_t> bytes) {
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-devservice::Exchange exchangeOf(const orvane::URLRequest& request) {
-  devservice::Exchange exchange{
+support::Exchange exchangeOf(const orvane::URLRequest& request) {
+  support::Exchange exchange{
       .start = std::chrono::system_clock::now(), .method = request.method(), .url = request.url()};
   for (const orvane::HeaderField& field : request.headers()) {
     exchange.headers.emplace_back(field.name, field.value);
   }
-  if (request.body()) exchange.requestBody = textOf(*request.body());
+  if (request.body()) exchange.requestBody.emplace(request.body()->begin(), request.body()->end());
   exchange.requestSize = exchange.requestBody.value_or("").size();
   return exchange;
 }
 
-void addOutcome(const orvane::DataTaskResult& result, devservice::Exchange& exchange) {
+void addOutcome(const orvane::DataTaskResult& result, support::Exchange& exchange) {
   if (result.error) {
     exchange.comment = orvane::errorDescription(*result.error);
     return;
   }
   exchange.status = result.response->statusCode;
-  exchange.replyBody = textOf(*result.body);
+  exchange.replyBody.emplace(result.body->begin(), result.body->end());
   exchange.replySize = exchange.replyBody->size();
 }
 

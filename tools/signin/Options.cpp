@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "orvane/orvane.h"
+#include "tools/support/localHosts.h"
 
 namespace signin {
 namespace {
@@ -103,8 +104,7 @@ void refuseContradictions(const Options& options) {
   if (!options.unmasked || options.embedsService()) return;
   const std::string service = options.service();
   const std::string_view host = std::string_view(service).substr(0, service.rfind(':'));
-  constexpr std::string_view own[] = {"localhost", "127.0.0.1", "[::1]"};
-  if (std::ranges::find(own, host) == std::end(own)) {
+  if (std::ranges::find(support::localHosts, host) == std::end(support::localHosts)) {
     throw UsageError("--unmasked: allowed only if the requests stay on this machine");
   }
 }

@@ -2,8 +2,9 @@
 
 #include <atomic>
 #include <csignal>
-#include <nlohmann/json.hpp>
 #include <unistd.h>
+
+#include "tools/support/Json.h"
 
 namespace signin {
 namespace {
@@ -11,10 +12,9 @@ namespace {
 std::atomic<const Report*> opened = nullptr;
 
 std::string line(const std::optional<Step>& step, const StepEnd& stepEnd) {
-  using Json = nlohmann::ordered_json;
+  using support::Json, support::orNull;
   constexpr const char* outcomes[] = {"success", "refusal",     "usage",  "network",
                                       "fault",   "interrupted", "aborted"};
-  const auto orNull = [](const auto& value) { return value ? Json(*value) : Json(); };
   Json object;
   object["step"] = step ? Json(stepNames[static_cast<std::size_t>(*step)]) : Json();
   object["outcome"] = outcomes[static_cast<std::size_t>(stepEnd.outcome)];

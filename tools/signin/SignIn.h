@@ -5,13 +5,13 @@
 #include <string_view>
 
 #include "orvane/orvane.h"
-#include "tools/devservice/Secrets.h"
 #include "tools/signin/InspectClient.h"
 #include "tools/signin/ObservedSession.h"
 #include "tools/signin/Options.h"
 #include "tools/signin/Report.h"
 #include "tools/signin/Step.h"
 #include "tools/signin/StepEnd.h"
+#include "tools/support/Secrets.h"
 
 namespace signin {
 
@@ -25,7 +25,7 @@ class SignIn {
     bool isInteractive;        ///< True if a person answers for missing options, else `inspector` does.
     InspectClient* inspector;  ///< May be null if no option is missing or there is a person.
     ObservedSession& session;  ///< The session that the library uses.
-    devservice::Secrets& secrets;
+    support::Secrets& secrets;
     Report& report;
     std::FILE* pictureOutput;  ///< The file for --picture -, else null.
   };

@@ -30,14 +30,12 @@ std::string maskedUser(const std::string& url) {
   const std::size_t at = url.rfind('@');
   if (at == url.npos) return url;
   const std::size_t scheme = url.find("//");
-  return url.substr(0, scheme < at ? scheme + 2 : 0) + std::string(devservice::Secrets::mask) +
-         url.substr(at);
+  return url.substr(0, scheme < at ? scheme + 2 : 0) + std::string(support::Secrets::mask) + url.substr(at);
 }
 
 }  // namespace
 
-Trace::Trace(orvane::HostSessionConfiguration configuration,
-             std::shared_ptr<const devservice::Secrets> secrets)
+Trace::Trace(orvane::HostSessionConfiguration configuration, std::shared_ptr<const support::Secrets> secrets)
     : configuration_(std::move(configuration)), secrets_(std::move(secrets)) {}
 
 std::string Trace::headerWord(const orvane::HeaderField& field) const {

@@ -7,7 +7,7 @@
 
 #include "orvane/host/HostSession.h"
 #include "orvane/orvane.h"
-#include "tools/devservice/Secrets.h"
+#include "tools/support/Secrets.h"
 
 namespace signin {
 
@@ -16,7 +16,7 @@ namespace signin {
 class Trace {
  public:
   /// `configuration` is that of the session that sends the requests.
-  Trace(orvane::HostSessionConfiguration configuration, std::shared_ptr<const devservice::Secrets> secrets);
+  Trace(orvane::HostSessionConfiguration configuration, std::shared_ptr<const support::Secrets> secrets);
 
   /// Returns the request as a curl command on one line. The command reaches the service the way the session
   /// does.
@@ -30,7 +30,7 @@ class Trace {
   std::string headerWord(const orvane::HeaderField& field) const;
 
   const orvane::HostSessionConfiguration configuration_;
-  const std::shared_ptr<const devservice::Secrets> secrets_;
+  const std::shared_ptr<const support::Secrets> secrets_;
 };
 
 }  // namespace signin

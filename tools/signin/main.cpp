@@ -12,7 +12,6 @@
 #include "orvane/host/HostSession.h"
 #include "orvane/orvane.h"
 #include "tools/devservice/IdentityService.h"
-#include "tools/devservice/Secrets.h"
 #include "tools/devservice/Server.h"
 #include "tools/signin/HarLog.h"
 #include "tools/signin/InspectClient.h"
@@ -22,6 +21,7 @@
 #include "tools/signin/SignIn.h"
 #include "tools/signin/Terminal.h"
 #include "tools/signin/onInterruption.h"
+#include "tools/support/Secrets.h"
 
 namespace {
 
@@ -70,7 +70,7 @@ StepOutcome signIn(const Options& options, Report& report, std::FILE*& output) {
   if (options.embedsService()) embedded.emplace();
   const std::optional<Address> address =
       embedded ? Address{"127.0.0.1", embedded->server.port()} : options.connect;
-  const auto secrets = std::make_shared<devservice::Secrets>(!options.unmasked);
+  const auto secrets = std::make_shared<support::Secrets>(!options.unmasked);
   if (options.mobile) secrets->addNumber(*options.mobile);
   for (const auto& given : {options.clientId, options.captcha, options.code}) {
     if (given) secrets->add(*given);

@@ -1,6 +1,6 @@
 #include "tools/signin/printable.h"
 
-#include "tools/devservice/appendHexEscape.h"
+#include "tools/support/appendHexEscape.h"
 
 namespace signin {
 
@@ -15,7 +15,7 @@ std::string printable(std::string_view text) {
   std::string result;
   while (!text.empty()) {
     const std::size_t size = controlSize(text);
-    for (const char c : text.substr(0, size)) devservice::appendHexEscape(result, c);
+    for (const char c : text.substr(0, size)) support::appendHexEscape(result, c);
     if (size == 0) result.push_back(text.front());
     text.remove_prefix(size == 0 ? 1 : size);
   }

@@ -1,7 +1,7 @@
 #include "tools/signin/shellWord.h"
 
-#include "tools/devservice/appendHexEscape.h"
 #include "tools/signin/printable.h"
+#include "tools/support/appendHexEscape.h"
 
 namespace signin {
 
@@ -12,7 +12,7 @@ std::string shellWord(std::string_view text) {
   while (!text.empty()) {
     const std::size_t size = controlSize(text);
     const char c = text.front();
-    for (const char control : text.substr(0, size)) devservice::appendHexEscape(word, control);
+    for (const char control : text.substr(0, size)) support::appendHexEscape(word, control);
     if (size > 0) {
       text.remove_prefix(size);
       continue;

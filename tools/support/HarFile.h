@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "tools/devservice/Secrets.h"
+#include "tools/support/Secrets.h"
 
-namespace devservice {
+namespace support {
 
 /// A request and its outcome.
 struct Exchange {
@@ -35,4 +35,4 @@ std::string harEntry(const Exchange& exchange, const Secrets& secrets);
 /// that writes it.
 std::string harFile(std::string_view creator, std::span<const std::string> entries);
 
-}  // namespace devservice
+}  // namespace support

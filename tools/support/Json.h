@@ -1,13 +1,11 @@
 #pragma once
 
-#include <chrono>
-#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 
-namespace devservice {
+namespace support {
 
 /// JSON whose members keep the order in which they are added.
 using Json = nlohmann::ordered_json;
@@ -24,18 +22,9 @@ Json orNull(const std::optional<Value>& value) {
   return value ? Json(*value) : Json();
 }
 
-/// Returns the milliseconds since 1970.
-inline std::int64_t milliseconds(std::chrono::system_clock::time_point time) {
-  return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
-}
-
-inline Json millisecondsOrNull(const std::optional<std::chrono::system_clock::time_point>& time) {
-  return time ? Json(milliseconds(*time)) : Json();
-}
-
 /// Returns the JSON on one line. Bytes that are not UTF-8 become U+FFFD.
 inline std::string dumped(const Json& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-}  // namespace devservice
+}  // namespace support

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace devservice {
+namespace support {
 
 /// Appends the byte as \xNN.
 inline void appendHexEscape(std::string& text, char byte) {
@@ -12,4 +12,4 @@ inline void appendHexEscape(std::string& text, char byte) {
   text.append({'\\', 'x', digits[value >> 4], digits[value & 15]});
 }
 
-}  // namespace devservice
+}  // namespace support

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace devservice {
+namespace support {
 
 /// The strings that a trace or a saved file must not show. Thread-safe.
 class Secrets {
@@ -50,4 +50,4 @@ class Secrets {
   std::vector<std::string> secrets_;  // In lower case, longest first.
 };
 
-}  // namespace devservice
+}  // namespace support

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "tools/devservice/Members.h"
+#include "tools/support/Members.h"
 
-namespace devservice {
+namespace support {
 
 /// The target of a request line, in its parts.
 struct Target {
@@ -23,4 +23,4 @@ Target parseTarget(std::string_view text);
 /// counts.
 Members queryMembers(std::string_view query);
 
-}  // namespace devservice
+}  // namespace support

@@ -1,4 +1,4 @@
-#include "tools/devservice/Secrets.h"
+#include "tools/support/Secrets.h"
 
 #include <algorithm>
 #include <boost/beast/core/string.hpp>
@@ -6,9 +6,9 @@
 #include <iterator>
 #include <utility>
 
-#include "tools/devservice/Json.h"
+#include "tools/support/Json.h"
 
-namespace devservice {
+namespace support {
 namespace {
 
 // Deeper levels are left out, since the recursion must not exhaust the stack.
@@ -151,4 +151,4 @@ std::string Secrets::maskedBody(std::string_view body) const {
   return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-}  // namespace devservice
+}  // namespace support

@@ -1,4 +1,4 @@
-#include "tools/devservice/HarFile.h"
+#include "tools/support/HarFile.h"
 
 #include <array>
 #include <boost/beast/core/string.hpp>
@@ -6,10 +6,11 @@
 #include <cstdio>
 #include <ctime>
 
-#include "tools/devservice/Json.h"
-#include "tools/devservice/Target.h"
+#include "tools/support/Json.h"
+#include "tools/support/Target.h"
+#include "tools/support/milliseconds.h"
 
-namespace devservice {
+namespace support {
 namespace {
 
 /// Returns the time like "2026-11-22T06:46:16.123Z".
@@ -76,10 +77,10 @@ std::string harEntry(const Exchange& exchange, const Secrets& secrets) {
 
 std::string harFile(std::string_view creator, std::span<const std::string> entries) {
   const std::string text =
-      dumped({{"version", "1.2"}, {"creator", {{"name", creator}, {"version", DEVSERVICE_VERSION}}}});
+      dumped({{"version", "1.2"}, {"creator", {{"name", creator}, {"version", ORVANE_VERSION}}}});
   std::string file = R"({"log":)" + text.substr(0, text.size() - 1) + R"(,"entries":[)";
   for (const std::string& entry : entries) file.append(&entry == entries.data() ? "\n" : ",\n").append(entry);
   return file + "\n]}}\n";
 }
 
-}  // namespace devservice
+}  // namespace support

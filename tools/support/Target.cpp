@@ -1,11 +1,11 @@
-#include "tools/devservice/Target.h"
+#include "tools/support/Target.h"
 
 #include <algorithm>
 #include <boost/beast/core/string.hpp>
 #include <charconv>
 #include <utility>
 
-namespace devservice {
+namespace support {
 namespace {
 
 /// Returns the text before and after the first `mark`.
@@ -57,4 +57,4 @@ Members queryMembers(std::string_view query) {
   return members;
 }
 
-}  // namespace devservice
+}  // namespace support
