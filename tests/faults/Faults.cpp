@@ -14,6 +14,7 @@ const std::string ok = "HTTP/1.1 200 OK\r\n";
 const std::string chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
 const std::string proceed = "HTTP/1.1 100 Continue\r\n\r\n";
 const std::string allButTheEnd = ok + "Content-Length: 9\r\n\r\n{\"code\":";
+const std::string headerLine = "X: value\r\n";
 const std::string unresolvable = "host.invalid";
 
 constexpr milliseconds brief{60};
@@ -22,16 +23,16 @@ constexpr milliseconds pace{1};
 constexpr milliseconds patience = 100 * pace;  // Much more than a line takes at that pace.
 constexpr int longerThanPatience = 20;         // So many header lines.
 
-Fault::Script always(std::string bytes, Then then = Then::keep) {
-  return [answer = Answer{std::move(bytes), then}](int) { return answer; };
+std::string repeated(std::string_view text, std::size_t count) {
+  std::string all;
+  for (; count > 0; --count) all += text;
+  return all;
 }
 
-Fault::Script endless(std::string start, std::string rest) {
-  return [answer = Answer{std::move(start), Then::close, std::move(rest)}](int) { return answer; };
-}
-
-Fault::Script slowly(std::string start, std::string rest) {
-  return [answer = Answer{std::move(start), Then::keep, std::move(rest), pace}](int) { return answer; };
+/// Gives each request the same answer: `bytes`, and then `endless` again and again.
+Fault::Script always(std::string bytes, Then then = Then::keep, std::string endless = "",
+                     milliseconds perByte = milliseconds(0)) {
+  return [answer = Answer{std::move(bytes), then, std::move(endless), perByte}](int) { return answer; };
 }
 
 Fault::Script redirecting(const std::string& location, int first = 1) {
@@ -61,34 +62,22 @@ Fault::Script compressed(const std::string& stream, const std::string& encoding 
 Fault::Script unfolding() {
   constexpr std::size_t headerSize = 10;
   const std::string stream = gzip(std::string(1 << 20, ' '), Z_FULL_FLUSH);
-  return endless(ok + "Content-Encoding: gzip\r\n\r\n" + stream.substr(0, headerSize),
-                 stream.substr(headerSize));
+  return always(ok + "Content-Encoding: gzip\r\n\r\n" + stream.substr(0, headerSize), Then::close,
+                stream.substr(headerSize));
 }
 
 /// A gzip stream with more empty blocks than a body may have bytes.
 Fault::Script padded(const std::string& stream) {
   constexpr std::size_t headerSize = 10;
-  std::string longer = ok + "Content-Encoding: gzip\r\n\r\n" + stream.substr(0, headerSize);
-  for (std::size_t size = 0; size <= bodyLimit; size += 5) longer.append("\0\0\0\xFF\xFF", 5);
-  return always(longer + stream.substr(headerSize), Then::close);
+  const std::string_view emptyBlock("\0\0\0\xFF\xFF", 5);
+  return always(ok + "Content-Encoding: gzip\r\n\r\n" + stream.substr(0, headerSize) +
+                    repeated(emptyBlock, bodyLimit / emptyBlock.size() + 1) + stream.substr(headerSize),
+                Then::close);
 }
 
 std::string damaged(std::string stream) {
   stream[stream.size() / 2] ^= 1;
   return stream;
-}
-
-std::string headerLines(int count) {
-  std::string lines;
-  for (int i = 0; i < count; ++i) lines += "X-" + std::to_string(i) + ": value\r\n";
-  return lines;
-}
-
-std::string arrayOfNumbers(int count) {
-  std::string text;
-  for (int i = 0; i < count; ++i) text += ",-1";
-  text.front() = '[';
-  return text + "]";
 }
 
 constexpr int statusCount = 398;
@@ -129,11 +118,12 @@ std::vector<Fault> makeFaults() {
       {"No byte arrives for too long", always("", Then::hold), 1, brief},
       {"No byte arrives for too long after \"100 Continue\"", always(proceed, Then::hold), 1, brief},
       {"No byte arrives for too long within the body", always(allButTheEnd, Then::hold), 1, brief},
-      {"The bytes arrive slowly, one at a time", slowly(reply(good, headerLines(longerThanPatience)), ""), 1,
+      {"The bytes arrive slowly, one at a time",
+       always(reply(good, repeated(headerLine, longerThanPatience)), Then::keep, "", pace), 1, patience},
+      {"The body arrives slowly, one byte at a time, without end", always(ok + "\r\n", Then::keep, " ", pace),
+       1, ample, patience},
+      {"A header line arrives slowly, one byte at a time, without end", always(ok, Then::keep, "x", pace), 1,
        patience},
-      {"The body arrives slowly, one byte at a time, without end", slowly(ok + "\r\n", " "), 1, ample,
-       patience},
-      {"A header line arrives slowly, one byte at a time, without end", slowly(ok, "x"), 1, patience},
 
       {"It is garbage", always("garbage\r\n\r\n", Then::close)},
       {"It is a body without a header, as HTTP/0.9 has it", always(good, Then::close)},
@@ -147,16 +137,17 @@ std::vector<Fault> makeFaults() {
 
       {"A header line of 1 MiB", always(reply(good, "X: " + std::string(1 << 20, 'x') + "\r\n"))},
       // The first line, the length and the empty line count, too.
-      {"4,000 short header lines", always(reply(good, headerLines(3'997)))},
-      {"4,001 short header lines", always(reply(good, headerLines(3'998)))},
-      {"Header lines without end", endless(ok, headerLines(100))},
-      {"Header lines without end, after the body", endless(chunked + "0\r\n", headerLines(100))},
-      {"\"100 Continue\" without end", endless("", proceed + proceed + proceed)},
+      {"4,000 short header lines", always(reply(good, repeated(headerLine, 3'997)))},
+      {"4,001 short header lines", always(reply(good, repeated(headerLine, 3'998)))},
+      {"Header lines without end", always(ok, Then::close, repeated(headerLine, 100))},
+      {"Header lines without end, after the body",
+       always(chunked + "0\r\n", Then::close, repeated(headerLine, 100))},
+      {"\"100 Continue\" without end", always("", Then::close, proceed + proceed + proceed)},
       {"A length beyond the limit, before any body",
        always(ok + "Content-Length: 4194305\r\n\r\n", Then::hold)},
       {"A length beyond all numbers",
        always(ok + "Content-Length: 99999999999999999999\r\n\r\n", Then::hold)},
-      {"A body without end", endless(ok + "\r\n", std::string(1 << 16, ' '))},
+      {"A body without end", always(ok + "\r\n", Then::close, std::string(1 << 16, ' '))},
       {"A compressed body that expands without end", unfolding()},
       {"A body compressed twice that expands beyond the limit",
        compressed(gzip(gzip(std::string(bodyLimit + 1, ' '))), "gzip, gzip")},
@@ -183,7 +174,7 @@ std::vector<Fault> makeFaults() {
       {"An empty body", always(reply(""))},
       {"A page of HTML", always(reply("<html>", "", "502 Bad Gateway"))},
       {"JSON nested too deep", always(reply(std::string(200'000, '[') + std::string(200'000, ']')))},
-      {"JSON of more than a million values", compressed(gzip(arrayOfNumbers(1'000'000)))},
+      {"JSON of more than a million values", compressed(gzip("[" + repeated("-1,", 999'999) + "-1]"))},
       {"A refusal: \"code\" is 7, \"msg\" is \"Busy\"", always(reply(refusal))},
       {"A refusal without \"msg\"", always(reply(R"({"code":7})"))},
       {"An array", always(reply("[" + good + "]"))},
