@@ -12,6 +12,7 @@ using Then = LoopbackServer::Then;
 const std::string good = R"({"code":0,"msg":"ok","data":[1,2,3]})";
 const std::string ok = "HTTP/1.1 200 OK\r\n";
 const std::string chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
+const std::string gzipped = ok + "Content-Encoding: gzip\r\n\r\n";
 const std::string proceed = "HTTP/1.1 100 Continue\r\n\r\n";
 const std::string allButTheEnd = ok + "Content-Length: 9\r\n\r\n{\"code\":";
 const std::string headerLine = "X: value\r\n";
@@ -59,27 +60,6 @@ Fault::Script compressed(const std::string& stream, const std::string& encoding 
   return always(reply(stream, "Content-Encoding: " + encoding + "\r\n"));
 }
 
-Fault::Script unfolding() {
-  constexpr std::size_t headerSize = 10;
-  const std::string stream = gzip(std::string(1 << 20, ' '), Z_FULL_FLUSH);
-  return always(ok + "Content-Encoding: gzip\r\n\r\n" + stream.substr(0, headerSize), Then::close,
-                stream.substr(headerSize));
-}
-
-/// A gzip stream with more empty blocks than a body may have bytes.
-Fault::Script padded(const std::string& stream) {
-  constexpr std::size_t headerSize = 10;
-  const std::string_view emptyBlock("\0\0\0\xFF\xFF", 5);
-  return always(ok + "Content-Encoding: gzip\r\n\r\n" + stream.substr(0, headerSize) +
-                    repeated(emptyBlock, bodyLimit / emptyBlock.size() + 1) + stream.substr(headerSize),
-                Then::close);
-}
-
-std::string damaged(std::string stream) {
-  stream[stream.size() / 2] ^= 1;
-  return stream;
-}
-
 constexpr int statusCount = 398;
 
 Answer goodWithStatus(int request) {
@@ -97,6 +77,12 @@ Answer goodWithoutEffect(int request) {
 
 std::vector<Fault> makeFaults() {
   const std::string stream = gzip(good);
+  std::string damaged = stream;
+  damaged[damaged.size() / 2] ^= 1;
+  const std::string spaces = gzip(std::string(1 << 20, ' '), Z_FULL_FLUSH);
+  constexpr std::size_t headerSize = 10;  // Of a gzip stream.
+  // More empty blocks than a body may have bytes.
+  const std::string emptyBlocks = repeated({"\0\0\0\xFF\xFF", 5}, bodyLimit / 5 + 1);
   // A service cannot pass a refusal off as something else.
   const std::string refusal = R"({"code":7,"msg":"Busy","kind":"no connection","cause":{"code":-1004}})";
   return {
@@ -148,12 +134,14 @@ std::vector<Fault> makeFaults() {
       {"A length beyond all numbers",
        always(ok + "Content-Length: 99999999999999999999\r\n\r\n", Then::hold)},
       {"A body without end", always(ok + "\r\n", Then::close, std::string(1 << 16, ' '))},
-      {"A compressed body that expands without end", unfolding()},
+      {"A compressed body that expands without end",
+       always(gzipped + spaces.substr(0, headerSize), Then::close, spaces.substr(headerSize))},
       {"A body compressed twice that expands beyond the limit",
        compressed(gzip(gzip(std::string(bodyLimit + 1, ' '))), "gzip, gzip")},
-      {"A compressed body beyond the limit that expands to little", padded(stream)},
+      {"A compressed body beyond the limit that expands to little",
+       always(gzipped + stream.substr(0, headerSize) + emptyBlocks + stream.substr(headerSize), Then::close)},
 
-      {"Its stream is damaged", compressed(damaged(stream))},
+      {"Its stream is damaged", compressed(damaged)},
       {"Its stream is followed by other bytes", compressed(stream + "more")},
       {"The body is not compressed", compressed(good)},
       {"Its stream is cut short", compressed(stream.substr(0, stream.size() / 2))},

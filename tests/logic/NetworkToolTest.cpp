@@ -87,14 +87,13 @@ TEST_F(NetworkToolTest, ReportsEachFailureWhereItIsFound) {
   start("");
   EXPECT_EQ(std::exchange(received, ""), "com.brovent.error (-1)请求建立失败 here");
   EXPECT_TRUE(session->requests.empty());
-  std::vector<std::pair<DataTaskResult, std::string>> rows = {
-      {failed({"any", -7, {}}), "any (-7) in the background"}};
-  for (const char* body : {"", "plain text", "7", "\"a\"", "null", "true", "[1,]"})
-    rows.emplace_back(replied(body), "com.brovent.error (-1)反序列化失败 in the background");
-  for (const auto& row : rows) {
+  const std::pair<DataTaskResult, std::string> rows[] = {
+      {failed({"any", -7, {}}), "any (-7) in the background"},
+      {replied("7"), "com.brovent.error (-1)反序列化失败 in the background"}};
+  for (const auto& [result, outcome] : rows) {
     start();
-    session->answer(row.first);
-    EXPECT_EQ(std::exchange(received, ""), row.second) << "row " << &row - rows.data();
+    session->answer(result);
+    EXPECT_EQ(std::exchange(received, ""), outcome);
   }
 }
 
@@ -155,29 +154,24 @@ TEST_F(NetworkToolTest, UsesThePlatformsSessionUntilItHasAnother) {
 
 TEST_F(NetworkToolDeathTest, StopsOnProgrammingErrorsAndNamesNoArgument) {
   using enum HTTPMethod;
-  const Parameters noText = {{"k", 7}};
-  const Parameters noUTF8 = {{"k", "\xFF"}};
-  const std::pair<std::function<void()>, std::string> rows[] = {
-      {[&] { tool.request(GET, "not a url", std::nullopt); }, "request: the text given as URL is not a URL"},
-      {[&] { tool.request(JSON_POST, "a b", std::nullopt); }, "request: the text given as URL is not a URL"},
-      {[&] { tool.request(POST, "a b", Parameters{}); }, "request: the text given as URL is not a URL"},
-      {[&] {
-         tool.request(GET, "u", {{{"a b", "v"}}});
-       },
-       "request: the text given as URL is not a URL"},
-      {[&] { tool.request(JSON_POST, "u", noUTF8); },
-       "request: the parameters cannot be represented in JSON"},
-      {[&] { tool.request(GET, "u", noText); }, "queryString: a parameter's value is not a string"},
-      {[&] { tool.queryString(noUTF8); }, "queryString: a parameter's value is not UTF-8"},
-      {[&] { start(), session->answer(DataTaskResult{}); },
-       "requestJSON: the session reported neither a body nor an error"},
-      {[&] {
-         tool.addHeader({{"A", "1"}}), tool.request(POST, "u", std::nullopt);
-       },
-       "request: a POST without parameters has no request to put the headers into"},
-      {[&] { tool.setSession(nullptr), start(); }, "requestJSON: the tool has no session"}};
-  for (const auto& row : rows)
-    EXPECT_DEATH(row.first(), "^orvane: " + row.second + "\n$") << "row " << &row - rows;
+  const auto stop = [](const std::string& reason) { return "^orvane: " + reason + "\n$"; };
+  const std::string notURL = stop("request: the text given as URL is not a URL");
+  const Parameters blankKey = {{"a b", "v"}}, number = {{"k", 7}}, notUTF8 = {{"k", "\xFF"}};
+  EXPECT_DEATH(tool.request(GET, "u", blankKey), notURL);
+  EXPECT_DEATH(tool.request(POST, "a b", blankKey), notURL);
+  EXPECT_DEATH(tool.request(JSON_POST, "a b", blankKey), notURL);
+  EXPECT_DEATH(tool.request(JSON_POST, "u", notUTF8),
+               stop("request: the parameters cannot be represented in JSON"));
+  EXPECT_DEATH(tool.request(GET, "u", number), stop("queryString: a parameter's value is not a string"));
+  EXPECT_DEATH(tool.queryString(notUTF8), stop("queryString: a parameter's value is not UTF-8"));
+  start();
+  EXPECT_DEATH(session->answer(DataTaskResult{}),
+               stop("requestJSON: the session reported neither a body nor an error"));
+  tool.addHeader({{"A", "1"}});
+  EXPECT_DEATH(tool.request(POST, "u", std::nullopt),
+               stop("request: a POST without parameters has no request to put the headers into"));
+  tool.setSession(nullptr);
+  EXPECT_DEATH(start(), stop("requestJSON: the tool has no session"));
 }
 
 }  // namespace

@@ -10,11 +10,6 @@
 namespace orvane::test {
 namespace {
 
-std::string text(const ErrorPtr& error) {
-  if (!error) return "none";
-  return errorDescription(*error) + (error->userInfo.empty() ? "" : " and user information");
-}
-
 /// Returns the last request as "METHOD URL BODY NAME=VALUE ...", without the base URL.
 std::string lastRequest() {
   const URLRequest& request = fakeSession().requests.back();
@@ -23,39 +18,6 @@ std::string lastRequest() {
   line += " " + asText(request.body());
   for (const auto& [name, value] : request.headers()) line += " " + name + "=" + value;
   return line;
-}
-
-/// Answers the request under way and runs what that puts on the main queue.
-void answer(std::string_view reply) {
-  fakeSession().answer(reply);
-  fakeMainQueue().runPending();
-}
-
-// Each of these makes a call with fixed arguments, and returns what `finished` receives, as text.
-using Call = std::string (*)(std::string_view reply);
-
-std::string picture(std::string_view reply) {
-  std::string outcome = "not called";
-  OrvaneManager().requestPictureCode(
-      "139", [&](const auto& data, const ErrorPtr& error) { outcome = asText(data) + " " + text(error); });
-  answer(reply);
-  return outcome;
-}
-
-std::string code(std::string_view reply) {
-  std::string outcome = "not called";
-  OrvaneManager().requestCode("139", "aB3d", [&](const ErrorPtr& error) { outcome = text(error); });
-  answer(reply);
-  return outcome;
-}
-
-std::string login(std::string_view reply) {
-  std::string outcome = "not called";
-  OrvaneManager().requestLogin("139", "123456", [&](const auto& message, const ErrorPtr& error) {
-    outcome = message.value_or("nothing") + ", " + text(error);
-  });
-  answer(reply);
-  return outcome;
 }
 
 class OrvaneManagerTest : public OnFakes {};
@@ -72,23 +34,6 @@ TEST_F(OrvaneManagerTest, SendsItsOwnIdentifierAndTheArgumentsAsTheyAre) {
   OrvaneManager().requestLogin("", "", nullptr);
   EXPECT_EQ(fakeSession().requests.back().value("XRAPI-CLIENT-ID"), nullptr);
   EXPECT_EQ(&OrvaneManager::shareManager(), &OrvaneManager::shareManager());
-}
-
-TEST_F(OrvaneManagerTest, JudgesReplies) {
-  const std::tuple<Call, const char*, std::string> rows[] = {
-      {code, R"({"code":0,"msg":7,"data":8})", "none"},
-      {code, R"({"code":0.9})", "none"},
-      {code, R"({"code":7,"msg":"Busy"})", "Busy (7)"},
-      {code, R"({"code":-7.9,"msg":""})", " (-7)"},
-      {code, R"({"code":1e300,"msg":"m"})", "m (9223372036854775807)"},
-      {picture, R"({"code":0,"data":[]})", " none"},
-      {picture, R"({"code":0,"msg":7,"data":[104,105]})", "hi none"},
-      {picture, R"({"code":0,"data":["104","+105","0000000033",46.0]})", "hi!. none"},
-      {picture, R"({"code":0,"data":["-0",-0.0,"-000","+0"]})", std::string(4, '\0') + " none"},
-      {picture, R"({"code":7,"msg":"Busy","data":7})", "none Busy (7)"},
-      {login, R"({"code":9,"msg":"No"})", "No, No (1)"},
-      {login, R"({"code":0,"msg":"Welcome"})", "Welcome, none"}};
-  for (const auto& [call, reply, outcome] : rows) EXPECT_EQ(call(reply), outcome) << reply;
 }
 
 TEST_F(OrvaneManagerTest, HandsOnTheSameErrorAndTracesItForThePicture) {
@@ -109,7 +54,8 @@ TEST_F(OrvaneManagerTest, ReportsAnAcceptedLoginBeforeItFinishes) {
   manager.setAppClientId("app");
   std::string requestAtFinish;
   manager.requestLogin("139", "1", [&](const auto&...) { requestAtFinish = lastRequest(); });
-  answer(R"({"code":0,"msg":"ok","mobile":"other"})");
+  fakeSession().answer(R"({"code":0,"msg":"ok","mobile":"other"})");
+  fakeMainQueue().runPending();
   EXPECT_EQ(requestAtFinish,
             R"(POST /tenant/submitMobileInformation {"IMEI":" ","IMSI":" ","carrier":"nil",)"
             R"("deviceModel":"iOS 9.3.1","deviceName":"iPhone6S","mobile":"139"})"
@@ -118,37 +64,69 @@ TEST_F(OrvaneManagerTest, ReportsAnAcceptedLoginBeforeItFinishes) {
   EXPECT_EQ(fakeMainQueue().runPending(), 0U);
 }
 
-TEST_F(OrvaneManagerTest, LoginReadsTheReplyBeforeTheError) {
+TEST_F(OrvaneManagerDeathTest, AReplyThatACallCannotReadStopsTheProcess) {
+  const auto call = [](const char* mobile) {
+    OrvaneManager().requestCode(mobile, "c", nullptr);
+    fakeSession().answer("[]");
+    fakeMainQueue().runPending();
+  };
+  EXPECT_DEATH(call("139"), "^orvane: requestCode: the reply is not a map\n$");
+  EXPECT_DEATH(call("\xFF"), "^orvane: request: the parameters cannot be represented in JSON\n$");
+}
+
+using Judge = JudgedReply (*)(std::optional<Value> result, ErrorPtr error);
+
+/// Returns the flaw, or else what `finished` would receive.
+std::string outcome(Judge judge, const std::string& reply) {
+  const JudgedReply judged = judge(readJSON(reply), nullptr);
+  if (!judged.flaw.empty()) return std::string(judged.flaw);
+  if (judged.error) return errorDescription(*judged.error);
+  return judged.picture ? asText(judged.picture) : judged.message.value_or("accepted");
+}
+
+TEST(JudgedReply, HasTheOutcomeOrTheFlaw) {
+  const std::tuple<Judge, const char*, std::string> rows[] = {
+      {judgeCode, R"({"code":0,"msg":7,"data":8})", "accepted"},
+      {judgeCode, R"({"code":0.9})", "accepted"},
+      {judgeCode, R"({"code":-7.9,"msg":""})", " (-7)"},
+      {judgeCode, R"({"code":1e300,"msg":"m"})", "m (9223372036854775807)"},
+      {judgeCode, "[]", "the reply is not a map"},
+      {judgeCode, "{}", "the reply has no \"code\""},
+      {judgeCode, R"({"code":"0"})", "the reply's \"code\" is not a number"},
+      {judgeCode, R"({"code":5})", "the reply has no \"msg\""},
+      {judgeCode, R"({"code":5,"msg":null})", "the reply's \"msg\" is not a string"},
+      {judgePictureCode, R"({"code":7,"msg":"Busy","data":7})", "Busy (7)"},
+      {judgePictureCode, R"({"code":0})", "the reply has no \"data\""},
+      {judgePictureCode, R"({"code":0,"data":"iVBOR"})", "the reply's \"data\" is not an array"},
+      {judgeLogin, R"({"code":0,"msg":"Welcome"})", "Welcome"},
+      {judgeLogin, R"({"code":9,"msg":"No"})", "No (1)"},
+      {judgeLogin, R"({"code":0})", "the reply has no \"msg\""},
+      {judgeLogin, R"({"msg":"m"})", "the reply has no \"code\""}};
+  for (const auto& [judge, reply, expected] : rows) EXPECT_EQ(outcome(judge, reply), expected) << reply;
+}
+
+TEST(JudgedReply, HasThePictureIfAllElementsAreBytes) {
+  const std::pair<std::string, std::string> rows[] = {{"[]", ""},
+                                                      {"[104,105]", "hi"},
+                                                      {R"(["104","+105","0000000033",46.0])", "hi!."},
+                                                      {R"(["-0",-0.0,"-000","+0"])", std::string(4, '\0')}};
+  for (const auto& [data, picture] : rows)
+    EXPECT_EQ(outcome(judgePictureCode, R"({"code":0,"data":)" + data + "}"), picture);
+  for (const std::string other :
+       {"256", "-1", "12.5", R"("")", R"(" 1")", R"("1 ")", R"("-1")", R"("256")", R"("1.0")", R"("1e1")",
+        R"("++1")", R"("0x1")", R"("+")", "null", "true", "[1]", "{}", "1e99"}) {
+    EXPECT_EQ(outcome(judgePictureCode, R"({"code":0,"data":[1,)" + other + "]}"),
+              "an element of the reply's \"data\" is not a byte")
+        << other;
+  }
+}
+
+TEST(JudgedReply, OfALoginIsReadBeforeTheError) {
   const auto error = std::make_shared<const Error>();
   const JudgedReply judged = judgeLogin(readJSON(R"({"msg":"m"})"), error);
   EXPECT_EQ(judged.message, "网络错误");
   EXPECT_EQ(judged.error, error);
   EXPECT_EQ(judged.flaw, "");
-}
-
-TEST_F(OrvaneManagerDeathTest, MalformedRepliesStopTheProcess) {
-  std::vector<std::tuple<Call, std::string, std::string>> rows = {
-      {code, "[]", "requestCode: the reply is not a map"},
-      {code, "{}", "requestCode: the reply has no \"code\""},
-      {code, R"({"code":"0"})", "requestCode: the reply's \"code\" is not a number"},
-      {code, R"({"code":true})", "requestCode: the reply's \"code\" is not a number"},
-      {code, R"({"code":5})", "requestCode: the reply has no \"msg\""},
-      {code, R"({"code":5,"msg":null})", "requestCode: the reply's \"msg\" is not a string"},
-      {picture, R"({"code":5})", "requestPictureCode: the reply has no \"msg\""},
-      {picture, R"({"code":0})", "requestPictureCode: the reply has no \"data\""},
-      {picture, R"({"code":0,"data":"iVBOR"})", "requestPictureCode: the reply's \"data\" is not an array"},
-      {login, R"({"code":0})", "requestLogin: the reply has no \"msg\""},
-      {login, R"({"msg":"m"})", "requestLogin: the reply has no \"code\""}};
-  for (const char* element :
-       {"256", "-1", "12.5", "\"\"", "\" 1\"", "\"1 \"", "\"-1\"", "\"256\"", "\"1.0\"", "\"1e1\"", "\"++1\"",
-        "\"0x1\"", "\"+\"", "null", "true", "[1]", "{}", "1e99"}) {
-    rows.emplace_back(picture, std::string(R"({"code":0,"data":[1,)") + element + "]}",
-                      "requestPictureCode: an element of the reply's \"data\" is not a byte");
-  }
-  for (const auto& [call, reply, line] : rows)
-    EXPECT_DEATH(std::puts(call(reply).c_str()), "^orvane: " + line + "\n$") << reply;
-  EXPECT_DEATH(OrvaneManager().requestCode("\xFF", "c", nullptr),
-               "^orvane: request: the parameters cannot be represented in JSON\n$");
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 #include <thread>
-#include <vector>
 
 #include "orvane/base/Snapshot.h"
 
@@ -15,19 +14,16 @@ TEST(Snapshot, ReadersSeeWholeValuesAndNothingLeaks) {
   snapshot.storeIfEmpty(first);
   snapshot.storeIfEmpty(nullptr);
   EXPECT_EQ(snapshot.load(), first);
-  std::vector<std::thread> threads;
-  for (int writer = 1; writer <= 2; ++writer) {
-    threads.emplace_back([&, writer] {
-      for (int i = 0; i < 2000; ++i) snapshot.store(std::make_shared<const Pair>(i * writer, i * writer));
-    });
-    threads.emplace_back([&] {
-      for (int i = 0; i < 2000; ++i) {
-        const auto pair = *snapshot.load();
-        EXPECT_EQ(pair->first, pair->second);
-      }
-    });
+  const auto write = [&] {
+    for (int i = 0; i < 4000; ++i) snapshot.store(std::make_shared<const Pair>(i, i));
+  };
+  std::thread writer(write), otherWriter(write);
+  for (int i = 0; i < 4000; ++i) {
+    const auto pair = *snapshot.load();
+    EXPECT_EQ(pair->first, pair->second);
   }
-  for (std::thread& thread : threads) thread.join();
+  writer.join();
+  otherWriter.join();
   const std::weak_ptr<const Pair> replaced = *snapshot.load();
   snapshot.store(first);
   EXPECT_TRUE(replaced.expired());

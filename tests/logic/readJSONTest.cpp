@@ -68,12 +68,24 @@ TEST(ReadJSON, RefusesAllElse) {
       {"surrogates",
        {"[\"\\ud800\"]", "[\"\\udc00\"]", "[\"\\udfff\"]", "[\"\\ud800\\u0041\"]", "[\"\\ud800\\ud800\"]",
         "[\"\\ud800\\ue000\"]"}},
-      {"control characters, and bytes that are not UTF-8",
-       {"[\"\n\"]", "[\"\x80\"]", "[\"\t\"]", "[\"\x1F\"]", "[\"\0\"]"s}},
-  };
+      {"control characters", {"[\"\n\"]", "[\"\t\"]", "[\"\x1F\"]", "[\"\0\"]"s}}};
   for (const auto& [name, texts] : groups) {
     for (const std::string& text : texts) EXPECT_EQ(reread(text), "error") << name << ": " << text;
   }
+}
+
+TEST(ReadJSON, RefusesWhatIsNotUTF8) {
+  const std::pair<const char*, std::vector<std::string>> groups[] = {
+      {"cut short", {"\xC3x", "\xE4\xB8x", "\xE4\xB8\xC0", "\xF0\x9F\x98x"}},
+      {"no first byte", {"\x80", "\xBF", "\xF8\x90\x80\x80", "\xFF\x90\x80\x80"}},
+      {"overlong", {"\xC0\xAF", "\xC1\xBF", "\xE0\x80\x80", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF"}},
+      {"surrogates", {"\xED\xA0\x80", "\xED\xBF\xBF"}},
+      {"above U+10FFFF", {"\xF4\x90\x80\x80", "\xF5\x80\x80\x80"}}};
+  for (const auto& [name, texts] : groups) {
+    for (const std::string& text : texts)
+      EXPECT_EQ(reread("[\"" + text + "\"]"), "error") << name << ": " << text;
+  }
+  EXPECT_EQ(reread("[\"\xF0\x9F\x98"), "error");
 }
 
 TEST(ReadJSON, NestsTo512AndNoDeeper) {
