@@ -23,8 +23,8 @@ namespace {
 
 const std::thread::id mainThread = std::this_thread::get_id();
 
-/// Sends every request to the server with the fault, but accepts the login before a device report itself. Stops
-/// the main queue after the handler of the last task, so that what it queued still runs, and what that queued.
+/// Sends every request to the server with the fault. Accepts the login before a device report itself. Stops
+/// the main queue after the last task's handler, so that what it queued still runs, and what that queued.
 class Sessions final : public URLSession {
  public:
   Sessions(HostSessionConfiguration faulty, bool acceptsLogins)

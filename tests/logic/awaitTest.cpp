@@ -30,121 +30,108 @@ struct Owned {
   std::coroutine_handle<> handle;
 };
 
-/// Records what a coroutine gets, and that it has ended.
-struct Record {
-  std::string said;
-  std::shared_ptr<int> alive = std::make_shared<int>();
-
-  bool hasEnded() const { return alive.use_count() == 1; }
-};
+/// What a coroutine has said.
+using Record = std::shared_ptr<std::string>;
 
 template <class Coroutine>
-Coroutine sendCode(OrvaneManager* manager, Record& record, [[maybe_unused]] std::shared_ptr<int> alive) {
+Coroutine sendCode(OrvaneManager* manager, Record record) {
   const auto sent = co_await requestCode(*manager, "1", "2");
-  record.said += sent ? "ok" : errorDescription(*sent.error);
+  *record += sent ? "ok" : errorDescription(*sent.error);
 }
 
 template <class Coroutine>
-Coroutine trySendingCode(OrvaneManager* manager, Record& record,
-                         [[maybe_unused]] std::shared_ptr<int> alive) {
+Coroutine trySendingCode(OrvaneManager* manager, Record record) {
   try {
     co_await requestCode(*manager, "1", "2");
   } catch (const std::runtime_error& error) {
-    record.said += error.what();
+    *record += error.what();
   }
 }
 
-class AwaitTest : public OnFakes {};
+class AwaitTest : public OnFakes {
+ protected:
+  /// Returns true if no coroutine shares the record any more.
+  bool hasEnded() const { return record.use_count() == 1; }
+
+  const Record record = std::make_shared<std::string>();
+  CodeFinished kept;
+  TestManager keeping{[this](auto finished) { kept = std::move(finished); }};
+};
 using AwaitDeathTest = AwaitTest;
 
 TEST_F(AwaitTest, GoesOnOnTheMainQueueAlsoWithoutTheManager) {
-  Record record;
   auto manager = std::make_unique<OrvaneManager>();
-  sendCode<Detached>(manager.get(), record, record.alive);
+  sendCode<Detached>(manager.get(), record);
   manager.reset();
   fakeSession().answer(R"({"code":0})");
   fakeMainQueue().runPending();
-  EXPECT_EQ(record.said, "");
+  EXPECT_EQ(*record, "");
   fakeMainQueue().runPending();
-  EXPECT_EQ(record.said, "ok");
-  EXPECT_TRUE(record.hasEnded());
+  EXPECT_EQ(*record, "ok");
+  EXPECT_TRUE(hasEnded());
 }
 
 TEST_F(AwaitTest, GoesOnLaterWhereTheCallFailsAtOnce) {
   TestManager failing([](const auto& finished) { finished(failed({"at once", 1, {}}).error); });
-  Record record;
-  sendCode<Detached>(&failing, record, record.alive);
-  EXPECT_EQ(record.said, "");
+  sendCode<Detached>(&failing, record);
+  EXPECT_EQ(*record, "");
   fakeMainQueue().runPending();
-  EXPECT_EQ(record.said, "at once (1)");
-  EXPECT_TRUE(record.hasEnded());
+  EXPECT_EQ(*record, "at once (1)");
+  EXPECT_TRUE(hasEnded());
 }
 
 TEST_F(AwaitTest, DestroysADetachedCoroutineWhoseCallIsDroppedOnTheMainQueue) {
-  Record record;
-  CodeFinished kept;
-  TestManager keeping([&](auto finished) { kept = std::move(finished); });
-  sendCode<Detached>(&keeping, record, record.alive);
-  EXPECT_FALSE(record.hasEnded());
+  sendCode<Detached>(&keeping, record);
+  EXPECT_FALSE(hasEnded());
   std::thread([&] { kept = nullptr; }).join();
-  EXPECT_FALSE(record.hasEnded());
+  EXPECT_FALSE(hasEnded());
   fakeMainQueue().runPending();
-  EXPECT_TRUE(record.hasEnded());
+  EXPECT_TRUE(hasEnded());
 
   TestManager dropping([](const auto&) {});  // While the coroutine is being suspended.
-  sendCode<Detached>(&dropping, record, record.alive);
+  sendCode<Detached>(&dropping, record);
   fakeMainQueue().runPending();
-  EXPECT_TRUE(record.hasEnded());
-  EXPECT_EQ(record.said, "");
+  EXPECT_TRUE(hasEnded());
+  EXPECT_EQ(*record, "");
 }
 
 TEST_F(AwaitTest, LeavesAForeignCoroutineToItsOwner) {
-  Record record;
-  CodeFinished kept;
-  TestManager keeping([&](auto finished) { kept = std::move(finished); });
   const auto finishAfter = [&](auto act) {
-    Owned coroutine = sendCode<Owned>(&keeping, record, record.alive);
+    Owned coroutine = sendCode<Owned>(&keeping, record);
     act(coroutine);
     if (kept) kept(nullptr);
     fakeMainQueue().runPending();
     if (coroutine.handle) coroutine.handle.destroy();
-    return std::exchange(record.said, "");
+    return std::exchange(*record, "");
   };
   EXPECT_EQ(finishAfter([](Owned&) {}), "ok");
   EXPECT_EQ(finishAfter([](Owned& coroutine) { std::exchange(coroutine.handle, nullptr).destroy(); }), "");
   EXPECT_EQ(finishAfter([&](Owned&) { kept = nullptr; }), "");
-  EXPECT_TRUE(record.hasEnded());
-}
-
-/// What a session may have done with a handler before it throws.
-void drop(CodeFinished, CodeFinished&) {}
-void keep(CodeFinished finished, CodeFinished& kept) {
-  kept = std::move(finished);
-}
-void call(CodeFinished finished, CodeFinished&) {
-  finished(nullptr);
+  EXPECT_TRUE(hasEnded());
 }
 
 TEST_F(AwaitDeathTest, AnExceptionOfTheSessionReachesTheCoroutine) {
-  for (const auto act : {drop, keep, call}) {
-    Record record;
-    CodeFinished kept;
+  // The session may have dropped, kept or called its handler before it throws.
+  const std::function<void(CodeFinished)> acts[] = {[](const auto&) {},
+                                                    [this](auto finished) { kept = std::move(finished); },
+                                                    [](const auto& finished) { finished(nullptr); }};
+  for (const auto& act : acts) {
     TestManager throwing([&](auto finished) {
-      act(std::move(finished), kept);
+      act(std::move(finished));
       throw std::runtime_error("no thread to be had");
     });
-    EXPECT_DEATH(sendCode<Detached>(&throwing, record, record.alive), "no thread to be had");
+    EXPECT_DEATH(sendCode<Detached>(&throwing, record), "no thread to be had");
 
-    trySendingCode<Detached>(&throwing, record, record.alive);
-    EXPECT_EQ(std::exchange(record.said, ""), "no thread to be had");
-    EXPECT_TRUE(record.hasEnded());
-    const Owned owned = trySendingCode<Owned>(&throwing, record, record.alive);
-    EXPECT_EQ(record.said, "no thread to be had");
+    trySendingCode<Detached>(&throwing, record);
+    EXPECT_EQ(std::exchange(*record, ""), "no thread to be had");
+    EXPECT_TRUE(hasEnded());
+    const Owned owned = trySendingCode<Owned>(&throwing, record);
+    EXPECT_EQ(std::exchange(*record, ""), "no thread to be had");
     if (kept) kept(nullptr);
     kept = nullptr;
     fakeMainQueue().runPending();  // Finds nothing to resume or destroy.
     owned.handle.destroy();
-    EXPECT_TRUE(record.hasEnded());
+    EXPECT_TRUE(hasEnded());
   }
 }
 

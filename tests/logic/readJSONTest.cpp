@@ -122,31 +122,28 @@ TEST(ReadJSON, KeepsIntegerRealAndBooleanApart) {
 TEST(ReadJSON, ReadsByteArraysTheFastWayLikeThePlainWay) {
   std::mt19937 random(7);
   for (std::uint64_t round = 0; round < 1000; ++round) {
-    std::string text = "[";
-    Array expected;
+    std::string text, spaced;
     // The same byte again and again, or any numbers up to 255 or a little more; few or many spaces.
     const bool isUniform = round % 2 == 0;
     const std::uint64_t bound = 256 + random() % 3;
     const std::uint64_t spaces = 2 + random() % 200;
     for (auto i = 100 + random() % 1000; i > 0; --i) {
       const std::uint64_t any = random() % 3000 == 0 ? 256'000'000'000'000 : random() % bound;
-      const std::uint64_t number = isUniform ? round / 2 % 256 : any;
-      expected.push_back(number);
-      if (text.size() > 1) text += random() % spaces == 0 ? ", " : ",";
-      text += std::to_string(number);
+      const std::string number = std::to_string(isUniform ? round / 2 % 256 : any);
+      text += (text.empty() ? "[" : ",") + number;
+      spaced += (spaced.empty() ? "[" : random() % spaces == 0 ? ", " : ",") + number;
     }
     text += "]";
-    const Value value = *readJSON(text);
-    ASSERT_EQ(asText(writeJSON(value)), asText(writeJSON(expected)));
-    ASSERT_EQ(value.array()->bytes() != nullptr, expected.bytes() != nullptr);
-    const std::size_t comma = text.find(',', random() % 190);
-    ASSERT_EQ(reread(std::string(text).replace(comma, 1, "<")), "error");  // The same low half.
-    ASSERT_EQ(reread(std::string(text).insert(comma + 1, "0")), "error");
+    spaced += "]";
+    ASSERT_EQ(reread(spaced), text);
+    const std::size_t comma = spaced.find(',', random() % 190);
+    ASSERT_EQ(reread(std::string(spaced).replace(comma, 1, "<")), "error");  // The same low half.
+    ASSERT_EQ(reread(std::string(spaced).insert(comma + 1, "0")), "error");
     // Characters that have the low half of a digit in common with it.
-    char& digit = text[text.find_first_of("0123456789", random() % 190)];
+    char& digit = spaced[spaced.find_first_of("0123456789", random() % 190)];
     for (const int high : {0x10, 0x50, 0x80, 0xB0}) {
       digit = static_cast<char>(high | (digit & 15));
-      ASSERT_EQ(reread(text), "error") << text;
+      ASSERT_EQ(reread(spaced), "error") << spaced;
     }
   }
 }
