@@ -5,7 +5,6 @@
 #include <latch>
 #include <list>
 #include <netinet/in.h>
-#include <poll.h>
 #include <string_view>
 #include <sys/socket.h>
 #include <thread>
@@ -57,17 +56,6 @@ class Client {
     return *this;
   }
 
-  /// Sends at most one byte per millisecond, until the server replies or ends the connection. Returns how
-  /// many were sent.
-  std::size_t drip(std::string_view text) {
-    std::size_t count = 0;
-    pollfd heard{descriptor_, POLLIN, 0};
-    while (count < text.size() && poll(&heard, 1, 1) == 0 &&
-           ::send(descriptor_, &text[count], 1, MSG_NOSIGNAL) == 1)
-      ++count;
-    return count;
-  }
-
   /// Returns a reply, or the part of it that came before the connection ended, or the error that it ended
   /// with.
   std::string receive() {
@@ -88,12 +76,6 @@ class Client {
     return recv(descriptor_, &byte, 1, MSG_PEEK | MSG_DONTWAIT) < 0;
   }
 
-  /// Returns true if the server has closed the connection.
-  bool hasEnded() const {
-    char byte = 0;
-    return recv(descriptor_, &byte, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
-  }
-
  private:
   const int descriptor_ = socket(AF_INET, SOCK_STREAM, 0);
 };
@@ -101,7 +83,6 @@ class Client {
 TEST(DevServer, KeepsItsPortItsConnectionsAndFieldsAsTheyCame) {
   const std::pair<std::string, Json> cases[] = {
       {"XRAPI-CLIENT-ID:\t%41:+ \xff b \r\n", "%41:+ \ufffd b"},  // JSON has to be UTF-8.
-      {"XRAPI-CLIENT-ID:\r\n", ""},
       {"", nullptr},
       {"xrapi-client-id: \t \r\nX: y\r\n", ""},
   };
@@ -130,6 +111,7 @@ TEST(DevServer, RefusesOrSpoils) {
       {"GET /%00%2g%2 HTTP/1.1\r\n\r\n", "HTTP/1.1 404", 1006},
       {"GET http://other.test/inspect HTTP/1.1\r\nHost: localhost\r\n\r\n", "HTTP/1.1 403", 1010},
       {"GET http://localhost/inspect HTTP/1.1\r\nHost: other.test\r\n\r\n", "HTTP/1.1 200", Json::object()},
+      {"CONNECT identity.test:80 HTTP/1.1\r\n\r\n", "HTTP/1.1 403", 1010},
       {callFor("+99900000003"), std::strerror(ECONNRESET), nullptr},
       {callFor("+99900000204"), "HTTP/1.1 200", nullptr},
   };
@@ -154,23 +136,19 @@ TEST(DevServer, LogsEachRequest) {
   EXPECT_TRUE(logged.starts_with(R"(GET /\x07\xc3 404 {"code":1006,"msg":")")) << logged;
 }
 
-TEST(DevServer, EndsRequestsThatTakeTooLong) {
+TEST(DevServer, EndsARequestThatTakesTooLong) {
   IdentityService service;
   const Server server(service, 0, {}, {.request = 1ms});
-  std::string request = "GET / HTTP/1.1\r\n";
-  while (request.size() < maxHeadSize - 100) request += "X: y\r\n";
-  EXPECT_LT(Client(server).drip(request), request.size());
+  EXPECT_EQ(Client(server).send("GET").receive(), "");
 }
 
-TEST(DevServer, ServesSoManyAtOnceAndEndsAnIdleOneForAnother) {
+TEST(DevServer, EndsAnIdleConnectionForAnother) {
   IdentityService service;
-  const Server server(service, 0, {}, {.connections = 2, .idle = 10min});
-  Client first(server), second(server), third(server);
-  for (Client* client : {&first, &second, &third}) {
-    EXPECT_FALSE(first.hasEnded() || second.hasEnded());
-    EXPECT_EQ(client->codeOf(callFor(number)), 2001);
-  }
-  EXPECT_TRUE(first.hasEnded() || second.hasEnded());
+  const Server server(service, 0, {}, {.connections = 1, .idle = 10min});
+  Client first(server);
+  EXPECT_EQ(first.codeOf(callFor(number)), 2001);
+  EXPECT_EQ(Client(server).codeOf(callFor(number)), 2001);
+  EXPECT_EQ(first.receive(), "");
 }
 
 TEST(DevServer, TellsOfAMessageAsSoonAsItCame) {
@@ -206,7 +184,7 @@ TEST(DevServer, ServesAFewConnectionsOfAnotherMachine) {
   Client silent(server, address), idle(server, address);
   silent.send(callFor("+99900000018"));
   EXPECT_EQ(idle.codeOf(callFor(number)), 2001);
-  EXPECT_EQ(idle.codeOf("GET /inspect HTTP/1.1\r\nHost: localhost\r\n\r\n"), 1008);
+  EXPECT_EQ(idle.codeOf(inspectAll), 1008);
   Client here(server);
   EXPECT_EQ(here.codeOf(callFor(number)), 2001);
   Client busy(server, address);  // In place of the idle one.
@@ -259,19 +237,17 @@ TEST(DevServer, StopsAtOnce) {
 TEST(DevServer, StopsAtOnceIfALateCallIsNext) {
   for (const std::string last : {"00000016000", "00000018"}) {
     IdentityService service;
-    std::latch isBusy(1), isStopping(1);
+    std::latch meeting(2);
     int lines = 0;
     std::optional<Server> server(std::in_place, service, std::uint16_t{0}, [&](auto) {
       if (++lines > 1) return;
-      isBusy.count_down();
-      isStopping.wait();
+      meeting.arrive_and_wait();
       // The server is most likely told to stop meanwhile, which it then does next.
       for (int turns = 0; turns < 50; ++turns) std::this_thread::yield();
     });
     Client caller(*server);
     caller.send(callFor(number) + callFor("+999" + last));
-    isBusy.wait();
-    isStopping.count_down();
+    meeting.arrive_and_wait();
     server.reset();
   }
 }
