@@ -4,18 +4,12 @@
 #include <pty.h>
 #include <string>
 #include <string_view>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
 #include "tests/support/spawn.h"
 
 namespace orvane::test {
-
-/// Returns the exit status of a process, or the signal that ended it as a negative number.
-inline int endOf(int status) {
-  return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
-}
 
 /// A program at a terminal of 40 columns.
 class Conversation {
@@ -52,11 +46,7 @@ class Conversation {
   }
 
   /// Waits until the program ends; see endOf().
-  int status() {
-    int status = 0;
-    waitpid(child_, &status, 0);
-    return endOf(status);
-  }
+  int status() const { return awaitEnd(child_); }
 
  private:
   int terminal_ = -1;

@@ -33,6 +33,18 @@ inline pid_t spawn(std::vector<std::string> words, int output, int errors = STDE
   return isThere ? process : 0;
 }
 
+/// Returns the exit status of a process, or the signal that ended it as a negative number.
+inline int endOf(int status) {
+  return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+/// Waits until a process ends; see endOf().
+inline int awaitEnd(pid_t process) {
+  int status = 0;
+  waitpid(process, &status, 0);
+  return endOf(status);
+}
+
 /// How a program ended: its wait status, the most memory that it had, in KiB, and what it wrote.
 struct Ended {
   int status = -1;
@@ -56,6 +68,11 @@ inline Ended run(std::vector<std::string> words) {
     std::fclose(file);
   }
   return ended;
+}
+
+/// Runs a shell's command to its end.
+inline Ended runShell(const std::string& command) {
+  return run({"/bin/sh", "-c", command});
 }
 
 }  // namespace orvane::test

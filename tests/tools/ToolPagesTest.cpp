@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -9,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/spawn.h"
 #include "tools/devservice/Code.h"
 #include "tools/devservice/Fault.h"
 #include "tools/devservice/IdentityService.h"
@@ -18,11 +18,9 @@ namespace {
 
 /// Returns what a command prints, errors included.
 std::string outputOf(const std::string& command) {
-  std::FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
-  std::string output;
-  for (int c; (c = std::fgetc(pipe)) != EOF;) output.push_back(static_cast<char>(c));
-  EXPECT_EQ(pclose(pipe), 0) << command;
-  return output;
+  const orvane::test::Ended ended = orvane::test::runShell(command + " 2>&1");
+  EXPECT_EQ(ended.status, 0) << command;
+  return ended.output;
 }
 
 std::set<std::string> optionsIn(const std::string& text, const char* pattern) {
