@@ -64,11 +64,10 @@ TEST(SignInProgram, SignsInUnattended) {
 TEST(SignInProgram, PrintsNothingThatControlsATerminal) {
   const std::string text = R"(a\u001b]52;c;YQ==\u0007\u009b2J)";
   const LoopbackServer server([&](const LoopbackServer::Request& request) {
-    const bool asksOfNone = request.head.starts_with("GET /inspect?mobile= ");
-    return answer(request.head.starts_with("POST")
-                      ? R"({"code":0,"data":[1],"msg":")" + text + "\"}"
-                      : R"({"code":)" + (asksOfNone ? "1011" : "\"" + text + "\"") + R"(,"picture":")" +
-                            text + R"(","message":")" + text + "\"}");
+    std::string body = R"({"code":"TEXT","picture":"TEXT","message":"TEXT"})";
+    if (request.head.starts_with("GET /inspect?mobile= ")) body = R"({"code":1011})";
+    if (request.head.starts_with("POST")) body = R"({"code":0,"data":[1],"msg":"TEXT"})";
+    return answer(std::regex_replace(body, std::regex("TEXT"), text));
   });
   for (const char* options : {"--trace", "--trace --unmasked --client-id '\xc2\x9b'", "--json"}) {
     const Ended ending = run(connectTo(server.port()) + " --mobile=+447700900123 " + options);
