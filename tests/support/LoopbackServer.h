@@ -64,7 +64,6 @@ class LoopbackServer {
   const Requests handling_;
   std::uint16_t port_ = 0;
   int listener_;
-  int stopPipe_[2];
   int accepted_ = 0;
   std::map<int, Connection> connections_;
   mutable std::mutex mutex_;

@@ -7,7 +7,6 @@
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
 #include <stdexcept>
-#include <string_view>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -84,12 +83,9 @@ void TLSServer::serve(int connection) const {
   }
   const OpenSSLPtr<SSL> tls(SSL_new(context_.get()));
   SSL_set_fd(tls.get(), connection);
-  std::string head;
-  while (head.find("\r\n\r\n") == head.npos) {
-    const int size = SSL_accept(tls.get()) == 1 ? SSL_read(tls.get(), buffer.data(), buffer.size()) : 0;
-    if (size <= 0) return;
-    head.append(buffer.data(), static_cast<std::size_t>(size));
-  }
+  SSL_set_accept_state(tls.get());
+  // The whole request is in one record.
+  if (SSL_read(tls.get(), buffer.data(), buffer.size()) <= 0) return;
   SSL_write(tls.get(), reply_.data(), static_cast<int>(reply_.size()));
   SSL_shutdown(tls.get());
 }
