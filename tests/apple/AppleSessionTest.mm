@@ -5,6 +5,7 @@
 
 #import "orvane/apple/AppleSession.h"
 #import "orvane/apple/platformError.h"
+#include "tests/apple/CannedSession.h"
 #include "tests/apple/standins/standins.h"
 #include "tests/support/FakeSession.h"
 
@@ -70,18 +71,6 @@ TEST(AppleSession, ReadsABodyOfAnySizeInPlace) {
   }
 }
 
-/// Answers each request at once, and notes its URL.
-class NotingSession final : public URLSession {
- public:
-  void startDataTask(URLRequest request, DataTaskHandler handler) override {
-    visited += request.url() + " ";
-    handler(test::replied("{}"));
-  }
-  void cancelAllOperations() override {}
-
-  std::string visited;
-};
-
 TEST(AppleSession, DoesNotReturnFromHTTPSToHTTP) {
   standins::Redirects& redirects = standins::redirects();
   redirects.locations = {{"https://s/down", "http://s/1"},
@@ -112,12 +101,12 @@ TEST(AppleSession, DoesNotReturnFromHTTPSToHTTP) {
     SCOPED_TRACE(&row - rows);
     redirects.tasksHaveDelegates = row.tasksHaveDelegates;
     @autoreleasepool {
-      const auto noting = std::make_shared<NotingSession>();
-      NSURLSession* const session = standins::sessionOver(noting);
+      const auto canned = std::make_shared<test::CannedSession>(std::vector{test::replied("{}")});
+      NSURLSession* const session = standins::sessionOver(canned);
       if (row.sessionDecides) session->delegate = [[[StayingDelegate alloc] init] autorelease];
       DataTaskResult result;
       AppleSession(session).startDataTask(URLRequest(row.url), [&](const auto& given) { result = given; });
-      EXPECT_EQ(noting->visited, row.visited);
+      EXPECT_EQ(canned->visited, row.visited);
       ASSERT_NE(!result.error, !result.response);
       if (result.response) {
         EXPECT_EQ(std::to_string(result.response->statusCode), row.outcome);

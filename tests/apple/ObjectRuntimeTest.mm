@@ -103,7 +103,10 @@ TEST(PlatformError, KeepsItsIdentityAndItsWords) {
     EXPECT_EQ(carried->code, -7);
     ASSERT_EQ(carried->userInfo.size(), 1U);
     EXPECT_EQ(*carried->userInfo.at("reason").string(), "why");
-    NSError* const given = orvane::platformError(std::exchange(carried, nullptr));
+    const auto inOwnWords =
+        std::make_shared<const orvane::Error>(orvane::Error{"words", -1, {}, {}, carried});
+    EXPECT_TRUE([[orvane::platformError(inOwnWords) localizedDescription] isEqual:@"words"]);
+    NSError* const given = orvane::platformError(carried);
     EXPECT_EQ(given, identity);
     EXPECT_EQ([given code], -7);
     EXPECT_EQ(orvane::makeError(nil), nullptr);

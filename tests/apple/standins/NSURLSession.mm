@@ -1,6 +1,5 @@
 #import <Block.h>
 #import <Foundation/Foundation.h>
-#include <atomic>
 #import <objc/runtime.h>
 
 #import "adapters/apple/retained.h"
@@ -10,8 +9,6 @@
 namespace {
 
 using Handler = void (^)(NSData* body, NSURLResponse* response, NSError* error);
-
-std::atomic<const void*> latest = nullptr;
 
 NSString* text(const std::string& utf8) {
   return [NSString stringWithUTF8String:utf8.c_str()];
@@ -34,11 +31,9 @@ NSError* errorOf(const orvane::Error& error) {
   for (const auto& [key, value] : error.userInfo) [userInfo setObject:text(*value.string()) forKey:text(key)];
   [userInfo setObject:[NSURL URLWithString:@"http://h/"] forKey:@"URL"];
   [userInfo setObject:@"an entry of no meaning" forKey:@1];
-  NSError* const made = [NSError errorWithDomain:text(error.domain)
-                                            code:static_cast<NSInteger>(error.code)
-                                        userInfo:userInfo];
-  latest = made;
-  return made;
+  return [NSError errorWithDomain:text(error.domain)
+                             code:static_cast<NSInteger>(error.code)
+                         userInfo:userInfo];
 }
 
 NSHTTPURLResponse* responseTo(NSURLRequest* request, int statusCode) {
@@ -192,10 +187,6 @@ NSURLSession* sessionOver(std::shared_ptr<orvane::URLSession> inner) {
   NSURLSession* const session = [[[NSURLSession alloc] init] autorelease];
   session->queue->inner = std::move(inner);
   return session;
-}
-
-const void* latestError() {
-  return latest;
 }
 
 }  // namespace standins

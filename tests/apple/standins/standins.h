@@ -40,7 +40,4 @@ void setInnerSession(std::shared_ptr<orvane::URLSession> inner);
 /// Makes a session whose tasks `inner` carries out.
 NSURLSession* sessionOver(std::shared_ptr<orvane::URLSession> inner);
 
-/// Returns the latest NSError that any NSURLSession handed over.
-const void* latestError();
-
 }  // namespace standins
