@@ -117,22 +117,21 @@ TEST(PlatformError, KeepsItsIdentityAndItsWords) {
 TEST(OVDeviceInfoTool, ReadsTheDevice) {
   const standins::Facts before = standins::facts();
   const Class tool = NSClassFromString(@"Orvane.OVDeviceInfoTool");
-  standins::facts() = {.systemVersion = "",
-                       .model = "iPad",
-                       .identifierForVendor = "E621E1F8-C36C-495A-93FC-0C247A3E6E5F",
-                       .carrierName = "",
+  standins::facts() = {.systemVersion = @"",
+                       .model = @"iPad",
+                       .identifierForVendor = @"E621E1F8-C36C-495A-93FC-0C247A3E6E5F",
+                       .carrierName = @"",
                        .bounds = {667, 375},
                        .scale = 3};
-  EXPECT_EQ(utf8([tool getMEIDCode]), "E621E1F8-C36C-495A-93FC-0C247A3E6E5F");
-  EXPECT_EQ(utf8([tool getSystemName]), "iPad");
-  EXPECT_EQ(utf8([tool getSystemVersion]), "iOS ");
-  EXPECT_EQ(utf8([tool getcarrierName]), "");
-  EXPECT_EQ(orvane::OVDeviceInfoTool().screenSize(), orvane::ScreenSize::Screen5_5Inch);
-  standins::facts().carrierName = {};
-  EXPECT_EQ(utf8([tool getcarrierName]), "nil");
-  standins::facts().carrierName = "there";
-  standins::facts().hasCarrier = false;
-  EXPECT_EQ(utf8([tool getcarrierName]), "nil");
+  @autoreleasepool {
+    EXPECT_EQ(utf8([tool getMEIDCode]), "E621E1F8-C36C-495A-93FC-0C247A3E6E5F");
+    EXPECT_EQ(utf8([tool getSystemName]), "iPad");
+    EXPECT_EQ(utf8([tool getSystemVersion]), "iOS ");
+    EXPECT_EQ(utf8([tool getcarrierName]), "");
+    EXPECT_EQ(orvane::OVDeviceInfoTool().screenSize(), orvane::ScreenSize::Screen5_5Inch);
+    standins::facts().carrierName = nil;
+    EXPECT_EQ(utf8([tool getcarrierName]), "nil");
+  }
   standins::facts() = before;
 }
 

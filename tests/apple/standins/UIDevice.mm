@@ -5,14 +5,6 @@
 
 #include "tests/apple/standins/standins.h"
 
-namespace {
-
-NSString* text(const std::optional<std::string>& utf8) {
-  return utf8 ? [NSString stringWithUTF8String:utf8->c_str()] : nil;
-}
-
-}  // namespace
-
 standins::Facts& standins::facts() {
   static auto* const facts = new Facts;
   return *facts;
@@ -24,13 +16,13 @@ standins::Facts& standins::facts() {
   return device;
 }
 - (NSString*)systemVersion {
-  return text(standins::facts().systemVersion);
+  return standins::facts().systemVersion;
 }
 - (NSString*)model {
-  return text(standins::facts().model);
+  return standins::facts().model;
 }
 - (NSUUID*)identifierForVendor {
-  NSString* const identifier = text(standins::facts().identifierForVendor);
+  NSString* const identifier = standins::facts().identifierForVendor;
   return identifier ? [[[NSUUID alloc] initWithUUIDString:identifier] autorelease] : nil;
 }
 @end
@@ -41,7 +33,7 @@ standins::Facts& standins::facts() {
   return screen;
 }
 - (CGRect)bounds {
-  return NSMakeRect(0, 0, standins::facts().bounds.width, standins::facts().bounds.height);
+  return {{0, 0}, standins::facts().bounds};
 }
 - (CGFloat)scale {
   return standins::facts().scale;
@@ -50,12 +42,12 @@ standins::Facts& standins::facts() {
 
 @implementation CTCarrier
 - (NSString*)carrierName {
-  return text(standins::facts().carrierName);
+  return standins::facts().carrierName;
 }
 @end
 
 @implementation CTTelephonyNetworkInfo
 - (CTCarrier*)subscriberCellularProvider {
-  return standins::facts().hasCarrier ? [[[CTCarrier alloc] init] autorelease] : nil;
+  return [[[CTCarrier alloc] init] autorelease];
 }
 @end

@@ -1,12 +1,10 @@
 #pragma once
 
-#import <Foundation/Foundation.h>
+#import <UIKit/UIKit.h>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 
-#include "orvane/platform/DeviceReadings.h"
 #include "orvane/platform/URLSession.h"
 
 /// A text that is not Unicode: a lone surrogate before a pair, and another one after it, before a letter.
@@ -15,15 +13,14 @@
 
 namespace standins {
 
-/// What the stand-ins for UIDevice, UIScreen and CTTelephonyNetworkInfo report. A test may change it.
+/// What the stand-ins for UIDevice, UIScreen and CTCarrier report. A test may change it.
 struct Facts {
-  std::string systemVersion = "17.4";
-  std::string model = "iPhone";
-  std::optional<std::string> identifierForVendor = {};
-  bool hasCarrier = true;
-  std::optional<std::string> carrierName = "Carrier";
-  orvane::ScreenBounds bounds = {375, 667};
-  double scale = 2;
+  NSString* systemVersion = @"17.4";
+  NSString* model = @"iPhone";
+  NSString* identifierForVendor = nil;
+  NSString* carrierName = @"Carrier";
+  CGSize bounds = {375, 667};
+  CGFloat scale = 2;
 };
 Facts& facts();
 

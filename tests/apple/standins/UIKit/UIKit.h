@@ -3,6 +3,7 @@
 #import <Foundation/Foundation.h>
 
 typedef NSRect CGRect;
+typedef NSSize CGSize;
 
 @interface UIDevice : NSObject
 + (UIDevice*)currentDevice;
