@@ -50,15 +50,19 @@ class Program {
   std::string address_;
 };
 
-TEST(DevServiceProgram, GoesOnWithoutAReader) {
+TEST(DevServiceProgram, PrintsEachRequestAndGoesOnWithoutAReader) {
   const Program service;
-  const std::string ask2000Times = "curl -sm60 'http://" + service.address() + "/[1-2000]'";
+  const std::string ask2000Times = "curl -sm60 'http://" + service.address() + "/[1-2000]%07%c3'";
   EXPECT_EQ(runShell(ask2000Times).status, 0);
   int lines = 0, dropped = 0;
   while (dropped == 0) {
     const std::string line = service.readLine();
-    if (line.starts_with('(')) dropped = std::stoi(line.substr(1));
-    lines += dropped == 0;
+    if (line.starts_with('(')) {
+      dropped = std::stoi(line.substr(1));
+    } else {
+      EXPECT_NE(line.find(R"(\x07\xc3 404 {"code":1006,"msg":")"), line.npos) << line;
+      ++lines;
+    }
   }
   EXPECT_EQ(lines + dropped, 2000);
   EXPECT_EQ(runShell(ask2000Times).status, 0);

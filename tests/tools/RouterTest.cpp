@@ -52,6 +52,7 @@ TEST(IsLocalCaller, KnowsTheDeveloperFromOtherSites) {
       {"a link", peer, {{"host", own}, {site, "cross-site"}, navigates, {dest, "document"}}, true},
       {"a frame", peer, {{"host", own}, {site, "cross-site"}, navigates, {dest, "iframe"}}, false},
       {"a part of another site", peer, {{"host", own}, {site, "cross-site"}}, false},
+      {"another port's site", peer, {{"host", own}, {site, "same-site"}}, false},
       {"another machine", "192.0.2.1", {{"host", own}, {"Origin", "http://" + own}}, false},
       {"no host", peer, {}, false},
       {"a name that starts alike", peer, {{"host", "localhost.example"}}, false},
