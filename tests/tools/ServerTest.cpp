@@ -81,19 +81,13 @@ class Client {
 };
 
 TEST(DevServer, KeepsItsPortItsConnectionsAndFieldsAsTheyCame) {
-  const std::pair<std::string, Json> cases[] = {
-      {"XRAPI-CLIENT-ID:\t%41:+ \xff b \r\n", "%41:+ \ufffd b"},  // JSON has to be UTF-8.
-      {"", nullptr},
-      {"xrapi-client-id: \t \r\nX: y\r\n", ""},
-  };
   IdentityService service;
   const Server server(service);
   EXPECT_ANY_THROW(Server(service, server.port()));
   Client connection(server);
-  for (const auto& [field, clientId] : cases) {
-    EXPECT_EQ(connection.codeOf(callFor(number, field)), 2001) << field;
-    EXPECT_EQ(bodyOf(connection.send(inspectAll).receive())[number]["clientId"], clientId) << field;
-  }
+  EXPECT_EQ(connection.codeOf(callFor(number, "XRAPI-CLIENT-ID:\t%41:+ \xff b \r\n")), 2001);
+  const Json known = bodyOf(connection.send(inspectAll).receive())[number];
+  EXPECT_EQ(known["clientId"], "%41:+ \ufffd b");  // JSON has to be UTF-8.
 }
 
 TEST(DevServer, RefusesOrSpoils) {
