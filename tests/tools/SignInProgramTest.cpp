@@ -129,7 +129,7 @@ TEST(SignInProgram, TalksWithAPerson) {
 }
 
 TEST(SignInProgram, MakesSingleCallsWithTheClientIdentifierGiven) {
-  const std::string mobile = "+99900000401";  // The submission is answered late, and waited for.
+  const std::string mobile = "+999000004010060";  // The submission is answered late, and waited for.
   devservice::IdentityService service;
   const devservice::Server server(service);
   const auto known = [&] { return service.inspect(mobile).value(); };
