@@ -9,9 +9,17 @@
 
 #include "tools/devservice/IdentityService.h"
 #include "tools/devservice/Limits.h"
-#include "tools/devservice/Reach.h"
 
 namespace devservice {
+
+/// Says which callers a server has.
+struct Reach {
+  /// The numeric address to listen on. An IPv6 address may be in brackets. 0.0.0.0 means all IPv4 addresses
+  /// of the machine, and :: all addresses.
+  std::string address = "127.0.0.1";
+  /// Opens the page and /inspect to other machines. If it is empty, only this machine sees them.
+  std::string token = {};
+};
 
 /// Serves an IdentityService and its page over HTTP, from construction to destruction, on one
 /// thread of its own.

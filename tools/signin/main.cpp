@@ -2,11 +2,14 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <pthread.h>
 #include <span>
 #include <string>
 #include <sys/resource.h>
+#include <thread>
 #include <utility>
 
 #include "orvane/host/HostSession.h"
@@ -20,7 +23,6 @@
 #include "tools/signin/Report.h"
 #include "tools/signin/SignIn.h"
 #include "tools/signin/Terminal.h"
-#include "tools/signin/onInterruption.h"
 #include "tools/support/Secrets.h"
 
 namespace {
@@ -39,6 +41,30 @@ void preventCoreFile() {
   getrlimit(RLIMIT_CORE, &limit);
   limit.rlim_cur = std::min<rlim_t>(1, limit.rlim_max);
   setrlimit(RLIMIT_CORE, &limit);
+}
+
+/// Calls `tidyUp` once when SIGINT, SIGTERM or SIGHUP arrives; the signal then ends the process. A second
+/// signal ends it at once. Signals that the process was started to ignore stay ignored. To be called once,
+/// before other threads start. `tidyUp` runs on a thread of its own, possibly while main() returns.
+void onInterruption(std::function<void()> tidyUp) {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction before = {};
+    sigaction(signal, nullptr, &before);
+    if (before.sa_handler != SIG_IGN) sigaddset(&signals, signal);
+  }
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);  // Later threads inherit the mask.
+  std::thread([signals, tidyUp = std::move(tidyUp)] {
+    int signal = 0;
+    if (sigwait(&signals, &signal) != 0) return;
+    for (const int each : {SIGINT, SIGTERM, SIGHUP}) {
+      if (sigismember(&signals, each) == 1) std::signal(each, SIG_DFL);
+    }
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    tidyUp();
+    raise(signal);
+  }).detach();
 }
 
 /// Returns the configuration of a session whose requests reach the service at the address, or by the options.
