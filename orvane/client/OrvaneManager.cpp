@@ -6,8 +6,8 @@
 #include "orvane/base/fatal.h"
 #include "orvane/client/JudgedReply.h"
 #include "orvane/client/ServiceCall.h"
-#include "orvane/client/reportDevice.h"
 #include "orvane/client/sharedManagerMaker.h"
+#include "orvane/device/OVDeviceInfoTool.h"
 #include "orvane/network/networkToolError.h"
 #include "orvane/platform/Platform.h"
 
@@ -44,6 +44,26 @@ void trace(const ServiceCall& call, const Error& error) {
   const std::string line = "orvane: " + std::string(call.name) + ": " + errorDescription(error) + "\n";
   std::fwrite(line.data(), 1, line.size(), stdout);
   std::fflush(stdout);
+}
+
+/// Reports the system's version, the carrier's name and the device's model to the service, after the login of
+/// `mobile`. Reuses the stored header set, which is the login's unless another call was made meanwhile.
+/// Ignores the outcome.
+void reportDevice(const std::string& mobile) {
+  Map body;
+  body["mobile"] = mobile;
+  // Not the model: the service expects the system's version under this name.
+  body["deviceModel"] = OVDeviceInfoTool::getSystemVersion();
+  body["carrier"] = OVDeviceInfoTool::getcarrierName();
+  body["deviceName"] = rawValue(OVDeviceInfoTool::getDeviceName());
+  // The device's real identifiers never leave it.
+  body["IMEI"] = " ";
+  body["IMSI"] = " ";
+  try {
+    sendWithStoredHeaders(deviceReportCall, std::move(body), nullptr);
+  } catch (...) {
+    // The session threw because it has no thread. The login succeeded, and the report's outcome is ignored.
+  }
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 #include "orvane/base/Snapshot.h"
 #include "orvane/base/fatal.h"
+#include "orvane/json/readJSON.h"
 #include "orvane/json/writeJSON.h"
-#include "orvane/network/decodeReply.h"
 #include "orvane/network/networkToolError.h"
 #include "orvane/network/percentEncode.h"
 #include "orvane/platform/Platform.h"
@@ -28,16 +28,13 @@ URLRequest makeJSONPost(std::string_view url, const std::optional<Parameters>& p
 
 /// Decodes a reply on the session queue, so that the main queue runs the completion and nothing else.
 void deliver(const DataTaskResult& reply, NetworkTool::Completion completion) {
-  DecodedReply decoded = decodeReply(reply);
-  if (decoded.error) {
-    completion(std::nullopt, std::move(decoded.error));
-    return;
-  }
-  if (!decoded.result) fatal("requestJSON: the session reported neither a body nor an error");
-  platform().mainQueue->async(
-      [completion = std::move(completion), result = std::move(decoded.result)]() mutable {
-        completion(std::move(result), nullptr);
-      });
+  if (reply.error) return completion(std::nullopt, reply.error);
+  if (!reply.body) fatal("requestJSON: the session reported neither a body nor an error");
+  std::optional<Value> result = readJSON(*reply.body);
+  if (!result) return completion(std::nullopt, networkToolError(replyNotDecoded));
+  platform().mainQueue->async([completion = std::move(completion), result = std::move(result)]() mutable {
+    completion(std::move(result), nullptr);
+  });
 }
 
 }  // namespace
