@@ -62,6 +62,12 @@ Value::Value(const Value& other) {
   }
 }
 
+Value& Value::operator=(Value other) noexcept {
+  // Safe if the argument is nested inside this value: by now `other` is a value of its own.
+  data_ = std::move(other.data_);
+  return *this;
+}
+
 /// Copies `other` except for the containers directly inside it: appends each of those to `deeper`, with the
 /// value that its copy belongs into.
 void Value::copyShallow(const Value& other, std::vector<std::pair<const Value*, Value*>>& deeper) {

@@ -111,10 +111,7 @@ class ORVANE_API Value {
   ///@{
   Value(const Value& other);
   Value(Value&& other) noexcept : data_(std::move(other.data_)) { other.data_.emplace<std::monostate>(); }
-  Value& operator=(Value other) noexcept {
-    std::destroy_at(this);
-    return *std::construct_at(this, std::move(other));
-  }
+  Value& operator=(Value other) noexcept;
   ///@}
   ~Value();
 
