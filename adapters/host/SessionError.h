@@ -30,7 +30,8 @@ enum class SessionFailure {
   serverCertificateNotYetValid,
   clientCertificateRequired,
 };
-inline constexpr std::size_t sessionFailureCount = 19;
+inline constexpr auto sessionFailureCount =
+    static_cast<std::size_t>(SessionFailure::clientCertificateRequired) + 1;
 
 /// Returns the failure for a result of curl's. `verification` is its CURLINFO_SSL_VERIFYRESULT. Throws
 /// std::bad_alloc if curl lacked memory.

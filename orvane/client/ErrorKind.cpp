@@ -1,5 +1,7 @@
 #include "orvane/client/ErrorKind.h"
 
+#include <iterator>
+
 #include "orvane/network/NetworkTool.h"
 #include "orvane/network/networkToolError.h"
 
@@ -53,6 +55,7 @@ std::string_view sentence(ErrorKind kind) {
       "The service's reply could not be read.",
       "The request failed.",
   };
+  static_assert(std::size(sentences) == errorKindNames.size());
   return sentences[hashValue(kind)];
 }
 

@@ -23,6 +23,7 @@ enum class ErrorKind {
 /// The raw values of ErrorKind.
 inline constexpr std::array<std::string_view, 7> errorKindNames = {
     "refused", "not sent", "no connection", "timed out", "not secure", "not readable", "other"};
+static_assert(errorKindNames.size() == hashValue(ErrorKind::other) + 1);
 
 /// Enables rawValue(), hashValue() and fromRawValue() for this enumeration.
 template <>

@@ -47,6 +47,7 @@ inline constexpr std::array<std::string_view, 28> deviceNames = {
     "iPad3",         "iPad4",         "iPadAir",       "iPadMini2",     "iPadAir2",      "iPadMini3",
     "iPadMini4",     "iPadPro",       "iPodTouch1Gen", "iPodTouch2Gen", "iPodTouch3Gen", "iPodTouch4Gen",
     "iPodTouch5Gen", "iPodTouch6Gen", "Simulator",     "Unknown"};
+static_assert(deviceNames.size() == hashValue(DeviceName::Unknown) + 1);
 
 /// Enables rawValue(), hashValue() and fromRawValue() for this enumeration.
 template <>

@@ -11,6 +11,7 @@ enum class HTTPMethod { GET, POST, JSON_POST };
 
 /// The raw values of HTTPMethod, in the order of its cases.
 inline constexpr std::array<std::string_view, 3> httpMethodNames = {"GET", "POST", "JSON_POST"};
+static_assert(httpMethodNames.size() == hashValue(HTTPMethod::JSON_POST) + 1);
 
 /// Enables rawValue(), hashValue() and fromRawValue() for this enumeration.
 template <>

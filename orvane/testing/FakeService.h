@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -137,14 +138,15 @@ class FakeService final : public URLSession {
   /// Records the request. One whose path is not that of a call fails with -1003, and is not recorded. The
   /// host does not matter.
   void startDataTask(URLRequest request, DataTaskHandler handler) override {
-    constexpr std::array<std::string_view, 4> paths = {"/tenant/verify/captcha", "/tenant/getVerifyCode",
-                                                       "/tenant/submitVerifyCode",
-                                                       "/tenant/submitMobileInformation"};
-    const auto found = std::find_if(paths.begin(), paths.end(),
-                                    [&](std::string_view path) { return request.url().ends_with(path); });
+    constexpr std::string_view paths[] = {"/tenant/verify/captcha", "/tenant/getVerifyCode",
+                                          "/tenant/submitVerifyCode", "/tenant/submitMobileInformation"};
+    static_assert(std::size(paths) == callCount);
+    const auto* const found = std::find_if(std::begin(paths), std::end(paths), [&](std::string_view path) {
+      return request.url().ends_with(path);
+    });
     const std::lock_guard lock(mutex_);
-    if (found == paths.end()) return waiting_.push_back({std::nullopt, std::move(handler)});
-    const Call call{static_cast<int>(found - paths.begin())};
+    if (found == std::end(paths)) return waiting_.push_back({std::nullopt, std::move(handler)});
+    const Call call{static_cast<int>(found - std::begin(paths))};
     const Bytes body = request.body().value_or(Bytes());
     const std::string* const clientId = request.value("XRAPI-CLIENT-ID");
     requests_.push_back(
@@ -165,6 +167,7 @@ class FakeService final : public URLSession {
     DataTaskHandler handler;
   };
 
+  static constexpr std::size_t callCount = static_cast<std::size_t>(Call::report) + 1;
   static std::size_t index(Call call) { return static_cast<std::size_t>(call); }
 
   FakeService() { reset(); }
@@ -184,9 +187,9 @@ class FakeService final : public URLSession {
   mutable std::mutex mutex_;  // Guards the requests and those that wait.
   std::vector<Request> requests_;
   std::deque<Waiting> waiting_;
-  std::array<Reply, 4> replies_ = {Reply::accepted(), Reply::accepted(), Reply::accepted(),
-                                   Reply::accepted()};
-  std::array<bool, 4> held_ = {};
+  std::array<Reply, callCount> replies_ = {Reply::accepted(), Reply::accepted(), Reply::accepted(),
+                                           Reply::accepted()};
+  std::array<bool, callCount> held_ = {};
 };
 
 }  // namespace orvane

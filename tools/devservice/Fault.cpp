@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/devservice/ReplyDraft.h"
+#include "tools/devservice/countsFromOne.h"
 #include "tools/support/Json.h"
 
 namespace devservice {
@@ -48,6 +49,7 @@ constexpr Fault table[] = {
     {18, "network", "silent", "the call is never answered, and the connection stays open",
      [](ReplyDraft& draft) { draft.transport = TransportFault::silence; }},
 };
+static_assert(countsFromOne(table, &Fault::number));
 
 }  // namespace
 

@@ -7,6 +7,7 @@
 #include <span>
 #include <utility>
 
+#include "tools/devservice/countsFromOne.h"
 #include "tools/devservice/drawPicture.h"
 #include "tools/devservice/glyphStrokes.h"
 #include "tools/devservice/makeReply.h"
@@ -34,6 +35,8 @@ constexpr Route routes[] = {
     {"/tenant/submitVerifyCode", Call::login, loginMembers},
     {"/tenant/submitMobileInformation", Call::submission, factMembers},
 };
+static_assert(countsFromOne(routes, &Route::call) &&
+              std::size(routes) == static_cast<std::size_t>(Call::submission));
 
 bool isMobileNumber(std::string_view text) {
   if (text.starts_with('+')) text.remove_prefix(1);

@@ -1,6 +1,7 @@
 #include "tools/devservice/RequestLog.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "tools/devservice/Limits.h"
 #include "tools/support/Json.h"
@@ -12,6 +13,7 @@ using support::Json;
 
 // The index is a TransportFault.
 constexpr std::string_view faultNotes[] = {"", "delayed", "dropped", "cut", "reset", "not answered"};
+static_assert(std::size(faultNotes) == static_cast<std::size_t>(TransportFault::silence) + 1);
 
 std::string cut(std::string_view text) {
   return std::string(text.substr(0, maxLogText));

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <iterator>
 #include <unistd.h>
 
 #include "tools/support/Json.h"
@@ -15,6 +16,7 @@ std::string line(const std::optional<Step>& step, const StepEnd& stepEnd) {
   using support::Json, support::orNull;
   constexpr const char* outcomes[] = {"success", "refusal",     "usage",  "network",
                                       "fault",   "interrupted", "aborted"};
+  static_assert(std::size(outcomes) == static_cast<std::size_t>(StepOutcome::aborted) + 1);
   Json object;
   object["step"] = step ? Json(stepNames[static_cast<std::size_t>(*step)]) : Json();
   object["outcome"] = outcomes[static_cast<std::size_t>(stepEnd.outcome)];
