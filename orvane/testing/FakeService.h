@@ -1,14 +1,14 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -104,17 +104,17 @@ class FakeService final : public URLSession {
     cancelAllOperations();
     const std::lock_guard lock(mutex_);
     requests_.clear();
-    replies_.fill(Reply::accepted());
-    held_.fill(false);
+    replies_.clear();
+    held_.clear();
   }
 
   /// Sets the reply to each `call` that settle() handles from now on.
-  void reply(Call call, Reply reply) { replies_[index(call)] = std::move(reply); }
+  void reply(Call call, Reply reply) { replies_.insert_or_assign(call, std::move(reply)); }
 
   /// Keeps each `call` waiting until release().
   ///@{
-  void hold(Call call) { held_[index(call)] = true; }
-  void release(Call call) { held_[index(call)] = false; }
+  void hold(Call call) { held_.insert(call); }
+  void release(Call call) { held_.erase(call); }
   ///@}
 
   /// Replies to all requests that are not held, in their order, and runs the main queue, until nothing is
@@ -124,7 +124,7 @@ class FakeService final : public URLSession {
       if (mainQueue_->runPending() > 0) continue;
       const std::optional<Waiting> next = takeNext();
       if (!next) return;
-      const Reply reply = next->call ? replies_[index(*next->call)] : Reply::failed(-1003);
+      const Reply reply = next->call ? replyTo(*next->call) : Reply::failed(-1003);
       if (next->handler) next->handler(reply.result());
     }
   }
@@ -138,15 +138,15 @@ class FakeService final : public URLSession {
   /// Records the request. One whose path is not that of a call fails with -1003, and is not recorded. The
   /// host does not matter.
   void startDataTask(URLRequest request, DataTaskHandler handler) override {
-    constexpr std::string_view paths[] = {"/tenant/verify/captcha", "/tenant/getVerifyCode",
-                                          "/tenant/submitVerifyCode", "/tenant/submitMobileInformation"};
-    static_assert(std::size(paths) == callCount);
-    const auto* const found = std::find_if(std::begin(paths), std::end(paths), [&](std::string_view path) {
-      return request.url().ends_with(path);
-    });
+    constexpr std::pair<Call, std::string_view> paths[] = {{Call::picture, "/tenant/verify/captcha"},
+                                                           {Call::code, "/tenant/getVerifyCode"},
+                                                           {Call::login, "/tenant/submitVerifyCode"},
+                                                           {Call::report, "/tenant/submitMobileInformation"}};
+    const auto found = std::find_if(std::begin(paths), std::end(paths),
+                                    [&](const auto& path) { return request.url().ends_with(path.second); });
     const std::lock_guard lock(mutex_);
     if (found == std::end(paths)) return waiting_.push_back({std::nullopt, std::move(handler)});
-    const Call call{static_cast<int>(found - std::begin(paths))};
+    const Call call = found->first;
     const Bytes body = request.body().value_or(Bytes());
     const std::string* const clientId = request.value("XRAPI-CLIENT-ID");
     requests_.push_back(
@@ -167,15 +167,17 @@ class FakeService final : public URLSession {
     DataTaskHandler handler;
   };
 
-  static constexpr std::size_t callCount = static_cast<std::size_t>(Call::report) + 1;
-  static std::size_t index(Call call) { return static_cast<std::size_t>(call); }
+  FakeService() = default;
 
-  FakeService() { reset(); }
+  Reply replyTo(Call call) const {
+    const auto found = replies_.find(call);
+    return found == replies_.end() ? Reply::accepted() : found->second;
+  }
 
   std::optional<Waiting> takeNext() {
     const std::lock_guard lock(mutex_);
     const auto next = std::find_if(waiting_.begin(), waiting_.end(), [this](const Waiting& waiting) {
-      return !waiting.call || !held_[index(*waiting.call)];
+      return !waiting.call || !held_.contains(*waiting.call);
     });
     if (next == waiting_.end()) return std::nullopt;
     std::optional<Waiting> taken = std::move(*next);
@@ -187,9 +189,8 @@ class FakeService final : public URLSession {
   mutable std::mutex mutex_;  // Guards the requests and those that wait.
   std::vector<Request> requests_;
   std::deque<Waiting> waiting_;
-  std::array<Reply, callCount> replies_ = {Reply::accepted(), Reply::accepted(), Reply::accepted(),
-                                           Reply::accepted()};
-  std::array<bool, callCount> held_ = {};
+  std::map<Call, Reply> replies_;  // Without an entry the call is accepted.
+  std::set<Call> held_;
 };
 
 }  // namespace orvane
