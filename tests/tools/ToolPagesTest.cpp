@@ -67,11 +67,22 @@ TEST(Pages, HaveTheCodesAndFaultsOfTheService) {
   EXPECT_NE(page.find(codes + "\n"), page.npos) << codes;
   EXPECT_NE(page.find(faults + "\n"), page.npos) << faults;
 
-  const auto file = std::ranges::find(devservice::pageFiles(), "/openapi.json", &devservice::PageFile::path);
-  const auto description = nlohmann::json::parse(file->content);
+  const auto contentOf = [](std::string_view path) {
+    return std::ranges::find(devservice::pageFiles(), path, &devservice::PageFile::path)->content;
+  };
+  const auto description = nlohmann::json::parse(contentOf("/openapi.json"));
   EXPECT_EQ(description["components"]["schemas"]["Refusal"]["properties"]["code"]["enum"], refusals);
-  EXPECT_EQ(description["paths"].size(), 4);
-  for (const auto& [path, call] : description["paths"].items()) EXPECT_TRUE(devservice::callAt(path)) << path;
+  EXPECT_EQ(description["paths"].size(), std::size(devservice::callNames));
+  const std::string manual = outputOf("cat " TOOLS_FOLDER "/devservice/orvane-devservice.1");
+  for (const auto& [path, call] : description["paths"].items()) {
+    EXPECT_TRUE(devservice::callAt(path)) << path;
+    EXPECT_NE(page.find("- `" + path + "` "), page.npos) << path;
+    EXPECT_NE(manual.find(".B " + path + "\n"), manual.npos) << path;
+  }
+  for (const std::string_view name : devservice::callNames) {
+    const std::string option = "<option>" + std::string(name) + "</option>";
+    EXPECT_NE(contentOf("/").find(option), std::string_view::npos) << option;
+  }
 }
 
 }  // namespace

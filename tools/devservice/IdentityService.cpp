@@ -35,8 +35,7 @@ constexpr Route routes[] = {
     {"/tenant/submitVerifyCode", Call::login, loginMembers},
     {"/tenant/submitMobileInformation", Call::submission, factMembers},
 };
-static_assert(countsFromOne(routes, &Route::call) &&
-              std::size(routes) == static_cast<std::size_t>(Call::submission));
+static_assert(countsFromOne(routes, &Route::call) && std::size(routes) == std::size(callNames));
 
 bool isMobileNumber(std::string_view text) {
   if (text.starts_with('+')) text.remove_prefix(1);

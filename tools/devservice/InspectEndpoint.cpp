@@ -68,10 +68,6 @@ std::string unknownIn(const Members& query, std::initializer_list<std::string_vi
   return found == query.end() ? std::string() : found->first;
 }
 
-/// The names of the calls. The index is a Call, less 1.
-constexpr std::string_view callNames[] = {"picture", "code", "login", "submission"};
-static_assert(std::size(callNames) == static_cast<std::size_t>(Call::submission));
-
 /// Returns the name of the call that the request is, or an empty string.
 std::string_view callOf(const LogEntry& entry) {
   const auto call = callAt(entry.path);

@@ -8,8 +8,12 @@
 
 namespace devservice {
 
-/// The four calls. Each value is the digit that stands for the call in a mobile number that demands a fault.
+/// The calls. Each value is the digit that stands for the call in a mobile number that demands a fault.
 enum class Call { picture = 1, code, login, submission };
+
+/// The names of the calls, in the order of their digits, which begin with 1.
+inline constexpr std::string_view callNames[] = {"picture", "code", "login", "submission"};
+static_assert(std::size(callNames) == static_cast<std::size_t>(Call::submission));
 
 /// A fault, or null for none. `delay` is used by the late reply only.
 struct RequestedFault {

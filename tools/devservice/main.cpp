@@ -49,9 +49,12 @@ std::string helpFooter() {
     text.append("  ").append(std::to_string(static_cast<int>(code))).append("  ").append(description) += '\n';
   }
   text.append("\nFaults on demand: the mobile numbers ").append(faultNumberPrefix);
+  text += "XYY.\nX is the call that the fault hits: 0 all";
+  int digit = 0;
+  for (const std::string_view name : callNames)
+    text.append(", ").append(std::to_string(++digit)).append(" ").append(name);
   text +=
-      "XYY.\nX is the call that the fault hits: 0 all, 1 picture, 2 code, 3 login, 4 submission. YY is the "
-      "fault.\n"
+      ". YY is the fault.\n"
       "After 01 four more digits may follow, the delay in hundredths of a second, at most 6000:\n";
   for (const Fault& fault : faultTable()) {
     const std::string number = std::to_string(fault.number);
