@@ -1,6 +1,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <iterator>
 #include <string_view>
 
 #include "tools/devservice/Fault.h"
