@@ -21,6 +21,7 @@ namespace {
 constexpr std::array calls = {"requestPictureCode", "requestCode", "requestLogin", "device report"};
 
 const std::string rowName = "what happens";
+const std::vector<Row> rows = rowsOfTheErrorsPage(rowName);
 
 /// How an application makes its calls.
 enum class Way { plain, withWords, withWordsAwaitedElsewhere };
@@ -93,18 +94,13 @@ std::string outcomeInTime(const std::string& call, const Fault& fault, Way way, 
   return seen;
 }
 
-const std::vector<Row>& rows() {
-  static const std::vector<Row> all = rowsOfTheErrorsPage(rowName);
-  return all;
-}
-
 /// Its parameter is the number of a row.
 class FaultMatrix : public testing::TestWithParam<std::size_t> {};
 
 TEST_P(FaultMatrix, IsAsThePageSaysAndNeverStopsWithWords) {
   const std::vector<Fault> faults = makeFaults();
-  ASSERT_EQ(rows().size(), faults.size());
-  const Row& row = rows()[GetParam()];
+  ASSERT_EQ(rows.size(), faults.size());
+  const Row& row = rows[GetParam()];
   const Fault& fault = faults[GetParam()];
   ASSERT_EQ(row.at(rowName), fault.name);
   // Besides its name, a row has one outcome, or one for each call but the report.
@@ -121,12 +117,11 @@ TEST_P(FaultMatrix, IsAsThePageSaysAndNeverStopsWithWords) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, FaultMatrix, testing::Range(std::size_t{0}, rows().size()),
-                         [](const auto& row) {
-                           std::string name = rows()[row.param].at(rowName);
-                           for (char& c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
-                           return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Rows, FaultMatrix, testing::Range(std::size_t{0}, rows.size()), [](const auto& row) {
+  std::string name = rows[row.param].at(rowName);
+  for (char& c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+  return name;
+});
 
 }  // namespace
 }  // namespace orvane::test

@@ -156,7 +156,7 @@ TEST_F(NetworkToolDeathTest, StopsOnProgrammingErrorsAndNamesNoArgument) {
   using enum HTTPMethod;
   const auto stop = [](const std::string& reason) { return "^orvane: " + reason + "\n$"; };
   const std::string notURL = stop("request: the text given as URL is not a URL");
-  const Parameters blankKey = {{"a b", "v"}}, number = {{"k", 7}}, notUTF8 = {{"k", "\xFF"}};
+  const Parameters blankKey = {{"a b", "v"}}, number = {{"k", 7}}, notUTF8 = {{"k", "\xC3"}};
   EXPECT_DEATH(tool.request(GET, "u", blankKey), notURL);
   EXPECT_DEATH(tool.request(POST, "a b", blankKey), notURL);
   EXPECT_DEATH(tool.request(JSON_POST, "a b", blankKey), notURL);

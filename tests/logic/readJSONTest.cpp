@@ -76,7 +76,7 @@ TEST(ReadJSON, RefusesAllElse) {
 
 TEST(ReadJSON, RefusesWhatIsNotUTF8) {
   const std::pair<const char*, std::vector<std::string>> groups[] = {
-      {"cut short", {"\xC3x", "\xE4\xB8x", "\xE4\xB8\xC0", "\xF0\x9F\x98x"}},
+      {"cut short", {"\xC3 ", "\xE4\xB8x", "\xE4\xB8\xC0", "\xF0\x9F\x98 "}},
       {"no first byte", {"\x80", "\xBF", "\xF8\x90\x80\x80", "\xFF\x90\x80\x80"}},
       {"overlong", {"\xC0\xAF", "\xC1\xBF", "\xE0\x80\x80", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF"}},
       {"surrogates", {"\xED\xA0\x80", "\xED\xBF\xBF"}},
@@ -137,7 +137,8 @@ TEST(ReadJSON, ReadsByteArraysTheFastWayLikeThePlainWay) {
     spaced += "]";
     ASSERT_EQ(reread(spaced), text);
     const std::size_t comma = spaced.find(',', random() % 190);
-    ASSERT_EQ(reread(std::string(spaced).replace(comma, 1, "<")), "error");  // The same low half.
+    // Characters that have all bits but one in common with a comma.
+    ASSERT_EQ(reread(std::string(spaced).replace(comma, 1, 1, "<$(-"[round % 4])), "error");
     ASSERT_EQ(reread(std::string(spaced).insert(comma + 1, "0")), "error");
     // Characters that have the low half of a digit in common with it.
     char& digit = spaced[spaced.find_first_of("0123456789", random() % 190)];
