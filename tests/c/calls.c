@@ -1,4 +1,4 @@
-/* Makes the same call three times from C, and writes one line for each outcome.
+/* Makes the same call three times from C, and writes one line for each outcome to standard error.
      calls ADDRESS CALL    CALL is picture, code, login, or a mistake, which stops the process */
 
 #include <fcntl.h>
@@ -34,22 +34,23 @@ static char* wordsFor(const orvane_failure* cause, void* context) {
 
 static void outcome(const orvane_failure* failure, int* context) {
   if (++*context != 1 || !pthread_equal(pthread_self(), loopThread)) abort();
-  if (failure) printf(", %d %d %s, %s", failure->kind, (int)failure->code, failure->domain, failure->message);
-  puts("");
+  if (failure)
+    fprintf(stderr, ", %d %d %s, %s", failure->kind, (int)failure->code, failure->domain, failure->message);
+  fprintf(stderr, "\n");
 }
 
 static void pictureFinished(const uint8_t* bytes, size_t size, const orvane_failure* failure, void* context) {
-  printf("%.*s of %d", (int)size, bytes ? (const char*)bytes : "", (int)size);
+  fprintf(stderr, "%.*s of %d", (int)size, bytes ? (const char*)bytes : "", (int)size);
   outcome(failure, context);
 }
 
 static void codeFinished(const orvane_failure* failure, void* context) {
-  printf("code");
+  fprintf(stderr, "code");
   outcome(failure, context);
 }
 
 static void loginFinished(const char* message, const orvane_failure* failure, void* context) {
-  printf("%s", message ? message : "null");
+  fprintf(stderr, "%s", message ? message : "null");
   outcome(failure, context);
 }
 

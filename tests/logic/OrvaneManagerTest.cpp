@@ -65,13 +65,12 @@ TEST_F(OrvaneManagerTest, ReportsAnAcceptedLoginBeforeItFinishes) {
 }
 
 TEST_F(OrvaneManagerDeathTest, AReplyThatACallCannotReadStopsTheProcess) {
-  const auto call = [](const char* mobile) {
-    OrvaneManager().requestCode(mobile, "c", nullptr);
+  const auto call = [] {
+    OrvaneManager().requestCode("139", "c", nullptr);
     fakeSession().answer("[]");
     fakeMainQueue().runPending();
   };
-  EXPECT_DEATH(call("139"), "^orvane: requestCode: the reply is not a map\n$");
-  EXPECT_DEATH(call("\xFF"), "^orvane: request: the parameters cannot be represented in JSON\n$");
+  EXPECT_DEATH(call(), "^orvane: requestCode: the reply is not a map\n$");
 }
 
 using Judge = JudgedReply (*)(std::optional<Value> result, ErrorPtr error);
