@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/wait.h>
+#include <utility>
 #include <vector>
 
 #include "tests/faults/Faults.h"
