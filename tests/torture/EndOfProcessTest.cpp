@@ -59,14 +59,10 @@ TEST_P(EndOfProcess, IsCleanWhateverIsUnderWay) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, EndOfProcess,
-                         testing::Values("return", "exit-in-a-handler", "exit-on-the-main-queue",
-                                         "exit-on-another-thread", "handler-that-never-returns",
-                                         "sessions-destroyed", "calls-in-a-destructor"),
-                         [](const auto& way) {
-                           std::string name = way.param;
-                           std::replace(name.begin(), name.end(), '-', '_');
-                           return name;
-                         });
+                         testing::Values("return", "exit_in_a_handler", "exit_on_the_main_queue",
+                                         "exit_on_another_thread", "handler_that_never_returns",
+                                         "sessions_destroyed", "calls_in_a_destructor"),
+                         [](const auto& way) { return std::string(way.param); });
 
 /// Returns how many descriptors a program would inherit that is started now.
 int inheritable() {

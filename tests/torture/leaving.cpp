@@ -102,13 +102,13 @@ constexpr auto runMainQueue = [] { hostMainQueue().run(); };
 
 constexpr Way ways[] = {
     {"return", nothing, awaitLimit},
-    {"exit-in-a-handler", leave, runMainQueue},
-    {"exit-on-the-main-queue", [] { hostMainQueue().async(leave); }, runMainQueue},
-    {"exit-on-another-thread", [] { std::thread(leave).detach(); }, runMainQueue},
-    {"handler-that-never-returns", [] { hostMainQueue().stop(), std::atomic<bool>(false).wait(false); },
+    {"exit_in_a_handler", leave, runMainQueue},
+    {"exit_on_the_main_queue", [] { hostMainQueue().async(leave); }, runMainQueue},
+    {"exit_on_another_thread", [] { std::thread(leave).detach(); }, runMainQueue},
+    {"handler_that_never_returns", [] { hostMainQueue().stop(), std::atomic<bool>(false).wait(false); },
      runMainQueue},
-    {"sessions-destroyed", nothing, [] { awaitLimit(), sessions.clear(); }},
-    {"calls-in-a-destructor", nothing,
+    {"sessions_destroyed", nothing, [] { awaitLimit(), sessions.clear(); }},
+    {"calls_in_a_destructor", nothing,
      [] {
        awaitLimit();
        static const LateCaller caller;
