@@ -1,6 +1,6 @@
 #pragma once
 
-#import <UIKit/UIKit.h>
+#import <Foundation/Foundation.h>
 #include <map>
 #include <memory>
 #include <string>
@@ -19,7 +19,7 @@ struct Facts {
   NSString* model = @"iPhone";
   NSString* identifierForVendor = nil;
   NSString* carrierName = @"Carrier";
-  CGSize bounds = {375, 667};
+  NSSize bounds = {375, 667};
   CGFloat scale = 2;
 };
 Facts& facts();

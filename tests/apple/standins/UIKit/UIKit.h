@@ -3,7 +3,6 @@
 #import <Foundation/Foundation.h>
 
 typedef NSRect CGRect;
-typedef NSSize CGSize;
 
 @interface UIDevice : NSObject
 + (UIDevice*)currentDevice;
