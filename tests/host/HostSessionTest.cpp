@@ -207,7 +207,7 @@ TEST(HostSession, HandsOverWholeBodiesUpToTheirLimit) {
 
 TEST(HostSession, KeepsFewIdleHandles) {
   constexpr int count = 60;
-  constexpr std::size_t lessThanOneHandle = 4096;
+  constexpr std::size_t lessThanOneHandle = 5 << 10;
   GroupServer group{count};
   HostSession session({.keepAlive = milliseconds(1), .connectionsPerHost = count});  // Keeps no connection.
   const std::size_t before = allocated();
