@@ -110,7 +110,7 @@ TEST(DevServer, RefusesOrSpoils) {
       {callFor("+99900000204"), "HTTP/1.1 200", nullptr},
   };
   IdentityService service;
-  const Server server(service);
+  const Server server(service, 0, {}, {.lingering = 1min});
   for (const auto& [text, start, code] : cases) {
     SCOPED_TRACE(text.substr(0, 300));
     const std::string reply = Client(server).send(text).receive();

@@ -25,8 +25,6 @@ namespace asio = boost::asio;
 namespace http = boost::beast::http;
 
 constexpr auto awaited = asio::as_tuple(asio::use_awaitable);
-/// How long a connection stays open after a refusal, so that the caller can read the reason.
-constexpr std::chrono::seconds lingering{1};
 /// Bytes that were received but not parsed: a header, and what came with its end.
 constexpr std::size_t maxBuffered = 2 * maxHeadSize;
 
@@ -130,7 +128,7 @@ asio::awaitable<void> Connection::serve() {
     // The system would discard the reply if the socket were closed while the caller still sends.
     boost::system::error_code ignored;
     stream_.socket().shutdown(Socket::shutdown_send, ignored);
-    co_await awaitEnd(lingering);
+    co_await awaitEnd(limits_.lingering);
   }
 }
 

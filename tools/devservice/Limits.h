@@ -73,6 +73,9 @@ struct ServerLimits {
   std::chrono::seconds idleWhenCrowded{1};
   /// Time for a request to arrive, and for a reply to be sent. After that the connection is closed.
   std::chrono::milliseconds request{10'000};
+  /// Longest time for which a connection stays open after a malformed request was refused, so that the caller
+  /// can read the reason.
+  std::chrono::seconds lingering{1};
   /// Time after which a connection is closed whose call is never answered because of a fault.
   std::chrono::minutes silence{10};
 };
