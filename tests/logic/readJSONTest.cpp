@@ -26,10 +26,11 @@ TEST(ReadJSON, ReadsWhatItShould) {
       {"\xEF\xBB\xBF{}", "{}"},
       {" \t\r\n[ 1 , 2 ] \n", "[1,2]"},
       {"[0,9,10,99,100,255,256,-1]", "[0,9,10,99,100,255,256,-1]"},
+      {"[1,{},[2],[{}]]", "[1,{},[2],[{}]]"},
       {R"({"b":1,"a":{"c":[true,false,null]},"b":2})", R"({"a":{"c":[true,false,null]},"b":1})"},
       {R"({"a":1,"a":{"a":[{"a":[]}]},"b":3})", R"({"a":1,"b":3})"},
-      {R"(["\"\\\/\b\f\n\r\t\u0041\u00e9\u4E2d\u0000\u001f"])",
-       "[\"\\\"\\\\/\\b\\f\\n\\r\\tAé中\\u0000\\u001f\"]"},
+      {R"(["\"\\\/\b\f\n\r\t\u0041\u00e9a\u4E2d\u0000\u001f"])",
+       "[\"\\\"\\\\/\\b\\f\\n\\r\\tAéa中\\u0000\\u001f\"]"},
       // The first and the last code point of each length, and of those around the surrogates.
       {R"(["\u007f\u0080\u07ff\u0800\ud7ff\ue000\uffff\ud800\udc00\udbff\udfff"])",
        "[\"\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF"
