@@ -30,7 +30,8 @@ namespace orvane {
 /// The outcome of a call. Converts to true if the service accepted the call.
 template <class T>
 struct Outcome {
-  /// Present after a success. A login has the service's message here, after a refusal too.
+  /// Present after a success. A login has the service's message here, after a refusal too, and after any
+  /// other failure the words of Platform::failureWords.
   std::optional<T> value;
   /// Null after a success.
   ErrorPtr error;

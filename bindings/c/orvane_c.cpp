@@ -22,6 +22,9 @@
 namespace orvane {
 namespace {
 
+// Promised: these structs keep their layout, for programs that were compiled earlier. A call that needs other
+// members is a new function with a struct of its own.
+static_assert(sizeof(void*) != 8 || (sizeof(orvane_setup) == 32 && sizeof(orvane_failure) == 32));
 static_assert(ORVANE_OTHER == hashValue(ErrorKind::other) && ORVANE_REFUSED == hashValue(ErrorKind::refused));
 
 std::atomic<CountedSession*> preparedSession = nullptr;

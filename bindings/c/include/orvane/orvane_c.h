@@ -45,9 +45,9 @@ typedef enum orvane_kind {
 
 /** Why a call failed. */
 typedef struct orvane_failure {
-  orvane_kind kind; /**< What a program may treat differently. */
-  int64_t code;     /**< The service's code, 1 for each refused login; or the code of the transfer's error. */
-  const char* domain;  /**< The service's message, or the domain of the transfer's error. */
+  orvane_kind kind;    /**< What a program may treat differently. */
+  int64_t code;        /**< The service's code, 1 for each refused login; or the code of another error. */
+  const char* domain;  /**< The service's message; or the domain of another error, as in docs/errors.md. */
   const char* message; /**< One sentence for a person, or the program's words. */
 } orvane_failure;
 
@@ -86,11 +86,12 @@ typedef void (*orvane_picture_finished)(const uint8_t* bytes, size_t size, const
 /** Receives null if the code was sent. */
 typedef void (*orvane_code_finished)(const orvane_failure* failure, void* context);
 
-/** Receives the service's message, and a failure unless the login was accepted. */
+/** Receives the service's message, and a failure unless the login was accepted. After a failure that is no
+    refusal the message is that of the failure, or null if no request was sent. */
 typedef void (*orvane_login_finished)(const char* message, const orvane_failure* failure, void* context);
 
-/** Fetches the picture verification code for a mobile number. Also writes the error of a failed transfer to
-    standard output: one line with its domain and code. */
+/** Fetches the picture verification code for a mobile number. Also writes the error of a failed transfer, or
+    of a reply that is not JSON, to standard output: one line with its domain and code. */
 void orvane_request_picture_code(const char* mobile, orvane_picture_finished finished, void* context,
                                  void (*release)(void* context)) ORVANE_NOEXCEPT;
 
