@@ -85,7 +85,8 @@ __attribute__((visibility("default")))
            finished:(void(ORVANE_SENDABLE ^)(NSError* _Nullable error))finished ORVANE_ASYNC(3);
 
 /// Logs in with the code that came by SMS. The block receives the service's message after an accepted login,
-/// and the message and an error with the code 1 after a refused one.
+/// and the message and an error with the code 1 after a refused one. After any other failure it receives the
+/// words of OVSession, and an error.
 ///
 /// Warning: without the words of OVSession, stops the process if the request fails or the reply is not JSON,
 /// because the reply is read before the error.
