@@ -115,6 +115,7 @@ TEST_P(FaultMatrix, IsAsThePageSaysAndNeverStopsWithWords) {
             << call << ", way " << static_cast<int>(way);
       }));
     }
+    for (std::future<void>& check : checks) check.get();  // Throws what the check threw.
   }
 }
 
