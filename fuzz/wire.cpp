@@ -33,7 +33,7 @@ class Wire {
     curl_easy_setopt(transfer_.handle(), CURLOPT_ABSTRACT_UNIX_SOCKET, name.c_str());
   }
 
-  /// Returns what curl sends, or nullopt if it refuses the URL.
+  /// Returns what curl sends, or an empty string if it refuses the URL.
   std::string send(const URLRequest& request) {
     constexpr std::string_view reply = "HTTP/1.1 200 OK\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
     context_.now = Clock::now();

@@ -70,7 +70,7 @@ TEST(ObjectRuntime, TheIdentifierIsACopyUnitForUnit) {
   }
 }
 
-TEST(PlatformText, IsConvertedWithoutLoss) {
+TEST(PlatformString, IsConvertedWithoutLoss) {
   @autoreleasepool {
     for (const std::string& text :
          {std::string(), std::string("a\0b", 3), std::string("é中\u07FF\u0800\uFFFF"),
