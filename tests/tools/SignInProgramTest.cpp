@@ -8,8 +8,6 @@
 #include <string>
 #include <string_view>
 #include <tuple>
-#include <utility>
-#include <vector>
 
 #include "tests/support/Conversation.h"
 #include "tests/support/LoopbackServer.h"

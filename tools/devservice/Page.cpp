@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <utility>
 
 #include "tools/devservice/Limits.h"
 #include "tools/devservice/PageFile.h"

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <boost/beast/core/string.hpp>
-#include <functional>
 #include <iterator>
 #include <utility>
 
